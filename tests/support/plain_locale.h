@@ -1,0 +1,34 @@
+// A locale made by hand, for tests of single rooms: an English record and, where a test wants one, a zone of fixed rules.
+#ifndef VXNLS_TESTS_SUPPORT_PLAIN_LOCALE_H
+#define VXNLS_TESTS_SUPPORT_PLAIN_LOCALE_H
+
+#include <string>
+#include <string_view>
+
+#include "vxnls/vxnls.h"
+
+namespace vxtest {
+
+std::u32string utf32(std::string_view utf8);  // of well-formed text
+std::string utf8(std::u32string_view text);
+void set_name(NLSName& name, std::u32string_view text);
+
+/// English names and patterns, "." and ",", groups of 3, "$". `data` is open to changes. Without a zone service.
+struct PlainLocale {
+  PlainLocale();
+  PlainLocale(const PlainLocale&) = delete;
+  PlainLocale& operator=(const PlainLocale&) = delete;
+
+  VXLocale* get() { return &locale; }
+  /// Gives the locale a zone service whose one zone "Test/Zone" lies `seconds_east` of UTC always.
+  void use_fixed_zone(int32_t seconds_east);
+
+  VXLocaleData data;
+  VXLocale locale;
+  HostContext context;
+  VXZoneService zones;
+};
+
+}  // namespace vxtest
+
+#endif

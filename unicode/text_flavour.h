@@ -1,0 +1,69 @@
+// The two flavours of text. A rule is written once as a template over one of these; what differs on purpose is a member.
+#ifndef VXNLS_UNICODE_TEXT_FLAVOUR_H
+#define VXNLS_UNICODE_TEXT_FLAVOUR_H
+
+#include "vxnls/types.h"
+
+namespace vxnls {
+
+inline constexpr VXChar replacement_character = 0xFFFD;
+
+/// One character taken from a text.
+struct Decoded {
+  VXChar code_point;
+  int64_t consumed;  // units
+  VXStatus status;   // as the exported decoders report it
+};
+
+/// UTF-32: one unit a character.
+struct Utf32Text {
+  using Unit = VXChar;
+  static constexpr int64_t longest = 1;  // units that one code point takes at most
+
+  static constexpr int64_t units(VXChar) { return 1; }
+  /// Writes `code_point` at `out`, which has room for `longest` units; gives the units written.
+  static constexpr int64_t append(VXChar code_point, Unit* out) {
+    *out = code_point;
+    return 1;
+  }
+  /// The character at `at`; `remaining` is at least 1.
+  static constexpr Decoded decode(const Unit* at, int64_t /*remaining*/) { return {*at, 1, 0}; }
+};
+
+/// UTF-8 bytes, coded and decoded as UTF32_UTF8 and UTF8_UTF32 do, but never outside the text.
+struct Utf8Text {
+  using Unit = uint8_t;
+  static constexpr int64_t longest = 4;
+
+  static constexpr int64_t units(VXChar c) { return c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4; }
+  static constexpr int64_t append(VXChar c, Unit* out) {
+    const int64_t length = units(c);
+    if (length == 1) {
+      *out = static_cast<Unit>(c);
+      return 1;
+    }
+    constexpr VXChar lead[] = {0, 0, 0xC0, 0xE0, 0xF0};
+    for (int64_t i = length - 1; i > 0; --i, c >>= 6) out[i] = static_cast<Unit>(0x80 | (c & 0x3F));
+    *out = static_cast<Unit>(lead[length] + c);
+    return length;
+  }
+  static constexpr bool is_continuation(Unit byte) { return (byte & 0xC0) == 0x80; }
+  static constexpr Decoded decode(const Unit* at, int64_t remaining) {
+    const Unit lead = at[0];
+    if (lead < 0x80) return {lead, 1, 0};
+    const int64_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : lead < 0xFC ? 5 : 6;
+    if (lead >= 0xC2 && lead <= 0xF4) {
+      if (remaining < length) return {replacement_character, remaining, VX_E_INCOMPLETE};
+      VXChar value = lead & (0x7Fu >> length);
+      for (int64_t i = 1; i < length; ++i) value = value << 6 | (at[i] & 0x3Fu);
+      return {value, length, 0};
+    }
+    int64_t consumed = 1;
+    while (consumed < length && consumed < remaining && is_continuation(at[consumed])) ++consumed;
+    return {replacement_character, consumed, VX_E_SEQUENCE};
+  }
+};
+
+}  // namespace vxnls
+
+#endif
