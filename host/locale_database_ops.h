@@ -1,0 +1,33 @@
+// The operations of the extension "vxnlsldb": the table that every locale database has, and what this host asks besides.
+#ifndef VXNLS_HOST_LOCALE_DATABASE_OPS_H
+#define VXNLS_HOST_LOCALE_DATABASE_OPS_H
+
+#include "vxnls/host.h"
+#include "vxnls/locale.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// The table of operations behind a VXLocaleDatabase of this host. All of them may be called from several threads at
+/// once. Names are canonical ICU names ("de_DE", "sr_Latn_RS", "en_US_POSIX", "root").
+typedef struct VXHostLocaleDatabaseOps {
+  VXLocaleDatabaseOps base; /* destroy, fill */
+
+  /// Fills a record without keeping anything, as `base.fill` does, and calls `each` for every entry that could not be
+  /// taken over as CLDR has it. A non-zero result of `each` ends the walk. Texts are UTF-8, valid during the call.
+  /// Returns the status that `fill` gives for the name.
+  VXStatus (*for_each_fallback)(VXLocaleDatabase*, const char* name,
+                                int (*each)(void* user, const char* entry, const char* used, const char* reason),
+                                void* user);
+
+  /// Calls `each` for every locale that `fill` has data for ("root" apart), in byte order of name.
+  /// A non-zero result ends the walk.
+  void (*for_each_locale)(VXLocaleDatabase*, int (*each)(void* user, const char* name), void* user);
+} VXHostLocaleDatabaseOps;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
