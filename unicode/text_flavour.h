@@ -1,7 +1,9 @@
-// The two flavours of text. A rule is written once as a template over one of these; what differs on purpose is a member.
+// The two flavours of text. A rule is written once as a template over one of these; what differs on purpose is a
+// member.
 #ifndef VXNLS_UNICODE_TEXT_FLAVOUR_H
 #define VXNLS_UNICODE_TEXT_FLAVOUR_H
 
+#include "unicode/utf8_tables.h"
 #include "vxnls/types.h"
 
 namespace vxnls {
@@ -14,6 +16,11 @@ struct Decoded {
   int64_t consumed;  // units
   VXStatus status;   // as the exported decoders report it
 };
+
+/// What a decoder answers when the text ends inside a character: it takes what there is.
+constexpr Decoded cut_short(int64_t remaining) {
+  return {replacement_character, remaining > 0 ? remaining : 0, VX_E_INCOMPLETE};
+}
 
 /// UTF-32: one unit a character.
 struct Utf32Text {
@@ -35,7 +42,8 @@ struct Utf8Text {
   using Unit = uint8_t;
   static constexpr int64_t longest = 4;
 
-  static constexpr int64_t units(VXChar c) { return c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4; }
+  static constexpr int64_t units(VXChar c) { return 1 + (c >= 0x80) + (c >= 0x800) + (c >= 0x10000); }
+  /// Code points above U+10FFFF are not refused; their lead byte overflows.
   static constexpr int64_t append(VXChar c, Unit* out) {
     const int64_t length = units(c);
     if (length == 1) {
@@ -47,14 +55,17 @@ struct Utf8Text {
     *out = static_cast<Unit>(lead[length] + c);
     return length;
   }
-  static constexpr bool is_continuation(Unit byte) { return (byte & 0xC0) == 0x80; }
+  static constexpr bool is_continuation(Unit byte) { return valid_2nd_utf8[byte] != 0; }
+  /// With `remaining` 0 or less nothing is read. The bytes after a lead are not tested: overlong forms, surrogates and
+  /// values above U+10FFFF that a valid lead announces come out as they stand, kept on purpose.
   static constexpr Decoded decode(const Unit* at, int64_t remaining) {
+    if (remaining < 1) return cut_short(remaining);
     const Unit lead = at[0];
     if (lead < 0x80) return {lead, 1, 0};
-    const int64_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : lead < 0xFC ? 5 : 6;
-    if (lead >= 0xC2 && lead <= 0xF4) {
-      if (remaining < length) return {replacement_character, remaining, VX_E_INCOMPLETE};
-      VXChar value = lead & (0x7Fu >> length);
+    const int64_t length = bytesFromUTF8[lead];
+    if (valid_1st_utf8[lead] != 0) {
+      if (remaining < length) return cut_short(remaining);
+      VXChar value = lead & utf8_mask[length];
       for (int64_t i = 1; i < length; ++i) value = value << 6 | (at[i] & 0x3Fu);
       return {value, length, 0};
     }
