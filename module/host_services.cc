@@ -1,6 +1,6 @@
 #include "module/host_services.h"
 
-#include <atomic>
+#include <algorithm>
 
 #include "vxnls/module.h"
 #include "vxnls/table.h"
@@ -12,33 +12,24 @@ namespace vxnls::host {
 
 namespace {
 
-template <class T>
-T* cached(T*& cell) {
-  return std::atomic_ref<T*>(cell).load(std::memory_order_acquire);
-}
+constexpr auto unicode_database_name = host_text("vxnlsudb");
+constexpr VXZoneIdOptions zone_id_options = {16, 0, 0};
+constexpr uint32_t system_zone_mode = 8;
 
-/// Stores `made` while the cell is still null; gives what the cell holds then.
-template <class T>
-T* keep_first(T*& cell, T* made) {
-  T* expected = nullptr;
-  std::atomic_ref<T*>(cell).compare_exchange_strong(expected, made, std::memory_order_acq_rel);
-  return expected != nullptr ? expected : made;
+void clear(ZoneId* id) {
+  std::fill(std::begin(id->text), std::end(id->text), VXChar{' '});
+  id->length = longest_zone_id;
 }
 
 }  // namespace
 
-VXCharData* characters() {
-  return Exported_VXHandle != nullptr ? Exported_VXHandle->characters : nullptr;
-}
+VXCharData* characters() { return Exported_VXHandle != nullptr ? Exported_VXHandle->characters : nullptr; }
 
 VXUnicodeDatabase* unicode_database() {
   VXCharData* const data = characters();
   if (data == nullptr) return nullptr;
   if (VXUnicodeDatabase* const known = cached(data->database)) return known;
-  const VXHandleOps* const ops = Exported_VXHandle->ops;
-  if (ops == nullptr || ops->load_extension == nullptr) return nullptr;
-  static constexpr VXChar name[] = {'v', 'x', 'n', 'l', 's', 'u', 'd', 'b'};
-  VXExtension* const loaded = ops->load_extension(Exported_VXHandle, name, 8, 0);
+  VXExtension* const loaded = load_extension(Exported_VXHandle, unicode_database_name);
   if (loaded == nullptr) return nullptr;
   auto* const made = reinterpret_cast<VXUnicodeDatabase*>(loaded);
   VXUnicodeDatabase* const kept = keep_first(data->database, made);
@@ -48,7 +39,7 @@ VXUnicodeDatabase* unicode_database() {
 
 VXNormaliser* normaliser() {
   VXCharData* const data = characters();
-  if (data == nullptr || data->ops == nullptr || data->ops->create_normaliser == nullptr) return nullptr;
+  if (data == nullptr) return nullptr;
   if (VXNormaliser* const known = cached(data->normaliser)) return known;
   VXNormaliser* const made = data->ops->create_normaliser(data);
   return made != nullptr ? keep_first(data->normaliser, made) : nullptr;
@@ -61,6 +52,11 @@ int64_t integer_option(const VXChar* name, int64_t length, int64_t preset) {
   return cell;
 }
 
+VXBDConv* conversions() {
+  VXRuntime* const runtime = Exported_VXHandle != nullptr ? Exported_VXHandle->runtime : nullptr;
+  return runtime != nullptr ? &runtime->bdconv : nullptr;
+}
+
 uint32_t lower(VXCharData* data, uint32_t code_point, uint32_t flag) {
   return data->ops->lower(data, code_point, flag);
 }
@@ -69,8 +65,23 @@ uint32_t upper(VXCharData* data, uint32_t code_point, uint32_t flag) {
   return data->ops->upper(data, code_point, flag);
 }
 
+VXStatus normalise_zone(HostContext* host, const VXChar* id, int64_t length, ZoneId* out) {
+  clear(out);
+  uint64_t extra = 0;
+  const VXStatus status = host->ops->normalise_zone(host, id, length, zone_id_options, out->text, &out->length, &extra);
+  out->length = std::clamp(out->length, int64_t{0}, longest_zone_id);
+  return status;
+}
+
+VXStatus system_zone(HostContext* host, ZoneId* out) {
+  clear(out);
+  const VXStatus status = host->ops->os_zone(host, out->text, &out->length, system_zone_mode);
+  out->length = std::clamp(out->length, int64_t{0}, longest_zone_id);
+  return status;
+}
+
 void describe_zone(const VXLocale* locale, double seconds, ZoneState* state) {
-  state->name_length = 50;
+  state->name_length = longest_zone_id;
   state->offset = 0;
   VXZoneService* const zones = locale->host != nullptr ? locale->host->zones : nullptr;
   VXZone* const zone = current_zone(locale);
@@ -81,8 +92,7 @@ void describe_zone(const VXLocale* locale, double seconds, ZoneState* state) {
     state->offset = 0;
     return;
   }
-  if (state->name_length < 0) state->name_length = 0;
-  if (state->name_length > 50) state->name_length = 50;
+  state->name_length = std::clamp(state->name_length, int64_t{0}, longest_zone_id);
 }
 
 int32_t zone_offset(const VXLocale* locale, VXZone* zone, int32_t direction, double seconds) {
