@@ -1,0 +1,576 @@
+#include "number_format/double_format.h"
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+#include "number_format/digits.h"
+#include "number_format/exponent_form.h"
+#include "number_format/layout.h"
+#include "vxnls/journal.h"
+#include "vxnls/number_parse.h"
+
+namespace vxnls {
+
+namespace {
+
+constexpr uint32_t flag_general = 0x0001 | 0x0400;
+constexpr uint32_t flag_plain = 0x0002;
+constexpr uint32_t flag_fraction_only = 0x0004;
+constexpr uint32_t flag_integer_only = 0x0008;
+constexpr uint32_t flag_exponent = 0x0010 | 0x0020;
+constexpr uint32_t flag_best = 0x0800;
+constexpr uint32_t flag_fixed = 0x1000;
+constexpr uint32_t flag_fixed_exponent = 0x2000;
+constexpr uint32_t flag_exponent_or_integer = 0x4000;
+constexpr uint32_t flag_keep_zeros = 0x400000;
+constexpr uint32_t flags_of_sign_and_padding = flag_plus | flag_left | flag_zero_pad | flag_blank;
+
+constexpr int32_t best_decimals = 99;
+constexpr int32_t default_decimals = 6;
+constexpr int32_t best_free_decimals = 12;
+constexpr int32_t most_decimals = 350;      // of the free mode
+constexpr int32_t significant_digits = 15;  // that a fixed field takes from the value
+constexpr int32_t narrowest_exponent_field = 7;
+constexpr double nudge = 0x1.0000000000001p+0;
+
+constexpr double halves[widest_field] = {0.5,   5e-2,  5e-3,  5e-4,  5e-5,  5e-6,  5e-7,  5e-8,  5e-9,  5e-10, 5e-11,
+                                         5e-12, 5e-13, 5e-14, 5e-15, 5e-16, 5e-17, 5e-18, 5e-19, 5e-20, 5e-21, 5e-22,
+                                         5e-23, 5e-24, 5e-25, 5e-26, 5e-27, 5e-28, 5e-29, 5e-30, 5e-31, 5e-32};
+
+constexpr uint8_t minus = '-';
+constexpr uint8_t plus = '+';
+constexpr uint8_t blank = ' ';
+constexpr uint8_t zero = '0';
+
+/// The code of a missing value, from its byte at bits 40 to 47; 2, the ordinary one, for every NaN without a code.
+int32_t missing_code(double value) {
+  const auto code = static_cast<int32_t>((0 - (std::bit_cast<uint64_t>(value) >> 40)) & 0xFF);
+  return code >= 1 && code <= 28 ? code : 2;
+}
+
+/// The group sizes of the locale as doubles read them: sizes separated by any one unit.
+struct DoubleGrouping {
+  Grouping sizes;
+  bool no_room = false;  // a size of 0: the pattern allows no separators
+};
+
+DoubleGrouping double_grouping(VXLocale* locale) {
+  DoubleGrouping grouping;
+  if (locale == nullptr || locale->localeData == nullptr) {
+    grouping.sizes.add(3);
+    return grouping;
+  }
+  const TextView pattern = view(locale->localeData->groupingPattern);
+  for (int64_t at = 0; at <= pattern.length && grouping.sizes.count < longest_name;) {
+    const bool first = at == 0;
+    const bool ends_grouping = !first && at < pattern.length && pattern.text[at] == '-';
+    if (ends_grouping) {
+      grouping.sizes.add(-1);
+      break;
+    }
+    int32_t size = 0;
+    uint64_t consumed = 0;
+    const VXStatus status = NLSBufToIntfast(locale, pattern.text + at, pattern.length - at, 0, &size, &consumed);
+    if (size == 0) {
+      // What cannot be read means groups of 3, a size of 0 that none fit; after a first size it ends the list.
+      if (first && status != 0) grouping.sizes.add(3);
+      if (first && status == 0) grouping.no_room = true;
+      break;
+    }
+    grouping.sizes.add(size);
+    at += static_cast<int64_t>(consumed) + 1;
+    if (at >= pattern.length) break;
+  }
+  return grouping;
+}
+
+/// One call, after its arguments were looked at.
+template <class Flavour>
+struct DoubleField {
+  using Unit = typename Flavour::Unit;
+
+  VXLocale* locale;
+  uint32_t flags;
+  Unit* buffer;
+  int64_t size;
+  int64_t* length;
+  Separators separators{locale};
+
+  VXStatus stars(int64_t units, VXStatus status) const {
+    fill(buffer, units, '*');
+    *length = units > 0 ? units : 0;
+    return status;
+  }
+
+  int64_t point_units() const { return Flavour::units(separators.decimal_point); }
+
+  /// Sets the sign, and the zeros that pad up to `width`.
+  void dress(NumberParts* parts, bool negative, const SeparatorPlaces& places, int64_t width) const {
+    const bool left = (flags & flag_left) != 0;
+    const bool zero_pad = (flags & flag_zero_pad) != 0 && !left;
+    if (negative) parts->prefix = {&minus, 1};
+    else if ((flags & flag_plus) != 0) parts->prefix = {&plus, 1};
+    else if ((flags & flag_blank) != 0 && !left && !zero_pad) parts->prefix = {&blank, 1};
+    if (!zero_pad) return;
+    const int64_t units = units_of<Flavour>(*parts, separators, places);
+    if (width > units) parts->zeros = width - units;
+  }
+
+  /// Lays a fixed field out. The parts without signs and separators are known to fit.
+  VXStatus put_fixed(int64_t field, const NumberParts& plain, bool negative, bool grouped, VXStatus status) const {
+    const SeparatorPlaces ungrouped(Grouping(), 0);
+    if (status == 0 && (grouped || (flags & flags_of_sign_and_padding) != 0)) {
+      const bool left = (flags & flag_left) != 0;
+      if (grouped) {
+        const DoubleGrouping grouping = double_grouping(locale);
+        const SeparatorPlaces places(grouping.sizes, plain.whole.length);
+        NumberParts parts = plain;
+        dress(&parts, negative, places, field);
+        if (!grouping.no_room && put_field<Flavour>(buffer, field, field, left, parts, separators, places) >= 0) {
+          *length = field;
+          return 0;
+        }
+        status = VX_E_GROUPING;
+      }
+      NumberParts parts = plain;
+      dress(&parts, negative, ungrouped, field);
+      if (put_field<Flavour>(buffer, field, field, left, parts, separators, ungrouped) >= 0) {
+        *length = field;
+        return status;
+      }
+      status = VX_E_GROUPING;  // a sign that does not fit is left out like separators that do not
+    }
+    NumberParts parts = plain;
+    if (negative) parts.prefix = {&minus, 1};
+    put_field<Flavour>(buffer, field, field, false, parts, separators, ungrouped);
+    *length = field;
+    return status;
+  }
+
+  VXStatus put_exponent(int64_t field, const ExponentForm& form, bool negative, VXStatus status) const {
+    NumberParts parts;
+    parts.whole = {form.digits, form.digits_before_point};
+    parts.fraction = {form.digits + form.digits_before_point, form.digit_count - form.digits_before_point};
+    parts.tail = {form.exponent, form.exponent_length};
+    return put_fixed(field, parts, negative, false, status);
+  }
+
+  VXStatus missing(int32_t width, int32_t decimals, bool in_field, const NLSDoubleExOpts* extended,
+                   double value) const {
+    const int32_t code = missing_code(value);
+    VXStatus status = 0;
+    VXChar shown = '.';
+    if (code == 1) shown = '_';
+    else if (code >= 3) shown = static_cast<VXChar>(code + 0x3E);
+    else if (extended != nullptr && (extended->options & 1) != 0) {
+      if (extended->missing == 0) status = VX_E_MISSCHAR;
+      else shown = extended->missing;
+    }
+    const int64_t units = Flavour::units(shown);
+    if (units > size) return stars(size, VX_E_TRUNCATED);
+    if (!in_field) {
+      Flavour::append(shown, buffer);
+      *length = units;
+      return status;
+    }
+    fill(buffer, size, ' ');
+    int64_t field = width < 1 ? 1 : width;
+    if (field > size) field = size;
+    if (field < units) field = units;
+    const int64_t place = static_cast<int64_t>(width) - decimals;
+    int64_t column = place < 1 ? field - 1 : place - 1;
+    if (column > field - units) column = field - units;
+    Flavour::append(shown, buffer + column);
+    *length = field;
+    return status;
+  }
+
+  VXStatus infinity(int32_t width, bool negative) const {
+    static constexpr uint8_t text[] = {'-', 'I', 'n', 'f'};
+    const int64_t field = width < size ? width : size;
+    const Run run{negative ? text : text + 1, negative ? 4 : 3};
+    if (field < run.length) return stars(field, VX_E_TRUNCATED);
+    put(buffer, run);
+    *length = run.length;
+    return 0;
+  }
+
+  /// Exponent form because the value fits in no other way.
+  VXStatus exponent_to_fit(int64_t field, double magnitude, bool negative, bool reports) const {
+    ExponentForm form;
+    if (!exponent_form(magnitude, static_cast<int32_t>(field - (negative ? 1 : 0)), 0,
+                       static_cast<int32_t>(point_units()), &form)) {
+      return stars(field, VX_E_TRUNCATED);
+    }
+    return put_exponent(field, form, negative, reports ? VX_W_PRECISION : 0);
+  }
+
+  VXStatus fixed(int32_t width, int64_t decimals, bool best, bool exponent, bool reports, double value) const;
+  VXStatus free(int32_t width, int32_t decimals, bool best, double value) const;
+};
+
+template <class Flavour>
+VXStatus DoubleField<Flavour>::fixed(int32_t width, int64_t decimals, bool best, bool exponent, bool reports,
+                                     double value) const {
+  if (width < 1) return VX_E_WIDTH;
+  const int64_t field = width < size ? width : size;
+  if (width > widest_field || (exponent && width < narrowest_exponent_field)) return stars(field, VX_E_WIDTH);
+  if (field == 0) return stars(0, VX_E_TRUNCATED);
+
+  const bool negative = value < 0;
+  const int64_t room = field - (negative ? 1 : 0);
+  const double magnitude = std::fabs(value);
+  const int64_t point = point_units();
+
+  if (exponent) {
+    // The room less a sign, "E", the exponent's sign and two digits, and what the point takes.
+    const int64_t digits = room > narrowest_exponent_field ? room - narrowest_exponent_field : 1;
+    ExponentForm form;
+    if (!exponent_form(magnitude, static_cast<int32_t>(room), static_cast<int32_t>(digits), static_cast<int32_t>(point),
+                       &form)) {
+      return stars(field, VX_E_TRUNCATED);
+    }
+    return put_exponent(field, form, negative, 0);
+  }
+
+  uint8_t whole[most_integer_digits];
+  uint8_t fraction[widest_field];
+  int32_t whole_count = integer_digits(magnitude, whole);
+  const int32_t n = whole_count;
+  const bool integral = magnitude == std::floor(magnitude);
+
+  if (best) {
+    decimals = room - 1 - point;
+    if (decimals < 2) decimals = room - point;
+    if (decimals < 0 || integral) decimals = 0;
+    if (!integral && n == 0 && room > 2) {
+      uint8_t digit;
+      const bool nothing_shows = fraction_digits(magnitude, &digit, 1).leading_zeros >= decimals;
+      if (nothing_shows || (magnitude < 1e-5 && room > 4)) return exponent_to_fit(field, magnitude, negative, reports);
+    }
+  } else if (decimals < 0) {
+    decimals = default_decimals;
+  }
+  if (n > room || n == widest_field) return exponent_to_fit(field, magnitude, negative, reports);
+  const bool asked = reports && !best;  // best decimals ask for none, so that none can be missing
+  if (room == 0) {
+    if (magnitude >= 0.5) return exponent_to_fit(field, magnitude, negative, reports);
+    NumberParts nothing;
+    nothing.whole = {&zero, 1};
+    return put_fixed(field, nothing, false, false, asked && decimals > 0 ? VX_W_PRECISION : 0);
+  }
+
+  VXStatus status = 0;
+  const auto integer_room = [&] { return decimals > 0 ? room - decimals - point : room; };
+  if (n > integer_room()) {
+    decimals = room - n - point;
+    if (decimals < 0) decimals = 0;
+    if (asked) status = VX_W_PRECISION;
+  }
+
+  double rounded = magnitude;
+  if (!integral) {
+    for (;;) {
+      rounded = decimals > significant_digits - n ? magnitude * nudge : (magnitude + halves[decimals]) * nudge;
+      whole_count = integer_digits(rounded, whole);
+      if (whole_count <= integer_room()) break;
+      if (decimals == 0) return exponent_to_fit(field, magnitude, negative, reports);
+      --decimals;
+      if (asked) status = VX_W_PRECISION;
+    }
+  }
+
+  std::memset(fraction, '0', sizeof fraction);
+  if (!integral && decimals > 0) {
+    uint8_t digits[significant_digits];
+    const FractionDigits found = fraction_digits(rounded, digits, significant_digits);
+    // Zeros after the point are significant only behind integer digits.
+    const int64_t last = whole_count > 0 ? significant_digits - whole_count : found.leading_zeros + significant_digits;
+    for (int64_t i = 0, at = found.leading_zeros; i < found.count && at < last && at < decimals; ++i, ++at) {
+      fraction[at] = digits[i];
+    }
+  }
+  if (best) {
+    while (decimals > 0 && fraction[decimals - 1] == '0') --decimals;
+  }
+
+  NumberParts parts;
+  parts.whole = {whole, whole_count};
+  parts.fraction = {fraction, decimals};
+  if (whole_count == 0 && integer_room() > 0) parts.whole = {&zero, 1};
+  return put_fixed(field, parts, negative, (flags & flag_group) != 0 && reports, status);
+}
+
+/// Digits of a magnitude: 0.<digits> * 10^point. The digit before `first` is free for a carry.
+struct Decimal {
+  uint8_t area[1 + most_integer_digits + most_fraction_digits];
+  uint8_t* first = area + 1;
+  int32_t count = 0;
+  int32_t point = 0;
+
+  /// Takes `significant` digits, or `places` digits after the point where that is given (-1: not), and one more.
+  Decimal(double magnitude, int32_t significant, int32_t places) {
+    count = point = integer_digits(magnitude, first);
+    if (count > 0) {
+      int32_t wanted = (places >= 0 ? places : significant - count) + 1;
+      if (wanted < 1) return;
+      if (wanted > most_fraction_digits) wanted = most_fraction_digits;
+      uint8_t digits[most_fraction_digits];
+      const FractionDigits found = fraction_digits(magnitude, digits, wanted);
+      if (found.count == 0) return;
+      for (int32_t i = 0; i < found.leading_zeros && i < wanted; ++i) first[count++] = '0';
+      for (int32_t i = 0; i < found.count && count < point + wanted; ++i) first[count++] = digits[i];
+      return;
+    }
+    const FractionDigits found = fraction_digits(magnitude, first, most_fraction_digits);
+    count = found.count;
+    point = -found.leading_zeros;
+  }
+
+  /// Keeps the first `kept` digits, rounded half up; what is left is the empty count when nothing remains.
+  void round(int32_t kept) {
+    if (kept >= count) return;
+    const bool up = kept >= 0 && first[kept] > '4';
+    count = kept < 0 ? 0 : kept;
+    if (!up) return;
+    int32_t i = count - 1;
+    while (i >= 0 && first[i] == '9') first[i--] = '0';
+    if (i >= 0) {
+      ++first[i];
+      return;
+    }
+    *--first = '1';
+    ++count;
+    ++point;
+  }
+};
+
+/// The text of a free-mode number: parts whose runs lie in `area`.
+struct FreeText {
+  uint8_t area[most_integer_digits + 1 + most_decimals + 8];
+  NumberParts parts;
+
+  /// Plain notation with `decimals` digits after the point.
+  void plain(const Decimal& number, int32_t decimals) {
+    uint8_t* at = area;
+    const int32_t whole = number.count == 0 || number.point <= 0 ? 0 : number.point;
+    for (int32_t i = 0; i < whole; ++i) *at++ = i < number.count ? number.first[i] : zero;
+    if (whole == 0) *at++ = zero;
+    parts.whole = {area, at - area};
+    uint8_t* const fraction = at;
+    for (int32_t i = 0; i < decimals; ++i) {
+      const int32_t place = number.point + i;  // index of the digit at this place
+      *at++ = number.count > 0 && place >= 0 && place < number.count ? number.first[place] : zero;
+    }
+    parts.fraction = {fraction, at - fraction};
+  }
+
+  /// One digit before the point, `digits` in all, and an exponent of at least two digits with its sign.
+  void scientific(const Decimal& number, int32_t digits) {
+    for (int32_t i = 0; i < digits; ++i) area[i] = i < number.count ? number.first[i] : zero;
+    parts.whole = {area, 1};
+    parts.fraction = {area + 1, digits - 1};
+    uint8_t* const tail = area + digits;
+    uint8_t* at = tail;
+    const int32_t exponent = number.count == 0 ? 0 : number.point - 1;
+    const int32_t size = exponent < 0 ? -exponent : exponent;
+    *at++ = 'E';
+    *at++ = exponent < 0 ? minus : plus;
+    const int32_t length = size > 99 ? 3 : 2;
+    write_digits(at, length, static_cast<uint64_t>(size));
+    parts.tail = {tail, at - tail + length};
+  }
+
+  void drop_trailing_zeros() {
+    while (parts.fraction.length > 0 && parts.fraction.text[parts.fraction.length - 1] == '0') --parts.fraction.length;
+  }
+};
+
+template <class Flavour>
+VXStatus DoubleField<Flavour>::free(int32_t width, int32_t decimals, bool best, double value) const {
+  const bool negative = value < 0;
+  double magnitude = std::fabs(value);
+  const bool general = (flags & flag_general) != 0 ||
+                       (flags & (flag_plain | flag_fraction_only | flag_integer_only | flag_exponent)) == 0;
+  if (best) decimals = best_free_decimals;
+  if (decimals < 0 || (general && decimals == 0)) decimals = default_decimals;
+  if (decimals > most_decimals) decimals = most_decimals;
+
+  FreeText text;
+  if (general) {
+    Decimal number(magnitude, decimals, -1);
+    number.round(decimals);
+    const int32_t exponent = number.count == 0 ? 0 : number.point - 1;
+    if (exponent < -4 || exponent >= decimals) text.scientific(number, decimals);
+    else text.plain(number, decimals - 1 - exponent);
+    if ((flags & flag_keep_zeros) == 0) text.drop_trailing_zeros();
+  } else if ((flags & flag_exponent) != 0) {
+    const int32_t digits = decimals + 1;
+    Decimal number(magnitude, digits, -1);
+    if (number.point <= 0 && digits > most_decimals && number.count > most_decimals) {
+      *length = 0;
+      return VX_E_DIRECTIVE;  // the work area holds no more digits of a fraction
+    }
+    number.round(digits);
+    text.scientific(number, digits);
+  } else {
+    if ((flags & flag_integer_only) != 0) decimals = 0;
+    else if ((flags & flag_fraction_only) != 0) magnitude -= std::floor(magnitude);
+    Decimal number(magnitude, 0, decimals);
+    number.round(number.point + decimals);
+    text.plain(number, decimals);
+  }
+
+  const bool left = (flags & flag_left) != 0;
+  const int64_t field = width < 0 ? -static_cast<int64_t>(width) : width;
+  VXStatus status = 0;
+  const SeparatorPlaces ungrouped(Grouping(), 0);
+  if ((flags & flag_group) != 0) {
+    const DoubleGrouping grouping = double_grouping(locale);
+    const SeparatorPlaces places(grouping.sizes, text.parts.whole.length);
+    const int64_t limit = field == 0 || field > size ? size : field;
+    NumberParts parts = text.parts;
+    dress(&parts, negative, places, 0);
+    if (!grouping.no_room && units_of<Flavour>(parts, separators, places) <= limit) {
+      dress(&parts, negative, places, field);
+      const int64_t written = put_field<Flavour>(buffer, size, field, left, parts, separators, places);
+      if (written < 0) return stars(size, VX_E_TRUNCATED);
+      *length = written;
+      return 0;
+    }
+    status = VX_E_GROUPING;
+  }
+  dress(&text.parts, negative, ungrouped, field);
+  const int64_t written = put_field<Flavour>(buffer, size, field, left, text.parts, separators, ungrouped);
+  if (written < 0) return stars(size, VX_E_TRUNCATED);
+  *length = written;
+  return status;
+}
+
+template <class Flavour>
+VXStatus format_double(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags,
+                       typename Flavour::Unit* buffer, int64_t size, int64_t* length, const NLSDoubleExOpts* extended,
+                       double value) {
+  if (buffer == nullptr || length == nullptr) return VX_E_NULL;
+  if (size < 0) size = 0;
+
+  bool fixed = (flags & (flag_fixed | flag_fixed_exponent)) != 0;
+  bool reports = (flags & flag_fixed) != 0;  // the fixed-field mode proper
+  bool exponent = (flags & flag_fixed_exponent) != 0;
+  int64_t places = decimals;
+  if ((flags & flag_exponent_or_integer) != 0) {
+    fixed = true;
+    if (decimals >= 1) exponent = true;
+    if (decimals < 0) {
+      reports = true;
+      places = -places;
+    }
+  }
+  const bool best = (flags & flag_best) != 0 || decimals == best_decimals;
+  if (best && width != 0) fixed = true;
+  if (width < 0 && !fixed) flags |= flag_left;
+
+  const DoubleField<Flavour> field{locale, flags, buffer, size, length};
+  if (std::isnan(value)) return field.missing(width, decimals, reports, extended, value);
+  if (std::isinf(value)) return field.infinity(width, value < 0);
+  return fixed ? field.fixed(width, places, best, exponent, reports, value) : field.free(width, decimals, best, value);
+}
+
+constexpr int64_t host_units = 1024;  // more than any number takes
+
+VXBDConv* host_conversion() {
+  VXBDConv* const table = vxGetBDConv();
+  return table != nullptr && table->enabled != 0 && table->format_double != nullptr ? table : nullptr;
+}
+
+}  // namespace
+
+VXStatus NLSDoubleFormatWithExOptsLegacy(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags,
+                                         VXChar* buffer, int64_t size, int64_t* length, const NLSDoubleExOpts* extended,
+                                         double value) {
+  return format_double<Utf32Text>(locale, width, decimals, flags, buffer, size, length, extended, value);
+}
+
+VXStatus NLSDoubleFormatUWithExOptsLegacy(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags,
+                                          uint8_t* buffer, int64_t size, int64_t* length,
+                                          const NLSDoubleExOpts* extended, double value) {
+  return format_double<Utf8Text>(locale, width, decimals, flags, buffer, size, length, extended, value);
+}
+
+}  // namespace vxnls
+
+extern "C" {
+
+VXStatus NLSDoubleFormat(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags, VXChar* buffer,
+                         int64_t size, int64_t* length, double value) {
+  return NLSDoubleFormatWithExOpts(locale, width, decimals, flags, buffer, size, length, nullptr, value);
+}
+
+VXStatus NLSDoubleFormatWithExOpts(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags, VXChar* buffer,
+                                   int64_t size, int64_t* length, const NLSDoubleExOpts* extended, double value) {
+  if (VXBDConv* const table = vxnls::host_conversion()) {
+    return table->format_double(locale, width, decimals, flags, buffer, size, length, extended, value);
+  }
+  return vxnls::NLSDoubleFormatWithExOptsLegacy(locale, width, decimals, flags, buffer, size, length, extended, value);
+}
+
+VXStatus NLSDoubleFormatUWithExOpts(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags, uint8_t* buffer,
+                                    int64_t size, int64_t* length, const NLSDoubleExOpts* extended, double value) {
+  VXBDConv* const table = vxnls::host_conversion();
+  if (table == nullptr) {
+    return vxnls::NLSDoubleFormatUWithExOptsLegacy(locale, width, decimals, flags, buffer, size, length, extended,
+                                                   value);
+  }
+  if (buffer == nullptr || length == nullptr) return VX_E_NULL;
+  VXChar text[vxnls::host_units];
+  int64_t units = 0;
+  const VXStatus status =
+      table->format_double(locale, width, decimals, flags, text, size < vxnls::host_units ? size : vxnls::host_units,
+                           &units, extended, value);
+  if (units < 0) units = 0;
+  if (units > vxnls::host_units) units = vxnls::host_units;
+  *length = 0;
+  for (int64_t i = 0, at = 0; i < units; ++i) {
+    if (at + vxnls::Utf8Text::units(text[i]) > size) return VX_E_TRUNCATED;
+    at += vxnls::Utf8Text::append(text[i], buffer + at);
+    ++*length;  // counts units of the host's text, not bytes: kept on purpose
+  }
+  return status;
+}
+
+VXStatus vxzIDblToBuff(double value, VXChar* buffer, int64_t size, int64_t* count, int64_t* aux) {
+  if (buffer == nullptr || count == nullptr) return VX_E_NULL;
+  uint8_t digits[vxnls::most_integer_digits];
+  const bool finite = std::isfinite(value);
+  const int64_t needed = finite ? vxnls::integer_digits(value, digits) : 0;
+  *count = 0;
+  if (aux != nullptr) *aux = needed;
+  if (!finite) return VX_E_RANGE;
+  if (needed > size) return VX_E_DIGITS;
+  vxnls::put(buffer, {digits, needed});
+  *count = needed;
+  return 0;
+}
+
+VXStatus vxzFDblToBuff(VXChar* buffer, int64_t size, int64_t* count, int64_t* leading_zeros, double value) {
+  if (buffer == nullptr || count == nullptr || leading_zeros == nullptr) return VX_E_NULL;
+  *count = 0;
+  *leading_zeros = 0;
+  if (!std::isfinite(value)) return VX_E_RANGE;
+  if (size <= 0) return 0;
+  if (value == 0) {
+    *buffer = '0';
+    *count = 1;
+    return 0;
+  }
+  uint8_t digits[vxnls::most_fraction_digits];
+  const auto limit = static_cast<int32_t>(size < vxnls::most_fraction_digits ? size : vxnls::most_fraction_digits);
+  const vxnls::FractionDigits found = vxnls::fraction_digits(value, digits, limit);
+  vxnls::put(buffer, {digits, found.count});
+  *count = found.count;
+  *leading_zeros = found.leading_zeros;
+  return 0;
+}
+
+}  // extern "C"
