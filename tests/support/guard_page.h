@@ -1,0 +1,54 @@
+// Memory that ends, or begins, exactly at a page that may not be touched: one step outside is a crash.
+#ifndef VXNLS_TESTS_SUPPORT_GUARD_PAGE_H
+#define VXNLS_TESTS_SUPPORT_GUARD_PAGE_H
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace vxtest {
+
+enum class Guard { behind, before };
+
+/// Room for `most` elements between two untouchable pages. `at(n)` is an area of n elements that touches one of them;
+/// each area lies in the same memory as the one before it.
+template <class T>
+class GuardedBuffer {
+ public:
+  explicit GuardedBuffer(size_t most) {
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    inner_ = (most * sizeof(T) + page - 1) / page * page;
+    whole_ = inner_ + 2 * page;
+    void* const memory = mmap(nullptr, whole_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) std::abort();
+    memory_ = static_cast<uint8_t*>(memory);
+    begin_ = memory_ + page;
+    if (mprotect(begin_, inner_, PROT_READ | PROT_WRITE) != 0) std::abort();
+  }
+  ~GuardedBuffer() { munmap(memory_, whole_); }
+  GuardedBuffer(const GuardedBuffer&) = delete;
+  GuardedBuffer& operator=(const GuardedBuffer&) = delete;
+
+  T* at(size_t n, Guard guard = Guard::behind) {
+    if (n * sizeof(T) > inner_) std::abort();
+    return reinterpret_cast<T*>(guard == Guard::before ? begin_ : begin_ + inner_ - n * sizeof(T));
+  }
+  /// An area that holds a copy of `n` elements.
+  T* copy(const T* from, size_t n, Guard guard = Guard::behind) {
+    T* const to = at(n, guard);
+    if (n > 0) std::memcpy(to, from, n * sizeof(T));
+    return to;
+  }
+
+ private:
+  size_t inner_, whole_;
+  uint8_t *memory_, *begin_;
+};
+
+}  // namespace vxtest
+
+#endif
