@@ -1,0 +1,49 @@
+/* A program that is linked directly and not position-independent: the addresses of the coders that it passes are its
+   own jump slots, and the drivers must know them all the same. They show it at the edges: the coders by themselves
+   would touch the page behind the buffer. */
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "vxnls/unicode.h"
+
+static int faults = 0;
+
+static void check(int holds, const char* what) {
+  if (holds) return;
+  ++faults;
+  fprintf(stderr, "fault: %s\n", what);
+}
+
+int main(void) {
+  const size_t page = (size_t)sysconf(_SC_PAGESIZE);
+  uint8_t* const memory = mmap(NULL, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (memory == MAP_FAILED || mprotect(memory + page, page, PROT_NONE) != 0) return 2;
+  uint8_t* const last = memory + page - 1;
+  int64_t written = -1;
+
+  /* Without this the test would show nothing. */
+  void* const by_library = dlsym(RTLD_NEXT, "UTF8_UTF32");
+  VXDecoder const by_program = &UTF8_UTF32;
+  check(by_library != NULL && memcmp(&by_library, &by_program, sizeof by_library) != 0,
+        "the program has an address of its own");
+
+  static const VXEncoder to_utf32[] = {&COPY_UTF32, &COPY_UTF32_SWAP, &UTF32_UTF16s};
+  uint8_t out[8];
+  *last = 0xFF; /* counts the continuation bytes behind it */
+  for (size_t i = 0; i < sizeof to_utf32 / sizeof *to_utf32; ++i) {
+    check(ConvertToUTF32(last, 1, out, 8, &written, &UTF8_UTF32, to_utf32[i]) == VX_E_SEQUENCE && written == 0,
+          "UTF8_UTF32");
+  }
+  static const VXEncoder from_utf32[] = {&UTF32_UTF16, &UTF32_UTF16_SWAP, &UTF32_UTF16s, &UTF32_UTF16s_SWAP};
+  const uint8_t text[4] = {'A', 0, 0, 0};
+  for (size_t i = 0; i < sizeof from_utf32 / sizeof *from_utf32; ++i) {
+    check(ConvertFromUTF32(text, 4, last, 1, &written, from_utf32[i], &Byte2DWord) == VX_E_ROOM && written == 0,
+          "UTF-16 units");
+  }
+  check(ConvertFromUTF32(text, 4, last, 1, &written, &UTF32_UTF8, &Byte2DWord) == 0 && *last == 'A', "UTF32_UTF8");
+  return faults != 0;
+}
