@@ -1,4 +1,7 @@
-// The locale object and its table of 64 entry points; the layouts of all records, checked.
+/// The locale object and its table of 64 entry points; the layouts of all records, checked.
+///
+/// A host reaches most of the library through a locale: `locale->ops.NLSDateFormat(locale, ...)`. The slots have the
+/// names and signatures of the functions that stand in them, which are exported too.
 #ifndef VXNLS_TABLE_H
 #define VXNLS_TABLE_H
 
@@ -16,6 +19,7 @@
 extern "C" {
 #endif
 
+/// The slots in their order, which hosts rely on: X(number from 1, function) for each.
 #define NLS_SLOTS(X) \
   X(1,NLSDateFormat) X(2,NLSTimeFormat) X(3,NLSDoubleFormat) X(4,NLSIntfastFormat) X(5,NLSIntmaxFormat) \
   X(6,NLSUintfastFormat) X(7,NLSUintmaxFormat) X(8,NLSPointerFormat) X(9,NLSCurrencyFormat) X(10,NLSPercentFormat) \
@@ -39,27 +43,30 @@ extern "C" {
 #else
 #define NLS_SLOT_MEMBER(n, f) __typeof__(f)* f;
 #endif
-typedef struct NLSOps { NLS_SLOTS(NLS_SLOT_MEMBER) } NLSOps;   /* 512 */
+/// One pointer a slot; 512 bytes.
+typedef struct NLSOps { NLS_SLOTS(NLS_SLOT_MEMBER) } NLSOps;
 
-struct VXLocale {                             /* 1,016 */
-  uint32_t eyeCatcher;                        /*   0  "nevo" */
+/// A locale: 1,016 bytes in the pool of its context. Only `timeZone` changes after creation, by NLSSetTimezoneId, which
+/// other threads may call: read it with an atomic load. The words without a name are zero.
+struct VXLocale {
+  uint32_t eyeCatcher;            /*   0  0x6f76656e: the bytes "nevo" */
   uint32_t pad;
-  const char* typeName;                       /*   8  "VXLocale handle" */
-  VXStatus (*destroy)(VXLocale*);             /*  16  NLSLocaleDestroy */
-  HostContext* host;                          /*  24 */
-  VXExtension* messageExt;                    /*  32 */
-  uint64_t nameLength;                        /*  40 */
-  VXChar name[62];                            /*  48 */
-  NLSOps ops;                                 /* 296 */
-  void* reserved808[6];                       /* 808 */
-  VXLocaleData* localeData;                   /* 856 */
-  void* reserved864;                          /* 864 */
-  VXLock* msgLock;                            /* 872 */
-  VXTrack* msgTrack;                          /* 880 */
-  VXLock* zoneLock;                           /* 888 */
-  VXTrack* zoneTrack;                         /* 896 */
-  VXZone* timeZone;                           /* 904 */
-  void* reserved912[13];                      /* 912 */
+  const char* typeName;           /*   8  "VXLocale handle" */
+  VXStatus (*destroy)(VXLocale*); /*  16  NLSLocaleDestroy, which does nothing */
+  HostContext* host;              /*  24  what it was created with */
+  VXExtension* messageExt;        /*  32  its "vxemsg" */
+  uint64_t nameLength;            /*  40  in units, up to 62 */
+  VXChar name[62];                /*  48  canonical */
+  NLSOps ops;                     /* 296 */
+  void* reserved808[6];           /* 808 */
+  VXLocaleData* localeData;       /* 856  owned by the locale */
+  void* reserved864;              /* 864 */
+  VXLock* msgLock;                /* 872  for the message service */
+  VXTrack* msgTrack;              /* 880  likewise */
+  VXLock* zoneLock;               /* 888  held while a zone is opened */
+  VXTrack* zoneTrack;             /* 896  the open zones by identifier */
+  VXZone* timeZone;               /* 904  the current one, of zoneTrack */
+  void* reserved912[13];          /* 912 */
 };
 
 /* The layouts are shared with hosts byte for byte. C99 has no static assertion: C11 and C++ check them. */
