@@ -1,7 +1,8 @@
 // Byte and memory primitives, their twins over VXChar, and missing values.
 //
-// The primitives are the C library's behind signed 64-bit counts: a count below 1, or a null pointer, means that there is
-// nothing to do. `qm...` counts bytes, `qmz...` counts VXChars of 4 bytes each. All may run in any number of threads.
+// The primitives are the C library's behind signed 64-bit counts: a count below 1, or a null pointer, means that there
+// is nothing to do. `qm...` counts bytes, `qmz...` counts VXChars of 4 bytes each. All may run in any number of
+// threads.
 #ifndef VXNLS_BYTES_H
 #define VXNLS_BYTES_H
 

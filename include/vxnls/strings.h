@@ -1,8 +1,8 @@
 // Blank-padded VXChar text: joining, searching, trimming, case, comparison.
 //
-// A text is a pointer and a length in VXChars. Nothing is terminated, trailing blanks (U+0020) are insignificant where a
-// function says so. In every function a null text, or one with a negative length, is an empty text. All of them may run
-// in any number of threads at once; only vxzstlo and vxzstup may call the host.
+// A text is a pointer and a length in VXChars. Nothing is terminated, trailing blanks (U+0020) are insignificant where
+// a function says so. In every function a null text, or one with a negative length, is an empty text. All of them may
+// run in any number of threads at once; only vxzstlo and vxzstup may call the host.
 #ifndef VXNLS_STRINGS_H
 #define VXNLS_STRINGS_H
 

@@ -1,0 +1,172 @@
+// The generated tables, whole, against ICU's data for the characters that the table's version of Unicode knew.
+#include <gtest/gtest.h>
+#include <unicode/uchar.h>
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "unicode/case_mapping.h"
+#include "unicode/class_tables.h"
+#include "vxnls/classes.h"
+
+namespace {
+
+constexpr uint32_t code_points = 0x110000;
+
+bool known_by(uint32_t c, int major) {
+  UVersionInfo age;
+  u_charAge(static_cast<UChar32>(c), age);
+  return age[0] != 0 && (age[0] < major || (age[0] == major && age[1] == 0));
+}
+
+// General categories changed after Unicode 9.0, 52 characters in all.
+struct Change {
+  uint32_t low, high;
+  uint32_t mask_then;
+};
+constexpr Change changed_later[] = {
+    {0x10D0, 0x10FA, U_GC_LO_MASK}, {0x10FD, 0x10FF, U_GC_LO_MASK},  // Georgian became lower case
+    {0x166D, 0x166D, U_GC_PO_MASK}, {0x1734, 0x1734, U_GC_MN_MASK},   {0x1CF2, 0x1CF3, U_GC_MC_MASK},
+    {0xA9BD, 0xA9BD, U_GC_MC_MASK}, {0x111C9, 0x111C9, U_GC_PO_MASK},
+};
+
+uint32_t category_mask(uint32_t c) {
+  for (const Change& change : changed_later) {
+    if (c >= change.low && c <= change.high) return change.mask_then;
+  }
+  return known_by(c, 9) ? U_GET_GC_MASK(static_cast<UChar32>(c)) : U_GC_CN_MASK;
+}
+
+TEST(Tables, OnlyListedCategoriesChangedLater) {
+  int changed = 0;
+  for (uint32_t c = 0; c < code_points; ++c) {
+    changed += known_by(c, 9) && category_mask(c) != U_GET_GC_MASK(static_cast<UChar32>(c));
+  }
+  EXPECT_EQ(changed, 52);
+}
+
+TEST(Tables, ClassesAreThoseOfUnicode9) {
+  constexpr uint32_t shown = U_GC_L_MASK | U_GC_M_MASK | U_GC_N_MASK | U_GC_P_MASK | U_GC_S_MASK;
+  static const struct {
+    const char* name;
+    int32_t (*test)(uint32_t);
+    uint32_t categories;
+  } classes[] = {
+      {"digit", vxnlsisdigit, U_GC_ND_MASK},
+      {"lower", vxnlsislower, U_GC_LL_MASK},
+      {"upper", vxnlsisupper, U_GC_LU_MASK},
+      {"alpha", vxnlsisalpha, U_GC_L_MASK},
+      {"alnum", vxnlsisalnum, U_GC_L_MASK | U_GC_ND_MASK},
+      {"print", vxnlsisprint, shown | U_GC_Z_MASK},
+      {"graph", vxnlsisgraph, shown},
+      {"punct", vxnlsispunct, U_GC_P_MASK},
+      {"cntrl", vxnlsiscntrl, U_GC_CC_MASK | U_GC_CF_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK},
+  };
+  for (uint32_t c = 0; c < code_points; ++c) {
+    const uint32_t category = category_mask(c);
+    for (const auto& k : classes) ASSERT_EQ(k.test(c), (k.categories & category) != 0) << k.name << " of " << c;
+    // POSIX hexadecimal digits of ICU: decimal digits, and the letters in ASCII and full width.
+    const bool hexadecimal = known_by(c, 9) && u_isxdigit(static_cast<UChar32>(c));
+    ASSERT_EQ(vxnlsisxdigit(c), hexadecimal) << c;
+    ASSERT_EQ(vxnlsisspace(c), u_hasBinaryProperty(static_cast<UChar32>(c), UCHAR_WHITE_SPACE)) << c;
+  }
+  for (const uint32_t c : {code_points, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+    for (const auto& k : classes) EXPECT_EQ(k.test(c), 0) << k.name << " of " << c;
+    EXPECT_EQ(vxnlsisxdigit(c) + vxnlsisspace(c), 0);
+  }
+}
+
+TEST(Tables, RangesAnswerAsTheBitsOfAsciiDo) {
+  using namespace vxnls;
+  // ICU numbers the categories in an order of its own; this one is the order of the class bits.
+  static constexpr uint32_t order[] = {
+      U_GC_LU_MASK, U_GC_LL_MASK, U_GC_LT_MASK, U_GC_MN_MASK, U_GC_MC_MASK, U_GC_ME_MASK, U_GC_ND_MASK, U_GC_NL_MASK,
+      U_GC_NO_MASK, U_GC_ZS_MASK, U_GC_ZL_MASK, U_GC_ZP_MASK, U_GC_CC_MASK, U_GC_CF_MASK, U_GC_CS_MASK, U_GC_CO_MASK,
+      U_GC_CN_MASK, U_GC_LM_MASK, U_GC_LO_MASK, U_GC_PC_MASK, U_GC_PD_MASK, U_GC_PS_MASK, U_GC_PE_MASK, U_GC_PI_MASK,
+      U_GC_PF_MASK, U_GC_PO_MASK, U_GC_SM_MASK, U_GC_SC_MASK, U_GC_SK_MASK, U_GC_SO_MASK};
+  const auto within = [](uint32_t c, const auto& ranges) {
+    return std::any_of(std::begin(ranges), std::end(ranges),
+                       [c](const CodePointRange& range) { return c >= range.low && c <= range.high; });
+  };
+  for (uint32_t c = 0; c < 128; ++c) {
+    const AsciiClass& known = ansi_ccl[c];
+    uint32_t bits = 0;
+    for (size_t i = 0; i < std::size(order); ++i) {
+      if (order[i] & U_GET_GC_MASK(static_cast<UChar32>(c))) bits = 1u << i;
+    }
+    EXPECT_EQ(known.code, c);
+    EXPECT_EQ(known.bits, bits) << c;
+    const auto upper = static_cast<uint32_t>(u_toupper(static_cast<UChar32>(c)));
+    const auto lower = static_cast<uint32_t>(u_tolower(static_cast<UChar32>(c)));
+    EXPECT_EQ(known.upper, upper == c ? 0 : upper);
+    EXPECT_EQ(known.lower, lower == c ? 0 : lower);
+    EXPECT_EQ(known.secondary | known.reserved12 | known.reserved24 | known.reserved28, 0u);
+    // With and without a host ASCII gets one answer.
+    EXPECT_EQ(within(c, digitranges), (bits & class_digit) != 0) << c;
+    EXPECT_EQ(within(c, lowerranges), (bits & class_lower) != 0) << c;
+    EXPECT_EQ(within(c, upperranges), (bits & class_upper) != 0) << c;
+    EXPECT_EQ(within(c, alpharanges), (bits & class_letter) != 0) << c;
+    EXPECT_EQ(within(c, printranges), (bits & class_print) != 0) << c;
+    EXPECT_EQ(within(c, graphranges), (bits & class_graph) != 0) << c;
+    EXPECT_EQ(within(c, punctranges), (bits & class_punctuation) != 0) << c;
+    EXPECT_EQ(within(c, controlranges), (bits & class_control) != 0) << c;
+    EXPECT_EQ(within(c, xdigitranges), vxnlsisxdigit(c) != 0) << c;
+  }
+}
+
+using Mapping = UChar32 (*)(UChar32);
+
+/// The simple mapping as far as both characters lie below U+10000 and were known.
+uint32_t mapped(uint32_t c, Mapping mapping, int major) {
+  const auto to = static_cast<uint32_t>(mapping(static_cast<UChar32>(c)));
+  return to < 0x10000 && known_by(c, major) && known_by(to, major) ? to : c;
+}
+
+TEST(Tables, CaseIsThatOfUnicode3) {
+  // Mappings between characters of Unicode 3.0 that the tables leave out, and one that Unicode took back.
+  static const std::map<uint32_t, uint32_t> lower_otherwise = {{0x0130, 0x0130}, {0x1FF8, 0x1FF8}, {0x1FF9, 0x1FF9},
+                                                               {0x2126, 0x2126}, {0x212A, 0x212A}, {0x212B, 0x212B}};
+  static const std::map<uint32_t, uint32_t> upper_otherwise = {{0x00B5, 0x00B5}, {0x017F, 0x017F}, {0x03F2, 0x03A3},
+                                                               {0x1F78, 0x1F78}, {0x1F79, 0x1F79}, {0x1FBE, 0x1FBE}};
+  for (uint32_t c = 0; c < code_points; ++c) {
+    const auto lower = lower_otherwise.find(c), upper = upper_otherwise.find(c);
+    const uint32_t by_icu_lower = mapped(c, u_tolower, 3), by_icu_upper = mapped(c, u_toupper, 3);
+    ASSERT_EQ(vxnls::lower_by_tables(c), lower != lower_otherwise.end() ? lower->second : by_icu_lower) << c;
+    ASSERT_EQ(vxnls::upper_by_tables(c), upper != upper_otherwise.end() ? upper->second : by_icu_upper) << c;
+    // A row that is not needed is a fault of the list.
+    ASSERT_TRUE(lower == lower_otherwise.end() || lower->second != by_icu_lower) << c;
+    ASSERT_TRUE(upper == upper_otherwise.end() || upper->second != by_icu_upper) << c;
+  }
+  EXPECT_EQ(vxnls::lower_by_tables(0xFFFFFFFF), 0xFFFFFFFF);
+  EXPECT_EQ(vxnls::upper_by_tables(0x80000041), 0x80000041);
+}
+
+TEST(Tables, SmallestAndLargestOfTheCaseClass) {
+  // Relaxes along every mapping in both directions until nothing moves.
+  std::vector<uint32_t> smallest(0x10000), largest(0x10000);
+  for (uint32_t c = 0; c < 0x10000; ++c) smallest[c] = largest[c] = c;
+  for (bool moved = true; moved;) {
+    moved = false;
+    for (uint32_t c = 0; c < 0x10000; ++c) {
+      for (const Mapping mapping : {u_tolower, u_toupper}) {
+        const uint32_t to = mapped(c, mapping, 9);
+        const uint32_t low = std::min(smallest[c], smallest[to]), high = std::max(largest[c], largest[to]);
+        moved |= smallest[c] != low || smallest[to] != low || largest[c] != high || largest[to] != high;
+        smallest[c] = smallest[to] = low;
+        largest[c] = largest[to] = high;
+      }
+    }
+  }
+  for (uint32_t c = 0; c < 0x10000; ++c) {
+    ASSERT_EQ(vxnls::smallest_by_case(c), smallest[c]) << c;
+    ASSERT_EQ(vxnls::largest_by_case(c), largest[c]) << c;
+  }
+  for (const uint32_t c : {0x10000u, 0x10400u, 0x10FFFFu, 0xFFFFFFFFu}) {
+    EXPECT_EQ(vxnls::smallest_by_case(c), c);
+    EXPECT_EQ(vxnls::largest_by_case(c), c);
+  }
+}
+
+}  // namespace
