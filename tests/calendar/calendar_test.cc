@@ -1,0 +1,354 @@
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "calendar/work_area.h"
+#include "vxnls/vxnls.h"
+
+namespace {
+
+using vxnls::NLSFMT_Global_Values;
+
+const double nan_of_a = std::bit_cast<double>(uint64_t{0xFFFFFD0000000000});  // the special missing value .A
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr uint64_t missing = 0xFFFFFE0000000000;
+
+uint64_t bits(double value) { return std::bit_cast<uint64_t>(value); }
+
+struct Fields {
+  double year, month, day;
+};
+
+/// A calendar that only ever turns to the next day.
+struct Counter {
+  int64_t year = 1582, month = 1, day = 1, day_of_year = 1, week_day = 5 /* a Friday */;
+
+  bool leap() const {
+    if (year % 4000 == 0) return false;
+    if (year % 400 == 0) return true;
+    if (year % 100 == 0) return false;
+    return year % 4 == 0;
+  }
+  void next() {
+    const int64_t lengths[] = {31, leap() ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    week_day = (week_day + 1) % 7;
+    ++day_of_year;
+    if (++day <= lengths[month - 1]) return;
+    day = 1;
+    if (++month <= 12) return;
+    month = 1;
+    ++year;
+    day_of_year = 1;
+  }
+};
+
+TEST(Calendar, EveryDayThroughEveryFunction) {
+  Counter at;
+  for (int32_t d = vxnls::first_day; d < vxnls::end_day; ++d, at.next()) {
+    const auto date = static_cast<double>(d);
+    const auto julian = static_cast<double>(at.year * 1000 + at.day_of_year);
+    const auto year = static_cast<double>(at.year), month = static_cast<double>(at.month),
+               day = static_cast<double>(at.day);
+    ASSERT_EQ(vxnls::week_day(d), at.week_day) << d;
+    // The first nine days count below the first Sunday with a remainder that truncates.
+    ASSERT_EQ(NLSwekday(date), static_cast<double>(d >= -138052 ? at.week_day + 1 : (d + 138052) % 7 + 1)) << d;
+
+    int32_t its_year = 0;
+    ASSERT_EQ(NLSjuldat(&its_year, date), julian) << d;
+    ASSERT_EQ(its_year, at.year) << d;
+    NLSCalendarWork work = NLSFMT_Global_Values;
+    Fields f{};
+    ASSERT_EQ(NLSymdjul(&f.year, &f.month, &f.day, &work, julian), 0u);
+    ASSERT_TRUE(f.year == year && f.month == month && f.day == day) << d;
+    ASSERT_EQ(NLSdatjul(&work, julian), date) << d;
+    ASSERT_EQ(work.dayOfYear, at.day_of_year) << d;
+    ASSERT_EQ(work.daysInYear, at.leap() ? 366 : 365) << d;
+    ASSERT_EQ(NLSmdy(&work, month, day, year), date) << d;
+    ASSERT_EQ(NLSdatprt(date * 86400), date) << d;
+    ASSERT_EQ(NLSdatprt(date * 86400 + 86399), date) << d;
+    ASSERT_EQ(vxfmtzjulymd(year, month, day), julian) << d;
+    ASSERT_EQ(vxfmtzdatjul(julian), date) << d;
+  }
+  EXPECT_EQ(at.year, 20001);
+}
+
+// The library's clock of dates, up to the day that the year 4000 lacks.
+TEST(Calendar, EveryDayAgainstChrono) {
+  using namespace std::chrono;
+  const sys_days epoch = 1960y / January / 1;
+  const sys_days last = 4000y / February / 28;
+  for (sys_days day = 1582y / January / 1; day <= last; day += days{1}) {
+    const year_month_day ymd = day;
+    const auto expected = vxnls::CivilDate{static_cast<int>(ymd.year()), static_cast<int32_t>(unsigned{ymd.month()}),
+                                           static_cast<int32_t>(unsigned{ymd.day()})};
+    const auto number = static_cast<int32_t>((day - epoch).count());
+    ASSERT_EQ(vxnls::civil_from_day(number), expected);
+    ASSERT_EQ(vxnls::day_number(expected), number);
+    ASSERT_EQ(vxnls::week_day(number), static_cast<int32_t>(weekday{day}.c_encoding()));
+  }
+}
+
+TEST(Calendar, SampleDays) {
+  static constexpr struct {
+    double date, julian;
+  } cases[] = {{-138061, 1582001},    {0, 1960001},     {3653, 1970001},   {14610, 2000001},
+               {14669, 2000060},      {14975, 2000366}, {745095, 4000001}, {6589335, 20000365},
+               {6589335.9, 20000365}, {1.5, 1960002},   {-0.5, 1959365},   {-138060.5, 1582001}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(NLSjuldat(nullptr, c.date), c.julian);
+    EXPECT_EQ(vxfmtzjuldat(c.date), c.julian);
+  }
+}
+
+TEST(Calendar, InvalidValuesAreMissing) {
+  for (const double t : {-11928470400.5, 569318630400.0, 1e300, -1e300, infinity, -infinity, std::nan(""), nan_of_a}) {
+    for (double (*f)(double) : {NLSdatprt, NLStimprt, NLShour, NLSminute, NLSsecond})
+      EXPECT_EQ(bits(f(t)), missing) << t;
+  }
+  for (const double d : {-138061.5, -138062.0, 6589336.0, infinity, -infinity}) {
+    int32_t year = 77;
+    EXPECT_EQ(bits(NLSjuldat(&year, d)), missing) << d;
+    EXPECT_EQ(year, 77);
+    EXPECT_EQ(bits(vxfmtzjuldat(d)), missing);
+    EXPECT_EQ(bits(NLSwekday(d)), missing);
+  }
+  int32_t year = 77;
+  EXPECT_EQ(bits(NLSjuldat(&year, nan_of_a)), bits(nan_of_a));  // a special missing value passes through
+  EXPECT_EQ(bits(vxfmtzjuldat(nan_of_a)), bits(nan_of_a));
+  EXPECT_EQ(year, 77);
+  EXPECT_EQ(bits(NLSwekday(nan_of_a)), missing);
+}
+
+TEST(Calendar, JulianDatesAndTheWorkArea) {
+  static const struct {
+    double julian;
+    double date;  // NaN: missing
+    int32_t year, days_in_year, day_of_year, february;
+  } cases[] = {
+      {1960001, 0, 1960, 366, 1, 29},
+      {1960001.9, 0, 1960, 366, 1, 29},
+      {2000366, 14975, 2000, 366, 366, 29},
+      {20000366, NAN, 20000, 365, 366, 28},
+      {20000365.5, 6589335, 20000, 365, 365, 28},
+      {4000366, NAN, 4000, 365, 366, 28},
+      {2001366, NAN, 2001, 365, 366, 28},
+      {1582001, -138061, 1582, 365, 1, 28},
+      {49001, 32508, 2049, 365, 1, 28},
+      {50001, -3652, 1950, 365, 1, 28},
+      {1, 14610, 2000, 366, 1, 29},
+      {1.99, 14610, 2000, 366, 1, 29},
+      // Without a valid form only the year as read is left.
+      {1581365, NAN, 1581, 0, 0, 0},
+      {1000001, NAN, 1000, 0, 0, 0},
+      {100001, NAN, 100, 0, 0, 0},
+      {20001001, NAN, 20001, 0, 0, 0},
+      {1960000, NAN, 1960, 0, 0, 0},
+      {1960367, NAN, 1960, 0, 0, 0},
+      {0, NAN, 0, 0, 0, 0},
+      {0.99, NAN, 0, 0, 0, 0},
+      {-1, NAN, 0, 0, 0, 0},
+      {-1960001, NAN, -1960, 0, 0, 0},
+      {NAN, NAN, static_cast<int32_t>(std::numeric_limits<int64_t>::min() / 1000), 0, 0, 0},
+      {infinity, NAN, static_cast<int32_t>(std::numeric_limits<int64_t>::min() / 1000), 0, 0, 0},
+      {1e15 + 1, NAN, static_cast<int32_t>(int64_t{1000000000000}), 0, 0, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.julian);
+    NLSCalendarWork work = NLSFMT_Global_Values;
+    work.reserved = 12345;
+    const double date = NLSdatjul(&work, c.julian);
+    if (std::isnan(c.date)) {
+      EXPECT_EQ(bits(date), missing);
+    } else {
+      EXPECT_EQ(date, c.date);
+    }
+    EXPECT_EQ(work.year, c.year);
+    EXPECT_EQ(work.daysInYear, c.days_in_year);
+    EXPECT_EQ(work.dayOfYear, c.day_of_year);
+    EXPECT_EQ(work.monthDays[1], c.february);
+    EXPECT_EQ(work.reserved, 12345);
+    EXPECT_EQ(work.yearCutoff, 1950);
+
+    Fields f{};
+    NLSCalendarWork split = NLSFMT_Global_Values;
+    EXPECT_EQ(NLSymdjul(&f.year, &f.month, &f.day, &split, c.julian), 0u);
+    EXPECT_EQ(split.year, c.year);
+    EXPECT_EQ(split.monthDays[1], c.february);
+    if (std::isnan(c.date)) {
+      EXPECT_TRUE(bits(f.year) == missing && bits(f.month) == missing && bits(f.day) == missing);
+      EXPECT_EQ(split.dayOfYear, c.day_of_year);
+    } else {
+      EXPECT_EQ(split.dayOfYear, f.day);  // what the walk over the months leaves
+      EXPECT_EQ(f.year, c.year);
+    }
+    Fields g{};
+    EXPECT_EQ(vxfmtzymdjul(&g.year, &g.month, &g.day, c.julian), 0u);
+    EXPECT_TRUE(bits(g.year) == bits(f.year) && bits(g.month) == bits(f.month) && bits(g.day) == bits(f.day));
+    const double without_work = vxfmtzdatjul(c.julian);
+    EXPECT_EQ(bits(without_work), c.julian > 20000365 ? missing : bits(date));
+  }
+}
+
+TEST(Calendar, FieldsAndTheWorkArea) {
+  static const struct {
+    double year, month, day;
+    double julian;  // NaN: missing
+    int32_t work_year, february, day_of_year;
+  } cases[] = {
+      {2001, 2, 28, 2001059, 2001, 28, 31},
+      {2001, 2, 29, NAN, 2001, 28, 0},
+      {2000, 2, 29, 2000060, 2000, 29, 31},
+      {2000, 2, 29.5, NAN, 2000, 29, 0},
+      {4000, 2, 29, NAN, 4000, 28, 0},
+      {2001, 2, 15.7, 2001046, 2001, 28, 31},
+      {2001, 1.9, 3, 2001003, 2001, 28, 0},
+      {2001.9, 12, 31, 2001365, 2001, 28, 334},
+      {24, 3, 1, 2024061, 2024, 29, 60},
+      {99, 12, 31, 1999365, 1999, 28, 334},
+      {50.7, 1, 1, 1950001, 1950, 28, 0},
+      {20000, 12, 31, 20000365, 20000, 28, 334},
+      // Refused at once: nothing is written.
+      {99.5, 1, 1, NAN, 0, 0, 0},
+      {1581.5, 1, 1, NAN, 0, 0, 0},
+      {100, 1, 1, NAN, 0, 0, 0},
+      {20000.5, 1, 1, NAN, 0, 0, 0},
+      {-0.5, 1, 1, NAN, 0, 0, 0},
+      {2001, 0.9, 1, NAN, 0, 0, 0},
+      {2001, 12.5, 1, NAN, 0, 0, 0},
+      {2001, 1, 0.5, NAN, 0, 0, 0},
+      {2001, 1, 31.5, NAN, 0, 0, 0},
+      {NAN, 1, 1, NAN, 0, 0, 0},
+      {2001, NAN, 1, NAN, 0, 0, 0},
+      {2001, 1, NAN, NAN, 0, 0, 0},
+      {infinity, 1, 1, NAN, 0, 0, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.year << "-" << c.month << "-" << c.day);
+    NLSCalendarWork work = NLSFMT_Global_Values;
+    const double julian = NLSjulymd(&work, c.year, c.month, c.day);
+    EXPECT_EQ(bits(julian), std::isnan(c.julian) ? missing : bits(c.julian));
+    EXPECT_EQ(bits(vxfmtzjulymd(c.year, c.month, c.day)), bits(julian));
+    EXPECT_EQ(work.year, c.work_year);
+    EXPECT_EQ(work.monthDays[1], c.february);
+    EXPECT_EQ(work.daysInYear, c.work_year == 0 ? 0 : 337 + c.february);
+    EXPECT_EQ(work.dayOfYear, c.day_of_year);
+    const double date = NLSmdy(&work, c.month, c.day, c.year);
+    EXPECT_EQ(bits(date), std::isnan(c.julian) ? missing : bits(NLSdatjul(&work, c.julian)));
+  }
+}
+
+TEST(Calendar, TimeFields) {
+  static constexpr struct {
+    double t, date, time, hour, minute, second;
+  } cases[] = {
+      {0, 0, 0, 0, 0, 0},
+      {-1, -1, 86399, 23, 59, 59},
+      {-0.5, -1, 86399.5, 23, 59, 59.5},
+      {-86400, -1, 0, 0, 0, 0},
+      {86400, 1, 0, 0, 0, 0},
+      {45296.75, 0, 45296.75, 12, 34, 56.75},
+      {-11928470400, -138061, 0, 0, 0, 0},
+      {569318630399.5, 6589335, 86399.5, 23, 59, 59.5},
+      {-1e-12, 0, 0, 24, 0, 0},                               // lost against the seconds since 1582 and against a day
+      {86399.9999999, 1, 86399.9999999, 23, 59, 59.9999999},  // the date is rounded, the time is not
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.t);
+    EXPECT_EQ(NLSdatprt(c.t), c.date);
+    EXPECT_EQ(NLStimprt(c.t), c.time);
+    EXPECT_EQ(NLShour(c.t), c.hour);
+    EXPECT_EQ(NLSminute(c.t), c.minute);
+    EXPECT_NEAR(NLSsecond(c.t), c.second, 1e-10);
+  }
+}
+
+// The C library's remainder and floor on random datetimes of every size and fineness.
+TEST(Calendar, TimeFieldsAgainstTheCLibrary) {
+  std::mt19937_64 random(42);
+  for (int i = 0; i < 1000000; ++i) {
+    double t = static_cast<double>(random() >> 11) / 9007199254740992.0 * 581247100800.0 - 11928470400.0;
+    if (i % 3 == 1)
+      t = std::floor(t / 3600) * 3600 +
+          static_cast<double>(random() % 3 - 1) * std::ldexp(1, -static_cast<int>(random() % 60));
+    if (i % 3 == 2) t = std::ldexp(t, -static_cast<int>(random() % 60));
+    if (!(t >= -11928470400.0 && t < 569318630400.0)) continue;
+    const double within = std::fmod(t, 86400);
+    const double by_value = t < 0 ? 86400 - std::fabs(within) : within;
+    ASSERT_EQ(NLSdatprt(t), std::trunc((t + 11928470400) / 86400) - 138061) << t;
+    ASSERT_EQ(NLStimprt(t), std::fmod(t <= 0 ? t + 11928470400 : t, 86400)) << t;
+    ASSERT_EQ(NLShour(t), std::floor((within < 0 ? within + 86400 : within) / 3600)) << t;
+    ASSERT_EQ(NLSminute(t), std::floor(std::floor(std::fmod(by_value, 3600)) / 60)) << t;
+    ASSERT_EQ(NLSsecond(t), std::fmod(by_value, 60)) << t;
+  }
+}
+
+// A host whose only service is one option.
+struct OneOption {
+  static constexpr int64_t unset = INT64_MIN;
+  static inline int64_t value = unset;
+  static inline int queries = 0;
+  static VXStatus read(VXOptionService*, const VXChar* name, int64_t length, uint32_t kind, int64_t* cell) {
+    ++queries;
+    EXPECT_EQ(std::u32string(name, name + length), U"VX_NAME_YEARCUTOFF");
+    EXPECT_EQ(kind, VX_OPTION_INTEGER);
+    EXPECT_EQ(*cell, 1950);
+    if (value != unset) *cell = value;
+    return 0;
+  }
+  OneOption() { Exported_VXHandle = &handle; }
+  ~OneOption() { Exported_VXHandle = nullptr; }
+  VXOptionServiceOps ops{&read};
+  VXOptionService service{&ops};
+  VXHandle handle{nullptr, nullptr, &service, nullptr, nullptr};
+};
+
+TEST(Calendar, TwoDigitYears) {
+  static constexpr struct {
+    int64_t cutoff;
+    double year, widened;
+  } cases[] = {
+      {1950, 0, 2000},  {1950, 49, 2049}, {1950, 50, 1950}, {1950, 99, 1999}, {1900, 0, 1900},    {1900, 99, 1999},
+      {1999, 98, 2098}, {1999, 99, 1999}, {1582, 81, 1681}, {1582, 82, 1582}, {19950, 49, 20049}, {1550, 81, 1581},
+  };
+  OneOption host;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.year << " from " << c.cutoff);
+    NLSCalendarWork work = NLSFMT_Global_Values;
+    work.yearCutoff = static_cast<int32_t>(c.cutoff);
+    EXPECT_EQ(NLSjulymd(&work, c.year, 1, 2), c.widened * 1000 + 2);
+    Fields f{};
+    NLSymdjul(&f.year, &f.month, &f.day, &work, c.year * 1000 + 2);
+    EXPECT_EQ(f.year, c.widened);
+
+    OneOption::value = c.cutoff;
+    OneOption::queries = 0;
+    EXPECT_EQ(vxfmtzjulymd(c.year, 1, 2), c.widened * 1000 + 2);
+    vxfmtzymdjul(&f.year, &f.month, &f.day, c.year * 1000 + 2);
+    EXPECT_EQ(f.year, c.widened);
+    EXPECT_EQ(vxfmtzdatjul(c.year * 1000 + 2), NLSdatjul(&work, c.year * 1000 + 2));
+    EXPECT_EQ(OneOption::queries, 3);
+    // Four digits, and what is refused before the year is looked at, ask nobody.
+    vxfmtzjulymd(2001, 1, 2), vxfmtzdatjul(2001002), vxfmtzymdjul(&f.year, &f.month, &f.day, 2001002);
+    vxfmtzjulymd(1, 13, 2), vxfmtzdatjul(1367), vxfmtzdatjul(0);
+    EXPECT_EQ(OneOption::queries, 3);
+  }
+  // Without a set option 1950 stands.
+  OneOption::value = OneOption::unset;
+  EXPECT_EQ(vxfmtzjulymd(49, 1, 1), 2049001);
+  EXPECT_EQ(vxfmtzjulymd(50, 1, 1), 1950001);
+  // A cutoff far from all years gives some number and no fault.
+  for (const int64_t wild : {INT64_MAX, INT64_MIN + 1, int64_t{-50}}) {
+    OneOption::value = wild;
+    NLSCalendarWork work = NLSFMT_Global_Values;
+    work.yearCutoff = wild == -50 ? -50 : wild > 0 ? INT32_MAX : INT32_MIN;
+    EXPECT_EQ(vxfmtzdatjul(7001), NLSdatjul(&work, 7001));
+  }
+}
+
+TEST(Calendar, OrdinaryMissingIsTheKernelsOwn) { EXPECT_EQ(bits(vxnls::ordinary_missing), qmmissv_struct[2]); }
+
+}  // namespace
