@@ -8,6 +8,7 @@
 #include "vxnls/collation.h"
 #include "vxnls/datetime_format.h"
 #include "vxnls/datetime_parse.h"
+#include "vxnls/explain.h"
 #include "vxnls/explain_number.h"
 #include "vxnls/host.h"
 #include "vxnls/journal.h"

@@ -1,0 +1,79 @@
+#include "vxnls/datetime_parse.h"
+
+#include "datetime_parse/recognise_datetime.h"
+
+namespace vxnls {
+
+namespace {
+
+template <class Text>
+VXStatus buffer_to_date(VXLocale* locale, const typename Text::Unit* buffer, int64_t length, uint32_t kind,
+                        uint32_t* month, uint32_t* day, uint32_t* year, int64_t* consumed) {
+  NoTrace trace;
+  const Finding finding = read_date(locale, input_of<Text>(buffer, length), kind, trace);
+  const bool full = finding.status == 0 && is_full_date(finding.fields);
+  *month = full ? static_cast<uint32_t>(finding.fields.month) : 0;
+  *day = full ? static_cast<uint32_t>(finding.fields.day) : 0;
+  *year = full ? static_cast<uint32_t>(finding.fields.year) : 0;
+  if (finding.status == 0) *consumed = finding.consumed;
+  return finding.status;
+}
+
+template <class Text>
+VXStatus buffer_to_time(VXLocale* locale, const typename Text::Unit* buffer, int64_t length, uint32_t kind,
+                        double* seconds, int64_t* consumed) {
+  NoTrace trace;
+  const Finding finding = read_time(locale, input_of<Text>(buffer, length), kind, trace);
+  if (finding.status != 0) return finding.status;
+  *seconds = seconds_of(finding.fields);
+  *consumed = finding.consumed;
+  return 0;
+}
+
+template <class Text>
+VXStatus buffer_to_datetime(VXLocale* locale, const typename Text::Unit* buffer, int64_t length, uint32_t kind,
+                            double* datetime, int64_t* consumed) {
+  NoTrace trace;
+  const DatetimeFinding finding = read_datetime(locale, input_of<Text>(buffer, length), kind, trace);
+  if (finding.status != 0) return finding.status;
+  *datetime = finding.value;
+  *consumed = finding.consumed;
+  return 0;
+}
+
+}  // namespace
+
+}  // namespace vxnls
+
+using vxnls::Utf32Text;
+using vxnls::Utf8Text;
+
+VXStatus NLSBufToDate(VXLocale* locale, const VXChar* buffer, int64_t length, uint32_t kind, uint32_t* month,
+                      uint32_t* day, uint32_t* year, int64_t* consumed) {
+  return vxnls::buffer_to_date<Utf32Text>(locale, buffer, length, kind, month, day, year, consumed);
+}
+
+VXStatus NLSBufToDateU(VXLocale* locale, const uint8_t* buffer, int64_t length, uint32_t kind, uint32_t* month,
+                       uint32_t* day, uint32_t* year, int64_t* consumed) {
+  return vxnls::buffer_to_date<Utf8Text>(locale, buffer, length, kind, month, day, year, consumed);
+}
+
+VXStatus NLSBufToTime(VXLocale* locale, const VXChar* buffer, int64_t length, uint32_t kind, double* seconds,
+                      int64_t* consumed) {
+  return vxnls::buffer_to_time<Utf32Text>(locale, buffer, length, kind, seconds, consumed);
+}
+
+VXStatus NLSBufToTimeU(VXLocale* locale, const uint8_t* buffer, int64_t length, uint32_t kind, double* seconds,
+                       int64_t* consumed) {
+  return vxnls::buffer_to_time<Utf8Text>(locale, buffer, length, kind, seconds, consumed);
+}
+
+VXStatus NLSBufToDatetime(VXLocale* locale, const VXChar* buffer, int64_t length, uint32_t kind, double* datetime,
+                          int64_t* consumed) {
+  return vxnls::buffer_to_datetime<Utf32Text>(locale, buffer, length, kind, datetime, consumed);
+}
+
+VXStatus NLSBufToDatetimeU(VXLocale* locale, const uint8_t* buffer, int64_t length, uint32_t kind, double* datetime,
+                           int64_t* consumed) {
+  return vxnls::buffer_to_datetime<Utf8Text>(locale, buffer, length, kind, datetime, consumed);
+}

@@ -1,0 +1,189 @@
+// The strict and the lenient reader: what one directive and one literal character of a pattern take from the text.
+#ifndef VXNLS_DATETIME_PARSE_READERS_H
+#define VXNLS_DATETIME_PARSE_READERS_H
+
+#include "datetime_parse/directives.h"
+#include "module/host_services.h"
+#include "vxnls/table.h"
+#include "vxnls/zones.h"
+
+namespace vxnls {
+
+inline constexpr int32_t two_digit_year_pivot = 60;  // 60 is 1960, 59 is 2059; the host's cutoff does not enter here
+
+template <class Text>
+VXReason digits_by_modifier(Input<Text>& in, Digits number, VXChar modifier, int32_t* out) {
+  return modifier == '#' ? lenient_extractdigits(in, number, out) : extractdigits(in, number, out);
+}
+
+/// Four positions or else two. Failing, it stands where the four ended and tells why they failed.
+template <class Text>
+VXReason read_year(Input<Text>& in, Digits number, VXChar modifier, int32_t* out) {
+  const Input<Text> start = in;
+  const VXReason reason = digits_by_modifier(in, number, modifier, out);
+  if (reason == VX_REASON_NONE) return reason;
+  Input<Text> again = start;
+  int32_t year = 0;
+  if (digits_by_modifier(again, {2, 0, 99}, modifier, &year) != VX_REASON_NONE) return reason;
+  *out = year + (year >= two_digit_year_pivot ? 1900 : 2000);
+  in = again;
+  return VX_REASON_NONE;
+}
+
+/// The hours or the minutes of an offset: one or two positions, blanks counted, a non-digit after a digit ends them.
+template <class Text>
+VXReason read_offset_part(Input<Text>& in, int32_t maximum, int32_t* out) {
+  int32_t positions = 2;
+  for (; positions > 0 && in.stands_at(' '); --positions) in.skip(1);
+  if (in.empty()) return VX_REASON_TEXT_ENDED;
+  if (positions == 0) return VX_REASON_BLANK_FIELD;
+  if (!stands_at_digit(in)) return VX_REASON_NO_DIGIT;
+  int32_t value = 0;
+  for (; positions > 0 && stands_at_digit(in); --positions) {
+    value = value * 10 + static_cast<int32_t>(*in.at - '0');
+    in.skip(1);
+  }
+  if (value > maximum) return VX_REASON_RANGE;
+  *out = value;
+  return VX_REASON_NONE;
+}
+
+inline constexpr int32_t greatest_offset_hours = 12;  // offsets beyond are refused, kept on purpose
+inline constexpr int32_t greatest_offset_minutes = 59;
+
+template <class Text>
+VXReason read_offset(Input<Text>& in, NLSParseFields& fields) {
+  skip_blanks(in);
+  const bool west = in.stands_at('-');
+  if (west || in.stands_at('+')) in.skip(1);
+  int32_t hours = 0;
+  VXReason reason = read_offset_part(in, greatest_offset_hours, &hours);
+  if (reason != VX_REASON_NONE) return reason;
+  int32_t offset = hours * 3600;
+  if (!in.empty()) {
+    skip_blanks(in);
+    if (in.stands_at(':')) in.skip(1);
+    int32_t minutes = 0;
+    reason = read_offset_part(in, greatest_offset_minutes, &minutes);
+    if (reason == VX_REASON_TEXT_ENDED) reason = VX_REASON_NONE;  // the hours alone stand
+    offset += minutes * 60;
+  }
+  fields.offset = west ? -offset : offset;
+  return reason;
+}
+
+inline VXZone* find_zone(VXLocale* locale, const VXChar* name, int64_t length) {
+  return NLSGetTZh(locale, name, length);
+}
+
+/// Zone names are ASCII: bytes are widened one by one, not decoded. No zone has a name that outgrows the room here.
+inline VXZone* find_zone(VXLocale* locale, const uint8_t* name, int64_t length) {
+  VXChar widened[256];
+  if (length > static_cast<int64_t>(sizeof widened / sizeof *widened)) return nullptr;
+  for (int64_t i = 0; i < length; ++i) widened[i] = name[i];
+  return NLSGetTZh(locale, widened, length);
+}
+
+/// The name runs up to and with the next blank. "XST", which the formatter writes when it has no name, is the locale's
+/// own zone, but only at the very end of the text.
+template <class Text>
+VXReason read_zone(VXLocale* locale, Input<Text>& in, NLSParseFields& fields) {
+  skip_blanks(in);
+  int64_t length = 0;
+  while (length < in.left && in.at[length] != ' ') ++length;
+  if (length < in.left) ++length;
+  const bool own = length == 3 && same_letter(in.at[0], 'X') && same_letter(in.at[1], 'S') && same_letter(in.at[2], 'T');
+  fields.zone = own ? host::current_zone(locale) : find_zone(locale, in.at, length);
+  if (fields.zone == nullptr) return VX_REASON_ZONE_UNKNOWN;
+  in.skip(length);
+  return VX_REASON_NONE;
+}
+
+template <class Text>
+VXReason read_name(VXLocale* locale, Input<Text>& in, const Directive& directive, int32_t* index) {
+  skip_blanks(in);
+  const VXLocaleData& data = *locale->localeData;
+  const NameList names = directive.names, others = directive.or_names;
+  const VXReason reason = extractstring(in, names.in(data), names.count, index);
+  return reason == VX_REASON_NONE ? reason : extractstring(in, others.in(data), others.count, index);
+}
+
+inline int32_t turned(const Directive& directive, int32_t value) {
+  switch (directive.turn) {
+    case Turn::keep: return value;
+    case Turn::twelve_to_zero: return value == 12 ? 0 : value;
+    case Turn::twenty_four_to_zero: return value == 24 ? 0 : value;
+    case Turn::midnight_to_twelve: return value == 0 || value == 24 ? 12 : value;
+    case Turn::add: return value + directive.plus;
+  }
+  return value;
+}
+
+/// Reads one directive; the modifier stands in `fields`. After a refusal `in` may stand anywhere that was looked at.
+template <class Text>
+VXReason read_directive(VXLocale* locale, Input<Text>& in, const Directive& directive, NLSParseFields& fields) {
+  Digits number = directive.number;
+  const VXChar modifier = static_cast<VXChar>(fields.modifier);
+  if (modifier == '#' && directive.maximum_under_hash != 0) number.maximum = directive.maximum_under_hash;
+  int32_t value = 0;
+  VXReason reason = VX_REASON_NONE;
+  switch (directive.rule) {
+    case Rule::none: return VX_REASON_DIRECTIVE;
+    case Rule::digits: reason = digits_by_modifier(in, number, modifier, &value); break;
+    case Rule::strict_digits: reason = extractdigits(in, number, &value); break;
+    case Rule::lenient_digits: reason = lenient_extractdigits(in, number, &value); break;
+    case Rule::year: reason = read_year(in, number, modifier, &value); break;
+    case Rule::name:
+    case Rule::marker: reason = read_name(locale, in, directive, &value); break;
+    case Rule::offset: return read_offset(in, fields);
+    case Rule::zone: return read_zone(locale, in, fields);
+    case Rule::percent:
+      if (!in.stands_at('%')) return VX_REASON_LITERAL;
+      in.skip(1);
+      return VX_REASON_NONE;
+  }
+  if (reason != VX_REASON_NONE) return reason;
+  if (directive.field != nullptr) fields.*directive.field = turned(directive, value);
+  // PM adds 12 to whatever hour stands, kept on purpose: 13 PM is 25, and an hour read later replaces it.
+  if (directive.rule == Rule::marker && value == 1) fields.hour += 12;
+  return VX_REASON_NONE;
+}
+
+/// Fixed widths, exact literals.
+struct StrictReader {
+  static constexpr const DirectiveSet& directives = strict_directives;
+
+  template <class Text>
+  static VXReason literal(Input<Text>& in, VXChar wanted) {
+    const Character here = character_at(in);
+    if (here.units == 0 || here.code_point != wanted) return VX_REASON_LITERAL;
+    in.skip(here.units);
+    return VX_REASON_NONE;
+  }
+};
+
+/// Widths as they come, literals in any case, blanks of the pattern optional.
+struct LenientReader {
+  static constexpr const DirectiveSet& directives = lenient_directives;
+
+  template <class Text>
+  static VXReason literal(Input<Text>& in, VXChar wanted) {
+    const Character here = character_at(in);
+    if (here.units == 0 || !same_letter(here.code_point, wanted)) {
+      return wanted == ' ' ? VX_REASON_NONE : VX_REASON_LITERAL;
+    }
+    in.skip(here.units);
+    return VX_REASON_NONE;
+  }
+};
+
+/// The reader of one directive by its letter.
+template <class Reader, class Text>
+VXReason extractformat(VXLocale* locale, Input<Text>& in, VXChar letter, NLSParseFields& fields) {
+  const Directive* const directive = Reader::directives.find(letter);
+  return directive == nullptr ? VX_REASON_DIRECTIVE : read_directive(locale, in, *directive, fields);
+}
+
+}  // namespace vxnls
+
+#endif
