@@ -29,23 +29,23 @@ extern "C" {
 /// What the host lends to an instance from `open` until it reports itself closed.
 typedef struct VXHostExtensionOwner VXHostExtensionOwner;
 struct VXHostExtensionOwner {
-  VXHandle* kernel;                        /* the handle that the extension was loaded through */
-  void (*closed)(VXHostExtensionOwner*);   /* to be called once by an instance's destroy, as its last act */
+  VXHandle* kernel;                      /* the handle that the extension was loaded through */
+  void (*closed)(VXHostExtensionOwner*); /* to be called once by an instance's destroy, as its last act */
 };
 
 typedef struct VXHostExtension {
-  uint32_t version;                                /* VXHOST_EXTENSION_VERSION */
+  uint32_t version; /* VXHOST_EXTENSION_VERSION */
   uint32_t zero;
-  const char* name;                                /* as it is loaded: "vxemsg" */
-  VXExtension* (*open)(VXHostExtensionOwner*);     /* a new instance; null when memory is exhausted; throws nothing */
+  const char* name;                            /* as it is loaded: "vxemsg" */
+  VXExtension* (*open)(VXHostExtensionOwner*); /* a new instance; null when memory is exhausted; throws nothing */
 } VXHostExtension;
 
 #ifdef __cplusplus
 }
 
 /// Defines the one symbol that an extension exports. At file scope, outside of namespaces.
-#define VXHOST_EXTENSION(extension_name, open_function)             \
-  extern "C" VX_API const VXHostExtension vxhost_extension;         \
+#define VXHOST_EXTENSION(extension_name, open_function)     \
+  extern "C" VX_API const VXHostExtension vxhost_extension; \
   const VXHostExtension vxhost_extension = {VXHOST_EXTENSION_VERSION, 0, extension_name, open_function}
 #endif
 

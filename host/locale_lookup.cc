@@ -1,0 +1,131 @@
+#include "host/locale_lookup.h"
+
+#include <unicode/localebuilder.h>
+#include <unicode/locid.h>
+#include <unicode/uloc.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+namespace vxhost {
+
+namespace {
+
+using Names = std::vector<std::string_view>;
+
+/// ICU's locales in byte order.
+const Names& available() {
+  static const Names names = [] {
+    Names made;
+    const int32_t count = uloc_countAvailable();
+    for (int32_t i = 0; i < count; ++i) made.emplace_back(uloc_getAvailable(i));
+    std::sort(made.begin(), made.end());
+    return made;
+  }();
+  return names;
+}
+
+bool is_available(std::string_view name) { return std::binary_search(available().begin(), available().end(), name); }
+
+/// The names of one language: "de" and all that begin with "de_".
+Names of_language(std::string_view language) {
+  Names names;
+  for (auto at = std::lower_bound(available().begin(), available().end(), language);
+       at != available().end() && at->starts_with(language); ++at) {
+    if (at->size() == language.size() || (*at)[language.size()] == '_') names.push_back(*at);
+  }
+  return names;
+}
+
+icu::Locale with_likely_subtags(icu::Locale locale) {
+  UErrorCode error = U_ZERO_ERROR;
+  locale.addLikelySubtags(error);
+  return locale;
+}
+
+/// The locale of ICU that is `wanted` in another spelling. Where a language alone and one with its region are the same,
+/// the one that says as much as `wanted` does.
+std::optional<std::string> same_locale(const icu::Locale& wanted) {
+  if (is_available(wanted.getName())) return wanted.getName();
+  const icu::Locale whole = with_likely_subtags(wanted);
+  std::optional<std::string> found;
+  for (const std::string_view name : of_language(wanted.getLanguage())) {
+    const icu::Locale one(std::string(name).c_str());
+    if (with_likely_subtags(one) != whole) continue;
+    if (!found || (*one.getCountry() != 0) == (*wanted.getCountry() != 0)) found = name;
+  }
+  return found;
+}
+
+icu::Locale without_variant(const icu::Locale& locale) {
+  UErrorCode error = U_ZERO_ERROR;
+  icu::LocaleBuilder builder;
+  return builder.setLanguage(locale.getLanguage())
+      .setScript(locale.getScript())
+      .setRegion(locale.getCountry())
+      .build(error);
+}
+
+/// The widest locale of the language in the script of `wanted`; root when ICU has the language in other scripts only.
+std::optional<std::string> parent_locale(const icu::Locale& wanted) {
+  const char* const language = wanted.getLanguage();
+  if (of_language(language).empty()) return std::nullopt;
+  const char* const script = with_likely_subtags(wanted).getScript();
+  const std::string in_script = std::string(language) + '_' + script;
+  if (*wanted.getScript() != 0 && is_available(in_script)) return in_script;
+  if (std::strcmp(with_likely_subtags(icu::Locale(language)).getScript(), script) == 0) return language;
+  return is_available(in_script) ? in_script : "root";
+}
+
+struct Modifier {
+  std::string_view name;
+  const char* script;
+};
+constexpr Modifier script_modifiers[] = {
+    {"latin", "Latn"}, {"cyrillic", "Cyrl"}, {"devanagari", "Deva"}, {"arabic", "Arab"}};
+
+}  // namespace
+
+ResolvedLocale resolve_locale(std::string_view name) {
+  static const ResolvedLocale none{"", VX_E_NOMATCH};
+  if (name.size() >= ULOC_FULLNAME_CAPACITY) return none;
+
+  // POSIX: language_region.charset@modifier. A modifier with "=" is a list of keywords.
+  const size_t at_sign = name.find('@');
+  const std::string_view modifier = at_sign == name.npos ? std::string_view() : name.substr(at_sign + 1);
+  const std::string_view before = name.substr(0, at_sign);
+  const std::string base(before.substr(0, before.find('.')));
+  if (base.empty() ||
+      base.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-") != std::string::npos) {
+    return none;
+  }
+  bool honoured = modifier.empty() || modifier == "euro";
+  if (base == "C" || base == "POSIX") return {"en_US_POSIX", honoured ? 0 : VX_W_SUBSTITUTE};
+  if (base == "root" || base == "und") return {"root", honoured ? 0 : VX_W_SUBSTITUTE};
+
+  icu::Locale wanted = icu::Locale::createCanonical(base.c_str());
+  if (wanted.isBogus() || *wanted.getLanguage() == 0) return none;
+  if (std::strchr(wanted.getName(), '@') != nullptr) {
+    honoured = false;
+    wanted = icu::Locale(wanted.getBaseName());
+  }
+  for (const Modifier& known : script_modifiers) {
+    if (modifier != known.name) continue;
+    UErrorCode error = U_ZERO_ERROR;
+    icu::LocaleBuilder builder;
+    wanted = builder.setLocale(wanted).setScript(known.script).build(error);
+    honoured = U_SUCCESS(error);
+  }
+
+  if (auto same = same_locale(wanted)) return {*same, honoured ? 0 : VX_W_SUBSTITUTE};
+  if (*wanted.getVariant() != 0) {
+    wanted = without_variant(wanted);
+    if (auto same = same_locale(wanted)) return {*same, VX_W_SUBSTITUTE};
+  }
+  if (auto parent = parent_locale(wanted)) return {*parent, VX_W_SUBSTITUTE};
+  return none;
+}
+
+}  // namespace vxhost
