@@ -3,6 +3,9 @@
 #ifndef VXNLS_UNICODE_TEXT_FLAVOUR_H
 #define VXNLS_UNICODE_TEXT_FLAVOUR_H
 
+#include <cstring>
+
+#include "unicode/counted_name.h"
 #include "unicode/utf8_tables.h"
 #include "vxnls/types.h"
 
@@ -33,6 +36,13 @@ struct Utf32Text {
     *out = code_point;
     return 1;
   }
+  /// Writes a counted name of the locale record; gives the units written. `out` has room for a whole entry.
+  static int64_t append_name(TextView name, Unit* out) {
+    constexpr int64_t block = 12;  // one block for nearly every name; whole blocks fill an entry exactly
+    static_assert(longest_name % block == 0);
+    for (int64_t i = 0; i < name.length; i += block) std::memcpy(out + i, name.text + i, block * sizeof(VXChar));
+    return name.length;
+  }
   /// The character at `at`; `remaining` is at least 1.
   static constexpr Decoded decode(const Unit* at, int64_t /*remaining*/) { return {*at, 1, 0}; }
 };
@@ -54,6 +64,11 @@ struct Utf8Text {
     for (int64_t i = length - 1; i > 0; --i, c >>= 6) out[i] = static_cast<Unit>(0x80 | (c & 0x3F));
     *out = static_cast<Unit>(lead[length] + c);
     return length;
+  }
+  static int64_t append_name(TextView name, Unit* out) {
+    Unit* at = out;
+    for (int64_t i = 0; i < name.length; ++i) at += append(name.text[i], at);
+    return at - out;
   }
   static constexpr bool is_continuation(Unit byte) { return valid_2nd_utf8[byte] != 0; }
   /// With `remaining` 0 or less nothing is read. The bytes after a lead are not tested: overlong forms, surrogates and
