@@ -115,8 +115,7 @@ class NumberRecogniser {
       }
     }
     if (exponent > widest_exponent) {
-      refused(VX_FAULT_EXPONENT_RANGE);
-      number_.fault.from = first;
+      refused(VX_FAULT_EXPONENT_RANGE, first, place());
       return false;
     }
     number_.exponent += negative ? -exponent : exponent;
@@ -165,9 +164,10 @@ class NumberRecogniser {
     return number_;
   }
 
-  NumberText refused(uint32_t reason) {
-    const int64_t units = at_ < end_ ? 1 : 0;
-    number_.fault = {reason, place(), place() + (reason == VX_FAULT_EXPONENT_RANGE ? 0 : units)};
+  /// Refused at the unit that stands here, or at the end of the text.
+  NumberText refused(uint32_t reason) { return refused(reason, place(), place() + (at_ < end_ ? 1 : 0)); }
+  NumberText refused(uint32_t reason, int64_t from, int64_t to) {
+    number_.fault = {reason, from, to};
     number_.consumed = place();
     return number_;
   }

@@ -81,12 +81,11 @@ VX_API VXStatus NLSBufToDoubleE(VXLocale* locale, const uint8_t* text, int32_t l
 ///   locale    from NLSLocaleCreate, only read; null: "." and ","
 ///   text      `length` VXChars, or UTF-8 bytes in the `U` readers
 ///   flags     NLS_READ_...; the bits may be combined:
-///     NLS_READ_HEXADECIMAL      unsigned integers only: hexadecimal digits of both cases, "0x" or "0X" before them; no
-///                               sign, no separators, no fraction; "0x" alone is 0
+///     NLS_READ_HEXADECIMAL      unsigned integers only: hexadecimal digits of both cases, "0x" or "0X" before them;
+///                               no sign, no separators, no fraction; "0x" alone is 0
 ///     NLS_READ_TRAILING_BLANKS  blanks after the number are consumed; only the end of the text or a NUL may follow
-///     them NLS_READ_FRACTION         the decimal point and the digits after it are consumed and discarded, so far as
-///     they
-///                               go; with trailing blanks allowed, blanks may stand among these digits
+///     NLS_READ_FRACTION         the decimal point and the digits after it are consumed and discarded; with trailing
+///                               blanks allowed, blanks may stand among these digits
 ///   value     the integer; on an overflow 0; where the text after the digits is wrong, what was read before that
 ///   consumed  units read
 /// Returns 0, or:                                                          consumed then:
@@ -100,8 +99,9 @@ VX_API VXStatus NLSBufToDoubleE(VXLocale* locale, const uint8_t* text, int32_t l
 ///   0x803fe831  VX_E_NULL       `text` is null and `length` above 0         0; value 0
 ///   0x803fe831  VX_E_NULL       `value` or `consumed` is null               nothing is written
 /// Status 0 does not mean that the whole text was read: without NLS_READ_TRAILING_BLANKS the number may be followed by
-/// a blank and anything after it, and a NUL always ends it; neither is consumed. Example: "1,234" reads 1234; "12a"
-/// gives 12, consumed 2, 0x803fe810; "12.50" with NLS_READ_FRACTION gives 12, consumed 5, 0x803fe80e.
+/// a blank and anything after it, and a NUL always ends it; neither is consumed.
+/// Example: "1,234" reads 1234; "12a" gives 12, consumed 2, 0x803fe810; "12.50" with NLS_READ_FRACTION gives 12,
+/// consumed 5, 0x803fe80e.
 #define NLS_BUF_TO_INT(name, type)                                                                            \
   VX_API VXStatus name(VXLocale* locale, const VXChar* text, int64_t length, uint32_t flags, type* value,     \
                        uint64_t* consumed);                                                                   \
