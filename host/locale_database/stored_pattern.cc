@@ -48,11 +48,13 @@ std::optional<Misreading> misread_in(Names written, std::initializer_list<Names>
   return std::nullopt;
 }
 
+bool is_blank(const Step& step) { return step.directive == 0 && step.literal == ' '; }
+
 /// Without blanks, padding and the width of names: what the lenient reader sees of a pattern.
 Pattern lenient_shape(const Pattern& pattern) {
   Pattern shape;
   for (Step step : pattern) {
-    if (step.directive == 0 && step.literal == ' ') continue;
+    if (is_blank(step)) continue;
     step.unpadded = false;
     if (is_month_name(step.directive)) step.directive = 'b';
     if (step.directive == 0) step.literal = fold(std::u32string(1, step.literal))[0];
@@ -71,10 +73,10 @@ Step exchanged(Step step) {
   return step;
 }
 
-bool equal_but_padding(const Pattern& a, const Pattern& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const Step& x, const Step& y) {
-    return x.literal == y.literal && (x.directive == 0) == (y.directive == 0);
-  });
+/// For patterns of one shape.
+bool same_blanks(const Pattern& a, const Pattern& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const Step& x, const Step& y) { return is_blank(x) == is_blank(y); });
 }
 
 }  // namespace
@@ -165,7 +167,7 @@ Overlap overlap(const Pattern& earlier, const Pattern& later) {
     return begins_with_first() ? Overlap::order : Overlap::none;
   }
   if (first.size() < second.size()) return Overlap::part;
-  return equal_but_padding(earlier, later) ? Overlap::none : Overlap::blanks;
+  return same_blanks(earlier, later) ? Overlap::none : Overlap::blanks;
 }
 
 }  // namespace vxnlsldb
