@@ -1,5 +1,5 @@
 // Loading: the version queries, the module object and the build record.
-#include "build_texts.h"
+#include "module/build_texts.h"
 #include "module/eye_catcher.h"
 #include "vxnls/journal.h"
 #include "vxnls/module.h"

@@ -1,0 +1,330 @@
+// Every call that the library makes to its host fails in turn: once, and from then on, with each status that means
+// something and with one that does not. After every run the result is the documented one, the library holds nothing
+// more than before, and the next try succeeds.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <iostream>
+#include <optional>
+#include <thread>
+
+#include "tests/support/failing_host.h"
+
+namespace {
+
+using vxtest::FailingHost;
+using vxtest::Failure;
+using vxtest::Holdings;
+using vxtest::Op;
+
+constexpr VXStatus undocumented = 0x803f1234;
+constexpr VXStatus statuses[] = {VX_E_MEMORY,     VX_E_ROOM, VX_E_ZONE,   VX_E_NOMATCH,
+                                 VX_W_SUBSTITUTE, VX_W_FILL, undocumented};
+constexpr VXStatus untouched = 0x5A5A5A5A;
+
+struct Outcome {
+  bool done;
+  VXStatus status;
+  bool operator==(const Outcome&) const = default;
+};
+std::ostream& operator<<(std::ostream& out, const Outcome& o) {
+  return out << (o.done ? "done" : "refused") << " with " << std::hex << o.status << std::dec;
+}
+
+using Failures = std::vector<Failure>;
+
+/// Where a scenario plays.
+struct Stage {
+  FailingHost host;
+  VXLocale* locale = nullptr;
+};
+
+/// One thing that a host has the library do.
+struct Scenario {
+  const char* name;
+  /// Brings the stage to where the scenario starts; nothing fails yet.
+  std::function<void(Stage&)> prepare;
+  /// Does it, and says what came of it.
+  std::function<Outcome(Stage&)> act;
+  /// What is documented to come of it when these calls fail with this status.
+  std::function<Outcome(const Failures&, VXStatus)> documented;
+};
+
+const Failure* first_of(const Failures& failures, Op op, std::string_view about = {}) {
+  for (const Failure& failure : failures) {
+    if (failure.op == op && (about.empty() || failure.about == about)) return &failure;
+  }
+  return nullptr;
+}
+
+/// What ends a creation, read off the contract: the operation that failed, on what, and the status that comes of it.
+enum class Result { fault, memory, zone, of_lookup, none };
+constexpr struct {
+  Op op;
+  std::string_view about;
+  Result result;
+} ends_creation[] = {
+    {Op::normalise_zone, "", Result::fault},  // of the options
+    {Op::acquire, "creation", Result::fault},
+    {Op::lookup_locale, "", Result::fault},
+    {Op::allocate, "1016", Result::memory},
+    {Op::allocate, "49248", Result::memory},
+    {Op::load_extension, "vxemsg", Result::of_lookup},
+    {Op::load_extension, "vxnlsldb", Result::of_lookup},
+    {Op::fill, "", Result::fault},
+    {Op::create_lock, "vxnls Locale VXMSG lock", Result::none},
+    {Op::create_lock, "vxnls Locale VXZ lock", Result::none},
+    {Op::create_track, "vxnls Locale VXMSG track", Result::none},
+    {Op::set_destroy, "vxnls Locale VXMSG track", Result::none},
+    {Op::create_track, "vxnls Locale VXETZ track", Result::memory},
+    {Op::set_destroy, "vxnls Locale VXETZ track", Result::memory},
+    {Op::normalise_zone, "created", Result::zone},
+    {Op::acquire, "vxnls Locale VXZ lock", Result::zone},
+    {Op::open_zone, "", Result::zone},
+    {Op::allocate, "24", Result::zone},
+    {Op::insert, "vxnls Locale VXETZ track", Result::zone},
+    {Op::insert, "VXNLS Locale track", Result::fault},
+};
+
+std::optional<Result> end_of_creation(const Failure& failure) {
+  for (const auto& row : ends_creation) {
+    const bool any = row.about.empty() && failure.op != Op::normalise_zone;
+    if (row.op == failure.op && (any || row.about == failure.about)) return row.result;
+  }
+  return std::nullopt;
+}
+
+Outcome creation(const Failures& failures, VXStatus fault, bool exists) {
+  VXStatus lookup = 0;
+  for (const Failure& failure : failures) {
+    if (failure.op == Op::lookup_locale && fault == VX_W_SUBSTITUTE) lookup = fault;  // and goes on
+    const bool accepted =
+        (failure.op == Op::lookup_locale && fault == VX_W_SUBSTITUTE) || (failure.op == Op::fill && fault == VX_W_FILL);
+    const auto end = accepted ? std::nullopt : end_of_creation(failure);
+    if (!end) continue;
+    switch (*end) {
+      case Result::fault: return {false, fault};
+      case Result::memory: return {false, VX_E_MEMORY};
+      case Result::zone: return {false, VX_E_ZONE};
+      case Result::of_lookup: return {false, lookup};
+      case Result::none: return {false, 0};
+    }
+  }
+  // Not refused at once, but these come to nothing later.
+  if (first_of(failures, Op::os_zone) != nullptr && fault != VX_E_ROOM && fault != VX_E_ZONE) return {false, VX_E_ZONE};
+  if (exists && first_of(failures, Op::find, "VXNLS Locale track") != nullptr) return {false, vxtest::key_exists};
+  return {true, 0};
+}
+
+Outcome new_locale(const Failures& failures, VXStatus fault) { return creation(failures, fault, false); }
+Outcome known_locale(const Failures& failures, VXStatus fault) { return creation(failures, fault, true); }
+
+Outcome zone_lookup(const Failures& failures, VXStatus) {
+  for (const Failure& failure : failures) {
+    if (failure.op == Op::normalise_zone || failure.op == Op::acquire || failure.op == Op::open_zone ||
+        failure.op == Op::allocate || failure.op == Op::insert) {
+      return {false, VX_E_ZONE};
+    }
+  }
+  return {true, 0};
+}
+
+Outcome never_refused(const Failures&, VXStatus) { return {true, 0}; }
+
+void load_module(Stage& stage) { ASSERT_TRUE(stage.host.load_module()); }
+
+void make_cache(Stage& stage) {
+  load_module(stage);
+  ASSERT_TRUE(stage.host.make_cache());
+}
+
+void make_locale(Stage& stage) {
+  make_cache(stage);
+  stage.locale = stage.host.create(U"en_US", nullptr, U"UTC");
+  ASSERT_NE(stage.locale, nullptr);
+}
+
+/// Creates a locale. Nobody else would give back one that is in no cache.
+Outcome create(FailingHost& host, std::u32string_view name, std::u32string_view zone, bool shared) {
+  VXStatus status = untouched;
+  VXLocale* const locale = host.create(name, &status, zone, shared);
+  if (locale != nullptr && (!shared || host.context()->localeCache == nullptr)) host.destroy_private(locale);
+  return {locale != nullptr, status};
+}
+
+auto creating(std::u32string_view name, std::u32string_view zone = {}, bool shared = true) {
+  return [=](Stage& stage) { return create(stage.host, name, zone, shared); };
+}
+
+auto looking_up(std::u32string_view id) {
+  return [units = std::vector<VXChar>(id.begin(), id.end())](Stage& stage) -> Outcome {
+    const bool found = NLSGetTZh(stage.locale, units.data(), static_cast<int64_t>(units.size())) != nullptr;
+    return {found, found ? 0 : VX_E_ZONE};
+  };
+}
+
+auto setting(std::u32string_view id) {
+  return [units = std::vector<VXChar>(id.begin(), id.end())](Stage& stage) -> Outcome {
+    const VXZone* const before = stage.locale->timeZone;
+    const VXStatus status = NLSSetTimezoneId(stage.locale, units.data(), static_cast<int64_t>(units.size()));
+    EXPECT_TRUE(status == 0 || stage.locale->timeZone == before);
+    return {status == 0, status};
+  };
+}
+
+Outcome make_module(Stage& stage) {
+  NLSModule* const module = vxnlsloc(stage.host.kernel(), stage.host.journal());
+  if (module != nullptr) module->realDestroy(module);
+  return {module != nullptr, 0};
+}
+
+Outcome module_made(const Failures& failures, VXStatus) {
+  return {first_of(failures, Op::create_pool) == nullptr && first_of(failures, Op::allocate) == nullptr, 0};
+}
+
+Outcome make_track(Stage& stage) {
+  VXTrack* const track = NLSLocaleCreateTheDupTrack(stage.locale);
+  if (track != nullptr) track->ops->destroy(track);
+  return {track != nullptr, 0};
+}
+
+Outcome track_made(const Failures& failures, VXStatus) {
+  return {first_of(failures, Op::create_track) == nullptr && first_of(failures, Op::set_destroy) == nullptr, 0};
+}
+
+/// Destruction of everything, then the way back to where it was, which is not the part that is tested.
+Outcome destroy_all(Stage& stage) {
+  stage.host.destroy_cache();
+  if (stage.locale != nullptr) stage.host.destroy_private(stage.locale);
+  stage.locale = nullptr;
+  stage.host.module()->realDestroy(stage.host.module());
+  const bool gone = stage.host.holdings() == Holdings{};
+  stage.host.fail_nothing();
+  stage.host.load_module();
+  stage.host.make_cache();
+  return {gone, 0};
+}
+
+const Scenario scenarios[] = {
+    {"module", [](Stage&) {}, &make_module, &module_made},
+    {"first locale", &load_module, creating(U"en_US"), &new_locale},
+    {"locale cache", &make_locale, &make_track, &track_made},
+    {"shared locale", &make_cache, creating(U"en_US"), &new_locale},
+    {"shared locale, found", &make_locale, creating(U"en_US", U"UTC"), &known_locale},
+    {"private locale", &make_cache, creating(U"en_US", {}, false), &new_locale},
+    {"private locale beside a shared one", &make_locale, creating(U"en_US", U"UTC", false), &new_locale},
+    {"zone option", &make_cache, creating(U"en_US", U"Asia/Kolkata"), &new_locale},
+    {"zone option, found", &make_locale, creating(U"en_US", U"utc"), &known_locale},
+    {"second locale", &make_locale, creating(U"en_GB"), &new_locale},
+    {"zone miss", &make_locale, looking_up(U"Asia/Kolkata"), &zone_lookup},
+    {"zone hit", &make_locale, looking_up(U"UTC"), &zone_lookup},
+    {"zone set", &make_locale, setting(U"Asia/Kolkata"), &zone_lookup},
+    {"zone set again", &make_locale, setting(U"UTC"), &zone_lookup},
+    {"destruction",
+     [](Stage& stage) {
+       make_locale(stage);
+       stage.locale = stage.host.create(U"en_GB", nullptr, U"UTC", false);
+     },
+     &destroy_all, &never_refused},
+};
+
+/// One run with the k-th call failing; false when no call failed, so that the sweep is over.
+bool run(const Scenario& scenario, int64_t k, bool lasting, VXStatus fault, int64_t* injected) {
+  SCOPED_TRACE(testing::Message() << scenario.name << ", call " << k << (lasting ? " and all after it" : "")
+                                  << " failing with " << std::hex << fault);
+  Stage stage;
+  FailingHost& host = stage.host;
+  scenario.prepare(stage);
+  const Holdings before = host.holdings();
+  host.fail_call(k, lasting, fault);
+  const Outcome outcome = scenario.act(stage);
+  const Failures failures = host.failures();
+  host.fail_nothing();
+  *injected += static_cast<int64_t>(failures.size());
+  testing::Message what;
+  for (const Failure& failure : failures) what << name_of(failure.op) << " " << failure.about << "; ";
+  SCOPED_TRACE(what);
+  EXPECT_EQ(outcome, scenario.documented(failures, fault));
+  EXPECT_EQ(host.holdings().held_locks, 0);
+  if (!outcome.done) {
+    EXPECT_EQ(host.holdings(), before);
+  }
+
+  EXPECT_EQ(scenario.act(stage), scenario.documented({}, 0)) << "the next try";
+  const bool refused_zone_option = !failures.empty() && failures.front().op == Op::normalise_zone &&
+                                   failures.front().about.empty() && host.stray_releases() == 1;
+  EXPECT_TRUE(host.stray_releases() == 0 || refused_zone_option) << host.stray_releases() << " stray releases";
+  host.close();
+  EXPECT_EQ(host.holdings(), Holdings{});
+  EXPECT_EQ(host.complaints(), std::vector<std::string>{});
+  return !failures.empty();
+}
+
+TEST(FaultSweep, EveryCallOfEveryScenario) {
+  int64_t injected = 0;
+  for (const Scenario& scenario : scenarios) {
+    const int64_t before = injected;
+    for (const VXStatus fault : statuses) {
+      for (const bool lasting : {false, true}) {
+        int64_t k = 1;
+        while (run(scenario, k, lasting, fault, &injected)) {
+          ASSERT_LT(++k, 1000) << "the sweep does not end";
+          if (HasFailure()) return;
+        }
+      }
+    }
+    EXPECT_GT(injected, before) << scenario.name << " calls nothing";
+  }
+  std::cout << injected << " faults injected\n";
+  EXPECT_GE(injected, 1500);
+}
+
+// Two threads create a locale each, so the k-th call falls now here, now there. What each gets is one of the documented
+// results, and together they leave exactly the locales that were made.
+TEST(FaultSweep, TwoLocalesAtOnce) {
+  for (const VXStatus fault : statuses) {
+    for (const bool lasting : {false, true}) {
+      bool failed = true;
+      for (int64_t k = 1; failed; ++k) {
+        SCOPED_TRACE(testing::Message() << "call " << k << (lasting ? " and all after it" : "") << " failing with "
+                                        << std::hex << fault);
+        Stage stage;
+        make_cache(stage);
+        const Holdings before = stage.host.holdings();
+        stage.host.fail_call(k, lasting, fault);
+        Outcome outcomes[2];
+        std::thread other([&] { outcomes[1] = create(stage.host, U"en_GB", U"UTC", true); });
+        outcomes[0] = create(stage.host, U"en_US", U"UTC", true);
+        other.join();
+        failed = !stage.host.failures().empty();
+        stage.host.fail_nothing();
+        Holdings expected = before;
+        for (const Outcome& outcome : outcomes) {
+          if (outcome.done) {
+            EXPECT_EQ(outcome.status, 0u);
+            expected.blocks += 3;
+            expected.locks += 2;
+            expected.tracks += 2;
+            expected.entries += 2;
+            expected.extensions += 1;
+            expected.zones += 1;
+          } else {
+            EXPECT_TRUE(outcome.status == 0 || outcome.status == fault || outcome.status == VX_E_MEMORY ||
+                        outcome.status == VX_E_ZONE)
+                << outcome;
+          }
+        }
+        EXPECT_EQ(stage.host.holdings(), expected);
+        for (const auto name : {U"en_US", U"en_GB"}) {
+          EXPECT_EQ(create(stage.host, name, U"UTC", true), (Outcome{true, 0})) << "the next try";
+        }
+        stage.host.close();
+        EXPECT_EQ(stage.host.holdings(), Holdings{});
+        EXPECT_EQ(stage.host.complaints(), std::vector<std::string>{});
+        if (HasFailure()) return;
+      }
+    }
+  }
+}
+
+}  // namespace

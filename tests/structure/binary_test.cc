@@ -1,0 +1,142 @@
+// The library as a binary: what it exports, what it needs, how it is hardened, and that the table of a locale leads to
+// the very functions that a program finds by name.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/failing_host.h"
+
+namespace {
+
+using Names = std::set<std::string>;
+
+std::vector<std::string> output_of(const std::string& command) {
+  std::vector<std::string> lines;
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), &pclose);
+  char line[4096];
+  while (pipe != nullptr && fgets(line, sizeof line, pipe.get()) != nullptr) {
+    lines.emplace_back(line);
+    while (!lines.back().empty() && lines.back().back() == '\n') lines.back().pop_back();
+  }
+  EXPECT_FALSE(lines.empty()) << command;
+  return lines;
+}
+
+Names names_in(const char* file) {
+  Names names;
+  std::ifstream in(file);
+  for (std::string line; std::getline(in, line);) {
+    if (!line.empty() && line[0] != '#') names.insert(line);
+  }
+  EXPECT_FALSE(names.empty()) << file;
+  return names;
+}
+
+/// The dynamic symbols that nm lists, without their versions; the version itself (type A) is none.
+Names symbols(const std::string& option) {
+  Names names;
+  for (const std::string& line : output_of(std::string(VX_NM) + " -D " + option + " " + VX_LIBRARY)) {
+    std::istringstream words(line.size() > 16 && line[0] != ' ' ? line.substr(16) : line);
+    std::string type;
+    std::string name;
+    words >> type >> name;
+    if (type != "A" && !name.empty()) names.insert(name.substr(0, name.find('@')));
+  }
+  return names;
+}
+
+Names without(const Names& names, const Names& others) {
+  Names rest;
+  for (const std::string& name : names) {
+    if (!others.contains(name)) rest.insert(name);
+  }
+  return rest;
+}
+
+std::vector<std::string> lines_with(const std::vector<std::string>& lines, const std::string& text) {
+  std::vector<std::string> found;
+  for (const std::string& line : lines) {
+    if (line.find(text) != std::string::npos) found.push_back(line);
+  }
+  return found;
+}
+
+TEST(Binary, ExportsTheListAndNothingElse) {
+  const Names listed = names_in(VX_EXPORTS);
+  const Names exported = symbols("--defined-only");
+  EXPECT_EQ(without(listed, exported), Names{}) << "listed, but not exported";
+  EXPECT_EQ(without(exported, listed), Names{}) << "exported, but not listed";
+}
+
+TEST(Binary, NeedsTheCLibraryAlone) {
+  if (!VX_PLAIN_BUILD) GTEST_SKIP() << "this build is instrumented";
+  for (const std::string& line : lines_with(output_of(std::string(VX_READELF) + " -dW " + VX_LIBRARY), "(NEEDED)")) {
+    EXPECT_TRUE(line.find("[libc.so.6]") != std::string::npos || line.find("[libm.so.6]") != std::string::npos ||
+                line.find("[ld-linux") != std::string::npos)
+        << line;
+  }
+  const Names listed = names_in(VX_UNDEFINED);
+  const Names needed = symbols("--undefined-only");
+  EXPECT_EQ(without(needed, listed), Names{}) << "needed, but not listed";
+  if (VX_REFERENCE_BUILD) {
+    EXPECT_EQ(without(listed, needed), Names{}) << "listed, but not needed";
+  }
+}
+
+TEST(Binary, IsHardened) {
+  const auto segments = output_of(std::string(VX_READELF) + " -lW " + VX_LIBRARY);
+  EXPECT_EQ(lines_with(segments, "GNU_RELRO").size(), 1u);
+  const auto stack = lines_with(segments, "GNU_STACK");
+  ASSERT_EQ(stack.size(), 1u);
+  EXPECT_NE(stack[0].find(" RW "), std::string::npos) << stack[0];
+  for (const std::string& line : lines_with(segments, "LOAD")) {
+    EXPECT_EQ(line.find(" RWE "), std::string::npos) << "writable and executable: " << line;
+  }
+  const auto dynamic = output_of(std::string(VX_READELF) + " -dW " + VX_LIBRARY);
+  EXPECT_FALSE(lines_with(dynamic, "NOW").empty()) << "symbols are bound late";
+  EXPECT_TRUE(lines_with(dynamic, "TEXTREL").empty()) << "code is relocated";
+  EXPECT_TRUE(lines_with(dynamic, "RPATH").empty() && lines_with(dynamic, "RUNPATH").empty());
+}
+
+TEST(Binary, RunsNoCodeWhenItIsLoaded) {
+  if (!VX_PLAIN_BUILD) GTEST_SKIP() << "this build is instrumented";
+  // One address each: what the compiler's own start files bring along.
+  const auto dynamic = output_of(std::string(VX_READELF) + " -dW " + VX_LIBRARY);
+  for (const char* array : {"INIT_ARRAYSZ", "FINI_ARRAYSZ"}) {
+    for (const std::string& line : lines_with(dynamic, array)) {
+      EXPECT_NE(line.find(" 8 (bytes)"), std::string::npos) << line;
+    }
+  }
+}
+
+TEST(Binary, NamesAndSlotsLeadToTheSameFunctions) {
+  void* const library = dlopen(VX_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
+  ASSERT_NE(library, nullptr) << dlerror();
+  for (const std::string& name : names_in(VX_EXPORTS)) EXPECT_NE(dlsym(library, name.c_str()), nullptr) << name;
+
+  vxtest::FailingHost host;
+  ASSERT_TRUE(host.load_module());
+  VXLocale* const locale = host.create(U"en_US", nullptr);
+  ASSERT_NE(locale, nullptr);
+#define VX_SLOT(n, f)                                                                                     \
+  EXPECT_EQ(*reinterpret_cast<void**>(&locale->ops.f), dlsym(library, #f)) << "slot " << n << ", " << #f; \
+  EXPECT_EQ(reinterpret_cast<uint8_t*>(&locale->ops.f) - reinterpret_cast<uint8_t*>(locale), 296 + 8 * (n - 1));
+  NLS_SLOTS(VX_SLOT)
+#undef VX_SLOT
+  NLSModule* const module = host.module();
+  EXPECT_EQ(reinterpret_cast<void*>(module->localeCreate), dlsym(library, "NLSLocaleCreate"));
+  EXPECT_EQ(reinterpret_cast<void*>(module->localeDestroyCallback), dlsym(library, "NLSLocaleDestroyCallback"));
+  EXPECT_EQ(reinterpret_cast<void*>(module->realDestroy), dlsym(library, "NLSLOCRealDestroy"));
+  EXPECT_EQ(reinterpret_cast<void*>(locale->destroy), dlsym(library, "NLSLocaleDestroy"));
+  host.destroy_private(locale);
+  dlclose(library);
+}
+
+}  // namespace
