@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <map>
@@ -571,15 +572,15 @@ VXStatus close_zone(VXZoneService* service, VXZone* zone) {
 }
 
 int32_t zone_offset(VXZoneService* service, VXZone* zone, int32_t, double) {
-  if (host_of(service)->fault(Op::zone_offset, "") != 0) return 0;
-  return reinterpret_cast<Zone*>(zone)->rule->offset;
+  const ZoneRule* const rule = reinterpret_cast<Zone*>(zone)->rule;
+  return host_of(service)->fault(Op::zone_offset, utf8(rule->id)) != 0 ? 0 : rule->offset;
 }
 
 VXStatus describe_zone(VXZoneService* service, VXZone* zone, int32_t, double, VXChar* name, int64_t* name_length,
                        int32_t* offset) {
   HostState* const host = host_of(service);
-  if (const VXStatus status = host->fault(Op::describe_zone, ""); status != 0) return status;
   const ZoneRule* const rule = reinterpret_cast<Zone*>(zone)->rule;
+  if (const VXStatus status = host->fault(Op::describe_zone, utf8(rule->id)); status != 0) return status;
   put_zone(host, rule->id, name, name_length);
   *offset = rule->offset;
   return 0;
@@ -601,7 +602,9 @@ constexpr VXOptionServiceOps option_ops = {&read_option};
 
 uint32_t map_case(VXCharData* data, Op op, uint32_t code_point, uint32_t Character::*mapping) {
   const Character* const known = find_character(code_point);
-  return host_of(data)->fault(op, "") != 0 || known == nullptr ? code_point : known->*mapping;
+  char about[16];
+  std::snprintf(about, sizeof about, "%x", code_point);
+  return host_of(data)->fault(op, about) != 0 || known == nullptr ? code_point : known->*mapping;
 }
 
 uint32_t lower(VXCharData* data, uint32_t code_point, uint32_t flag) {

@@ -14,14 +14,15 @@
 
 namespace vxtest {
 
-#define VX_HOST_OPERATIONS(X)                                                                                          \
-  X(create_pool)                                                                                                       \
-  X(allocate) X(free) X(destroy_pool) X(create_lock) X(acquire) X(release_lock) X(destroy_lock) X(create_track)        \
-      X(find) X(insert) X(release_entry) X(set_destroy) X(destroy_track) X(create_journal) X(message_to_buffer)        \
-          X(message_to_journal) X(status_to_buffer) X(status_to_journal) X(get_locale) X(find_logger) X(create_logger) \
-              X(load_extension) X(destroy_extension) X(fill) X(test_class) X(lookup_locale) X(normalise_zone)          \
-                  X(os_zone) X(open_zone) X(close_zone) X(zone_offset) X(describe_zone) X(read_option) X(lower)        \
-                      X(upper) X(create_normaliser) X(normalise) X(compare) X(format_double)
+#define VX_HOST_OPERATIONS(X)                                                                                         \
+  X(create_pool)                                                                                                      \
+  X(allocate)                                                                                                         \
+  X(free) X(destroy_pool) X(create_lock) X(acquire) X(release_lock) X(destroy_lock) X(create_track) X(find) X(insert) \
+      X(release_entry) X(set_destroy) X(destroy_track) X(create_journal) X(message_to_buffer) X(message_to_journal)   \
+          X(status_to_buffer) X(status_to_journal) X(get_locale) X(find_logger) X(create_logger) X(load_extension)    \
+              X(destroy_extension) X(fill) X(test_class) X(lookup_locale) X(normalise_zone) X(os_zone) X(open_zone)   \
+                  X(close_zone) X(zone_offset) X(describe_zone) X(read_option) X(lower) X(upper) X(create_normaliser) \
+                      X(normalise) X(compare) X(format_double)
 
 enum class Op {
 #define VX_OPERATION(name) name,
@@ -31,7 +32,7 @@ enum class Op {
 const char* name_of(Op op);
 
 /// A call that was made to fail: the operation, and what it was about (the name of a lock, a track, an extension or a
-/// zone, the bytes of a block; for normalise_zone "created" while a locale is being created, else "").
+/// zone, the bytes of a block, a code point in hexadecimal; for normalise_zone "created" under the creation lock).
 struct Failure {
   Op op;
   std::string about;
