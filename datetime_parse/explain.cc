@@ -30,7 +30,7 @@ void set_candidate(VXExplainCandidate& out, Candidate candidate, TextView patter
 }
 
 VXExplainFields public_fields(const NLSParseFields& f) {
-  return {f.year,        f.month,  f.day,    f.hour,    f.minute, f.second,
+  return {f.year,         f.month,  f.day,    f.hour,    f.minute, f.second,
           f.milliseconds, f.offset, f.marker, f.quarter, f.week,   f.zone != nullptr};
 }
 
@@ -108,11 +108,12 @@ class ExplainTrace {
     bool& known = is_time ? time_known_ : date_known_;
     if (!known) {
       fill(first, read, rest);
-      matched_spans_ = spans_;
+      if (!is_time) matched_spans_ = spans_;
       known = true;
       if (part == Part::datetime) whole_known_ = time_known_ = true;
       return false;
     }
+    if (!is_time && !is_full_date(fields)) return false;
     const VXExplainMatch& against = is_time && whole_known_ ? out_->match : first;
     if (is_time ? same_time(against.fields, read) : same_date(against.fields, read)) return false;
     const int64_t listed = out_->other_count < VX_EXPLAIN_OTHERS ? out_->other_count : VX_EXPLAIN_OTHERS;
@@ -194,8 +195,8 @@ class ExplainTrace {
     return whole - in.left;
   }
 
-  /// Whether an attempt that ended at `place` is the one to tell of. Where a letter stands, the lack of a name says more
-  /// than the lack of a digit.
+  /// Whether an attempt that ended at `place` is the one to tell of. Where a letter stands, the lack of a name says
+  /// more than the lack of a digit.
   bool counts(int64_t place, VXReason reason, const Bytes& after) const {
     if (settled_ || (date_known_ && !is_time_source(candidate_.source))) return false;
     const VXExplainRefusal& best = out_->refusal;

@@ -92,7 +92,8 @@ VXReason read_zone(VXLocale* locale, Input<Text>& in, NLSParseFields& fields) {
   int64_t length = 0;
   while (length < in.left && in.at[length] != ' ') ++length;
   if (length < in.left) ++length;
-  const bool own = length == 3 && same_letter(in.at[0], 'X') && same_letter(in.at[1], 'S') && same_letter(in.at[2], 'T');
+  const bool own =
+      length == 3 && same_letter(in.at[0], 'X') && same_letter(in.at[1], 'S') && same_letter(in.at[2], 'T');
   fields.zone = own ? host::current_zone(locale) : find_zone(locale, in.at, length);
   if (fields.zone == nullptr) return VX_REASON_ZONE_UNKNOWN;
   in.skip(length);

@@ -29,8 +29,8 @@ class ShortTimes {
     return {pattern_.text, before_seconds ? seconds_ : minutes_ + minutes_length_};
   }
 
-  /// The same two, with the AM or PM marker: after a blank where it stood behind the minutes; otherwise it stays where it
-  /// is, and only the seconds go, in the first copy with all that lies between them and the minutes.
+  /// The same two, with the AM or PM marker: after a blank where it stood behind the minutes; otherwise it stays where
+  /// it is, and only the seconds go, in the first copy with all that lies between them and the minutes.
   TextView with_marker(bool before_seconds) {
     copied_ = 0;
     const int32_t after_seconds = seconds_ + 2;
@@ -60,8 +60,9 @@ class ShortTimes {
   VXChar copy_[longest_name];
 };
 
-/// Applies the AM or PM marker. A candidate without "%p" looks for one in the text that it left, which is none: an empty
-/// marker is found there all the same, so that a locale whose AM marker is empty reads such times as AM. Kept on purpose.
+/// Applies the AM or PM marker. A candidate without "%p" looks for one in the text that it left, which is none: an
+/// empty marker is found there all the same, so that a locale whose AM marker is empty reads such times as AM. Kept on
+/// purpose.
 inline VXReason apply_marker(const VXLocaleData& data, TextView candidate, NLSParseFields& read) {
   if (place_of(candidate, "%p") < 0) {
     read.marker = view(data.amMarker).length == 0 ? 1 : view(data.pmMarker).length == 0 ? 2 : 0;

@@ -36,8 +36,8 @@ struct Candidate {
 /// What a candidate is for.
 enum class Part : uint32_t { date, time, datetime };
 
-/// Watches nothing. The recognisers are templates over what watches them: this costs them nothing, and a trace that does
-/// watch sees the very same attempts.
+/// Watches nothing. The recognisers are templates over what watches them: this costs them nothing, and a trace that
+/// does watch sees the very same attempts.
 struct NoTrace {
   /// Whether attempts may be left out that cannot succeed.
   static constexpr bool watches = false;

@@ -1,0 +1,111 @@
+// Both flavours over many texts and patterns, and broken UTF-8 in every place.
+#include <random>
+
+#include "tests/datetime_parse/both_flavours.h"
+
+namespace vxtest {
+
+namespace {
+
+constexpr const char32_t* pieces[] = {U"%Y", U"%m", U"%d", U"%b", U"%B",  U"%a",        U"%A", U"%H",  U"%I",
+                                      U"%M", U"%S", U"%p", U"%z", U"%Z",  U"%q",        U"%V", U"%#d", U"%s",
+                                      U"%k", U"%l", U"%u", U"%%", U"%#Y", U"%?y",       U"%",  U"/",   U"-",
+                                      U" ",  U":",  U"年", U"Ж",  U"x",   U"\U0001F5D3"};
+constexpr const char32_t* words[] = {
+    U"2021",   U"1581",   U"20000",      U"99",        U"12",        U"31",     U"7",        U"0",
+    U"60",     U"May",    U"mAY",        U"September", U"sep",       U"März",   U"Thursday", U"thu",
+    U"AM",     U"pm",     U"+05:30",     U"-1",        U"Zone/East", U"XST",    U"Q3",       U"W53",
+    U"Week7",  U"Month7", U"T",          U" ",         U"  ",        U"/",      U"-",        U":",
+    U".",      U",",      U"%",          U"年",        U"Ж",         U"ж",      U"x",        U"\U0001F5D3",
+    U"\u00A0", U"Ä",      U"2021-03-04", U"12/31/99T", U"10:30:15",  U"1:05 pm"};
+
+template <size_t N>
+std::u32string some_of(const char32_t* const (&from)[N], int most, std::mt19937& random) {
+  std::u32string text;
+  for (auto n = static_cast<int>(random() % static_cast<unsigned>(most + 1)); n > 0; --n) text += from[random() % N];
+  return text.substr(0, 60);
+}
+
+// The helpers compare the flavours; matches are counted so that the texts are known to reach that far.
+TEST(ParseAgreement, SeededTextsAndPatterns) {
+  std::mt19937 random(20210304);
+  ZonedLocale locale;
+  locale.use(U"Zone/West");
+  set_name(locale.data.monthNames[2], U"März");
+  int walks = 0, dates = 0, times = 0, datetimes = 0;
+  for (int i = 0; i < 60000; ++i) {
+    const std::u32string pattern = some_of(pieces, 4, random), text = some_of(words, 5, random);
+    walks += walk<vxnls::StrictReader>(locale.get(), pattern, text).reason == VX_REASON_NONE;
+    walks += walk<vxnls::LenientReader>(locale.get(), pattern, text).reason == VX_REASON_NONE;
+    if (i % 100 == 0) {
+      set_name(locale.data.datePattern, pattern);
+      set_name(locale.data.timePattern, some_of(pieces, 6, random));
+      set_name(locale.data.datetimePattern, some_of(pieces, 8, random));
+    }
+    constexpr uint32_t kinds[] = {0, 1, 4, 5, 8, 16, 32, 64, 128, 256, 12};
+    const uint32_t kind = kinds[random() % 11];
+    dates += read_date(locale.get(), text, kind).status == 0;
+    times += read_time(locale.get(), text, kind).status == 0;
+    datetimes += read_datetime(locale.get(), i % 2 == 0 ? text : U"2021-03-04" + text, kind).status == 0;
+  }
+  EXPECT_GT(walks, 5000);
+  EXPECT_GT(dates, 1000);
+  EXPECT_GT(times, 1000);
+  EXPECT_GT(datetimes, 100);
+}
+
+// A byte that cannot stand in its place, anywhere in what is read, is a refusal; and so is a text cut inside a
+// character.
+TEST(ParseAgreement, BrokenUtf8IsRefused) {
+  PlainLocale locale;
+  set_name(locale.data.monthNames[2], U"Mä\u2014\U0001F5D3z");
+  set_name(locale.data.monthYearPattern1, U"%B é\u5E74\U0001F5D3%Y");
+  const std::string whole = utf8(U"mÄ\u2014\U0001F5D3Z É\u5E74\U0001F5D32021");
+  GuardedBuffer<uint8_t> buffer(256);
+  const auto status_of = [&](const std::string& text) {
+    const auto* const at = buffer.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+    uint32_t m = 1, d = 1, y = 1;
+    int64_t consumed = -7;
+    const VXStatus status =
+        NLSBufToDateU(locale.get(), at, static_cast<int64_t>(text.size()), 16, &m, &d, &y, &consumed);
+    EXPECT_EQ(consumed != -7, status == 0);
+    EXPECT_EQ(m + d + y != 0, status == 0);
+    return status;
+  };
+  ASSERT_EQ(status_of(whole), 0u);
+  for (size_t i = 0; i < whole.size(); ++i) {
+    if (i < whole.size() - 4) {
+      EXPECT_EQ(status_of(whole.substr(0, i)), VX_E_NOMATCH) << "cut at " << i;
+    }
+    for (int byte = 0x80; byte < 0x100; ++byte) {
+      std::string text = whole;
+      text.insert(i, 1, static_cast<char>(byte));
+      EXPECT_EQ(status_of(text), VX_E_NOMATCH) << byte << " before " << i;
+      text.erase(i + 1, 1);
+      const bool other_case = (i == 2 && byte == 0xA4) || (i == 13 && byte == 0xA9);
+      if (text != whole && !other_case) {
+        EXPECT_EQ(status_of(text), VX_E_NOMATCH) << byte << " at " << i;
+      }
+    }
+  }
+  // Bytes that a decoder without tests of its own would take for the literal.
+  static constexpr struct {
+    char32_t literal;
+    const char* bytes;
+  } cases[] = {
+      {0xE9, "\xC3\x29"},       {0xE9, "\xC3\xE9"},
+      {0xE9, "\xE0\x83\xA9"},  // wrong tails, overlong
+      {0xD800, "\xED\xA0\x80"}, {0x110000, "\xF4\x90\x80\x80"},
+      {0xFFFD, "\xFF"},  // no characters
+      {0x29, "\xC0\xA9"},
+  };
+  for (const auto& c : cases) {
+    set_name(locale.data.monthYearPattern1, std::u32string(1, c.literal) + U"%m/%Y");
+    EXPECT_EQ(status_of(std::string(c.bytes) + "07/2021"), VX_E_NOMATCH)
+        << std::hex << static_cast<uint32_t>(c.literal);
+  }
+}
+
+}  // namespace
+
+}  // namespace vxtest
