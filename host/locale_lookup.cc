@@ -2,10 +2,13 @@
 
 #include <unicode/localebuilder.h>
 #include <unicode/locid.h>
+#include <unicode/uenum.h>
 #include <unicode/uloc.h>
+#include <unicode/ures.h>
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -29,6 +32,21 @@ const Names& available() {
 
 bool is_available(std::string_view name) { return std::binary_search(available().begin(), available().end(), name); }
 
+/// The locale that ICU keeps an old name for: "no_NO_NY" is nn_NO. Nothing for other names.
+std::optional<std::string> of_old_name(const char* name) {
+  UErrorCode error = U_ZERO_ERROR;
+  const std::unique_ptr<UEnumeration, decltype(&uenum_close)> old_names(
+      uloc_openAvailableByType(ULOC_AVAILABLE_ONLY_LEGACY_ALIASES, &error), uenum_close);
+  for (;;) {
+    const char* const old_name = uenum_next(old_names.get(), nullptr, &error);
+    if (U_FAILURE(error) || old_name == nullptr) return std::nullopt;
+    if (std::strcmp(old_name, name) == 0) break;
+  }
+  const std::unique_ptr<UResourceBundle, decltype(&ures_close)> bundle(ures_open(nullptr, name, &error), ures_close);
+  const char* const target = ures_getLocaleByType(bundle.get(), ULOC_ACTUAL_LOCALE, &error);
+  return U_SUCCESS(error) && is_available(target) ? std::optional<std::string>(target) : std::nullopt;
+}
+
 /// The names of one language: "de" and all that begin with "de_".
 Names of_language(std::string_view language) {
   Names names;
@@ -49,6 +67,7 @@ icu::Locale with_likely_subtags(icu::Locale locale) {
 /// the one that says as much as `wanted` does.
 std::optional<std::string> same_locale(const icu::Locale& wanted) {
   if (is_available(wanted.getName())) return wanted.getName();
+  if (auto target = of_old_name(wanted.getName())) return target;
   const icu::Locale whole = with_likely_subtags(wanted);
   std::optional<std::string> found;
   for (const std::string_view name : of_language(wanted.getLanguage())) {
@@ -87,6 +106,8 @@ constexpr Modifier script_modifiers[] = {
     {"latin", "Latn"}, {"cyrillic", "Cyrl"}, {"devanagari", "Deva"}, {"arabic", "Arab"}};
 
 }  // namespace
+
+bool is_canonical_locale(std::string_view name) { return is_available(name); }
 
 ResolvedLocale resolve_locale(std::string_view name) {
   static const ResolvedLocale none{"", VX_E_NOMATCH};

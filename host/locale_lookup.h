@@ -22,6 +22,9 @@ struct ResolvedLocale {
 ///   no match    no locale at all, or a language that ICU has no locale of: a user should be told rather than served
 ResolvedLocale resolve_locale(std::string_view name);
 
+/// Whether a name is one that resolves to itself ("root" apart).
+bool is_canonical_locale(std::string_view name);
+
 }  // namespace vxhost
 
 #endif

@@ -50,6 +50,12 @@ std::string own_folder() {
   return file.substr(0, file.rfind('/'));
 }
 
+/// CLDR calls its version 42 what ICU gives as 42.0.
+std::string without_zero_minor(std::string version) {
+  if (version.ends_with(".0")) version.resize(version.size() - 2);
+  return version;
+}
+
 std::string versions_text(const std::string& tz) {
   UVersionInfo version;
   char text[U_MAX_VERSION_STRING_LENGTH];
@@ -61,7 +67,7 @@ std::string versions_text(const std::string& tz) {
   std::string all = "ICU " + as_text();
   UErrorCode error = U_ZERO_ERROR;
   ulocdata_getCLDRVersion(version, &error);
-  if (U_SUCCESS(error)) all += "; CLDR " + as_text();
+  if (U_SUCCESS(error)) all += "; CLDR " + without_zero_minor(as_text());
   u_getUnicodeVersion(version);
   all += "; Unicode " + as_text();
   return all + "; tz " + (tz.empty() ? "unknown" : tz);
@@ -238,7 +244,18 @@ VXStatus vxhostResolveLocale(VXHost* host, const char* name, char* canonical, si
 
 void vxhostForEachLocale(VXHost* host, int (*each)(void* user, const char* name), void* user) {
   if (host == nullptr || each == nullptr) return;
-  host->database_ops().for_each_locale(host->database(), each, user);
+  // The database also knows locales by old names.
+  struct Walk {
+    int (*each)(void* user, const char* name);
+    void* user;
+  } walk{each, user};
+  host->database_ops().for_each_locale(
+      host->database(),
+      [](void* state, const char* name) {
+        const Walk& to = *static_cast<const Walk*>(state);
+        return vxhost::is_canonical_locale(name) ? to.each(to.user, name) : 0;
+      },
+      &walk);
 }
 
 void vxhostForEachZone(VXHost* host, int (*each)(void* user, const char* id), void* user) {

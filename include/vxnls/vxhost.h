@@ -101,8 +101,8 @@ VX_API VXStatus vxhostStatusText(VXHost* host, VXStatus status, char* text, size
 ///   0x803fe831  host, name or canonical is null, or room is 0
 VX_API VXStatus vxhostResolveLocale(VXHost* host, const char* name, char* canonical, size_t room);
 
-/// Calls `each` for every locale that the locale database has, in byte order of name ("root" apart). A non-zero result
-/// ends the walk.
+/// Calls `each` for every locale that the locale database has, by its canonical name, in byte order ("root" apart). A
+/// non-zero result ends the walk.
 VX_API void vxhostForEachLocale(VXHost* host, int (*each)(void* user, const char* name), void* user);
 
 /// Calls `each` for every zone identifier, canonical ones and aliases, in byte order. A non-zero result ends the walk.

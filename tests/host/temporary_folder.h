@@ -1,0 +1,39 @@
+// A folder that goes with its object.
+#ifndef VXNLS_TESTS_HOST_TEMPORARY_FOLDER_H
+#define VXNLS_TESTS_HOST_TEMPORARY_FOLDER_H
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace vxtest {
+
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "vxnls.XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+  }
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  const std::string& path() const { return path_; }
+  std::string file(const std::string& name) const { return path_ + '/' + name; }
+  void write(const std::string& name, const std::string& text) const { std::ofstream(file(name)) << text; }
+  void link(const std::string& target, const std::string& name) const {
+    std::filesystem::create_symlink(target, file(name));
+  }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace vxtest
+
+#endif
