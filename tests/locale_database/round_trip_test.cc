@@ -167,7 +167,7 @@ struct Walk {
 
 template <class Flavour>
 std::vector<std::string> walk(VXLocale* locale, const std::string& name, Failures& failures) {
-  static const std::vector<Date> days = days_of({2000, 2023});
+  static const std::vector<Date> days = days_of({2000, 2024});
   std::vector<std::string> texts;
   Walk<Flavour> steps{locale, name, failures, texts, {}};
   steps.dates(days);
