@@ -1,6 +1,5 @@
-// The host's normaliser, handed on.
+// The host's normaliser, handed on: it checks what it is given.
 #include "module/host_services.h"
-#include "utf8/steps.h"
 #include "vxnls/utf8.h"
 
 using namespace vxnls;
@@ -12,7 +11,7 @@ VXStatus vxzsu8ICUNormalize(const uint8_t* in, int64_t length, uint32_t form, ui
   VXNormaliser* const normaliser = host::normaliser();
   if (normaliser == nullptr) return *out = VX_E_MEMORY;
   *out = 0;
-  return normaliser->ops->normalise(normaliser, in, bytes_of(in, length).length, form, a1, a2, a3, out);
+  return normaliser->ops->normalise(normaliser, in, length, form, a1, a2, a3, out);
 }
 
 int32_t vxzsu8ICUNormCompare(const uint8_t* a, int64_t length_a, const uint8_t* b, int64_t length_b, uint32_t options,
@@ -25,8 +24,7 @@ int32_t vxzsu8ICUNormCompare(const uint8_t* a, int64_t length_a, const uint8_t* 
     return 0;
   }
   *out = 0;
-  return normaliser->ops->compare(normaliser, a, bytes_of(a, length_a).length, b, bytes_of(b, length_b).length, options,
-                                  out);
+  return normaliser->ops->compare(normaliser, a, length_a, b, length_b, options, out);
 }
 
 int32_t vxzsu8ICUNormEqual(const uint8_t* a, int64_t length_a, const uint8_t* b, int64_t length_b, uint32_t options,

@@ -144,15 +144,15 @@ VX_API int32_t vxzsu8NormEqual(const uint8_t* a, int64_t length_a, const uint8_t
 // when the normaliser cannot be had, the status is 0x803fc002 VX_E_MEMORY.
 
 /// Hands a text to the host's normaliser.
-///   form, a1, a2, a3   passed on; the reference host takes the output buffer, its room in bytes and where to store the
-///                      length as the three words
+///   form, a1, a2, a3   passed on. The reference host knows the forms 0 NFC, 1 NFD, 2 NFKC and 3 NFKD, and takes the
+///                      output buffer, its room in bytes and where to store the length (int64_t) as the three words
 ///   status             null, or receives the normaliser's status
 /// Returns the normaliser's result; VX_E_MEMORY, also as `status`, when there is none.
 VX_API VXStatus vxzsu8ICUNormalize(const uint8_t* in, int64_t length, uint32_t form, uint64_t a1, uint64_t a2,
                                    uint64_t a3, VXStatus* status);
 
 /// Compares two texts by the host's normaliser.
-///   options   passed on
+///   options   passed on. The reference host knows bit 0: case is ignored
 ///   status    null, or receives the normaliser's status
 /// Returns the normaliser's result; 0 when there is none.
 VX_API int32_t vxzsu8ICUNormCompare(const uint8_t* a, int64_t length_a, const uint8_t* b, int64_t length_b,
