@@ -5,7 +5,6 @@
 #include "vxnls/module.h"
 #include "vxnls/table.h"
 
-extern "C" VXHandle* Exported_VXHandle;
 VXHandle* Exported_VXHandle = nullptr;
 
 namespace vxnls::host {
@@ -41,8 +40,7 @@ VXNormaliser* normaliser() {
   VXCharData* const data = characters();
   if (data == nullptr) return nullptr;
   if (VXNormaliser* const known = cached(data->normaliser)) return known;
-  VXNormaliser* const made = data->ops->create_normaliser(data);
-  return made != nullptr ? keep_first(data->normaliser, made) : nullptr;
+  return keep_first(data->normaliser, data->ops->create_normaliser(data));
 }
 
 int64_t integer_option(const VXChar* name, int64_t length, int64_t preset) {

@@ -11,11 +11,11 @@
 
 namespace vxnls::host {
 
-/// An ASCII text in the units that a host takes; a NUL follows its `length` units.
+/// An ASCII text in the units that a host takes; a NUL follows its `length()` units.
 template <size_t N>
 struct HostText {
-  static constexpr int64_t length = N - 1;
   VXChar text[N];
+  static constexpr int64_t length() { return N - 1; }
 };
 
 template <size_t N>
@@ -31,7 +31,7 @@ T* cached(T*& cell) {
   return std::atomic_ref<T*>(cell).load(std::memory_order_acquire);
 }
 
-/// Stores `made` while the cell is still null; gives what the cell holds then.
+/// Stores `made`, which may be null, while the cell is still null; gives what the cell holds then.
 template <class T>
 T* keep_first(T*& cell, T* made) {
   T* expected = nullptr;
@@ -42,7 +42,7 @@ T* keep_first(T*& cell, T* made) {
 /// Loads an extension through `kernel`; null when it cannot be had, also without a handle.
 template <size_t N>
 VXExtension* load_extension(VXHandle* kernel, const HostText<N>& name) {
-  return kernel != nullptr ? kernel->ops->load_extension(kernel, name.text, name.length, 0) : nullptr;
+  return kernel != nullptr ? kernel->ops->load_extension(kernel, name.text, name.length(), 0) : nullptr;
 }
 
 /// The character data of the stored kernel handle; null when it is not offered.

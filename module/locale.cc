@@ -48,14 +48,14 @@ VXJournal* locale_journal(HostContext* host) {
   VXHandle* const kernel = host->kernel;
   VXLogger* logger = vxnls::host::cached(host->logger);
   if (VXLoggerService* const loggers = kernel->loggers; logger == nullptr && loggers != nullptr) {
-    logger = loggers->ops->find(loggers, logger_name.text, logger_name.length);
-    if (logger == nullptr) logger = loggers->ops->create(loggers, logger_name.text, logger_name.length);
-    if (logger != nullptr) logger = vxnls::host::keep_first(host->logger, logger);
+    logger = loggers->ops->find(loggers, logger_name.text, logger_name.length());
+    if (logger == nullptr) logger = loggers->ops->create(loggers, logger_name.text, logger_name.length());
+    logger = vxnls::host::keep_first(host->logger, logger);
   }
   if (logger == nullptr) return nullptr;
   if (VXJournal* const known = vxnls::host::cached(host->localeJournal)) return known;
   VXJournal* const made = kernel->ops->create_journal(kernel, &journal_attributes, 0, "vxnlsLocaleJnl");
-  return made != nullptr ? vxnls::host::keep_first(host->localeJournal, made) : nullptr;
+  return vxnls::host::keep_first(host->localeJournal, made);
 }
 
 /// The zone that the options ask for, or else the operating system's.
@@ -65,8 +65,8 @@ VXStatus choose_zone(HostContext* host, const LocaleCreateOptions* options, VXJo
   }
   const VXStatus status = vxnls::host::system_zone(host, zone);
   if (status == VX_E_ROOM || status == VX_E_ZONE) {
-    std::copy_n(default_zone.text, default_zone.length, zone->text);
-    zone->length = default_zone.length;
+    std::copy_n(default_zone.text, default_zone.length(), zone->text);
+    zone->length = default_zone.length();
     vxlMessageToJnl(journal, level_notice, invalid_system_zone.text, 0);
   }
   return 0;  // kept on purpose: any other failure leaves what stands in the buffer to the zone service
@@ -87,7 +87,6 @@ VXTrack* make_track(HostContext* host, VXJournal* journal, const char* name, VXT
 VXLocaleDatabase* database_of(HostContext* host) {
   if (VXLocaleDatabase* const known = vxnls::host::cached(host->localeDatabase)) return known;
   VXExtension* const loaded = vxnls::host::load_extension(host->kernel, locale_database);
-  if (loaded == nullptr) return nullptr;
   return vxnls::host::keep_first(host->localeDatabase, reinterpret_cast<VXLocaleDatabase*>(loaded));
 }
 
@@ -121,8 +120,6 @@ void set_name(VXLocale* locale, TextView name) {
 /// made; `status` comes in as the lookup's and is the creation's then.
 bool equip(VXLocale* locale, HostContext* host, VXJournal* journal, TextView name, const ZoneId& zone,
            VXStatus& status) {
-  locale->msgLock = nullptr;
-  locale->msgTrack = nullptr;
   locale->localeData = allocate<VXLocaleData>(host->pool, 0);
   if (locale->localeData == nullptr) {
     status = VX_E_MEMORY;

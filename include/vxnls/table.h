@@ -77,7 +77,7 @@ struct VXLocale {
 #endif
 #ifdef VX_STATIC_ASSERT
 #define VX_AT(type, field, at) VX_STATIC_ASSERT(offsetof(type, field) == (at), #type "." #field)
-#define NLS_SLOT_AT(n, f) VX_AT(NLSOps, f, 8 * ((n) - 1));
+#define NLS_SLOT_AT(n, f) VX_AT(NLSOps, f, (size_t)8 * ((n) - 1));
 NLS_SLOTS(NLS_SLOT_AT)
 VX_STATIC_ASSERT(sizeof(NLSName) == 248 && sizeof(NLSOps) == 512, "name, table");
 VX_STATIC_ASSERT(sizeof(NLSModule) == 96, "module");

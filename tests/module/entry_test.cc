@@ -32,6 +32,7 @@ TEST(Loading, VersionsDiffer) {
   EXPECT_EQ(module->realDestroy(module), 0u);
   EXPECT_EQ(host.holdings(), Holdings{});
   EXPECT_EQ(NLSLOCRealDestroy(nullptr), 0u);
+  EXPECT_EQ(vxnlsloc(nullptr, host.journal()), nullptr);
   NLSModule without_pool = {};
   EXPECT_EQ(NLSLOCRealDestroy(&without_pool), 0u);
   vxextent(nullptr);

@@ -153,12 +153,15 @@ TEST_F(LocaleTest, TakesTheZoneOfTheOptionsOrTheSystems) {
   ASSERT_NE(without_options, nullptr);
   alone.push_back(without_options);
 
-  // A refused zone ends the creation before the lock is taken; the lock is released nevertheless.
+  // One unit is an identifier already. A refused zone ends the creation before the lock is taken; the lock is released
+  // nevertheless.
   VXStatus status = untouched;
-  EXPECT_EQ(host.stray_releases(), 0);
-  EXPECT_EQ(make(U"en_US", &status, U"Atlantis/Poseidonis"), nullptr);
-  EXPECT_EQ(status, VX_E_ZONE);
-  EXPECT_EQ(host.stray_releases(), 1);
+  for (const auto& id : {U"A", U"Atlantis/Poseidonis"}) {
+    const int64_t before = host.stray_releases();
+    EXPECT_EQ(make(U"en_US", &status, id), nullptr);
+    EXPECT_EQ(status, VX_E_ZONE);
+    EXPECT_EQ(host.stray_releases(), before + 1);
+  }
 }
 
 TEST_F(LocaleTest, ReplacesAnInvalidSystemZone) {
@@ -171,12 +174,14 @@ TEST_F(LocaleTest, ReplacesAnInvalidSystemZone) {
     EXPECT_EQ(lines.back().message, U"Invalid OS TIMEZONE value is detected. Use default TIMEZONE value instead");
   }
   EXPECT_EQ(host.journal_lines().size(), 2u);
+  ASSERT_TRUE(host.make_cache());
+  EXPECT_EQ(host.create(U"en_US", nullptr), host.create(U"en_US", nullptr, U"America/New_York"));
   // Any other refusal leaves the blanks in the buffer, which are no zone.
   VXStatus status = untouched;
   host.answers().system_zone_status = VX_E_MEMORY;
   EXPECT_EQ(make(U"en_US", &status), nullptr);
   EXPECT_EQ(status, VX_E_ZONE);
-  EXPECT_EQ(host.journal_lines().size(), 2u);
+  EXPECT_EQ(host.journal_lines().size(), 4u) << "the cache and the shared locale wrote one each";
 }
 
 TEST_F(LocaleTest, MakesItsJournalOnceAndOnlyForALogger) {
@@ -234,6 +239,14 @@ TEST_F(LocaleTest, HoldsNamesToTheirRoom) {
   }
 }
 
+TEST_F(LocaleTest, HoldsTheSystemsZoneToItsRoom) {
+  // Blanks fill the room behind the identifier, so that a length beyond it reads as the same zone.
+  for (const int64_t claimed : {int64_t{50}, int64_t{51}, int64_t{5000}, INT64_MAX}) {
+    host.answers().claimed_zone_length = claimed;
+    EXPECT_NE(make(U"en_US"), nullptr) << claimed;
+  }
+}
+
 TEST_F(LocaleTest, RefusesArgumentsThatCannotBeRight) {
   VXStatus status = untouched;
   const VXChar name[] = {'e', 'n', '_', 'U', 'S'};
@@ -243,7 +256,10 @@ TEST_F(LocaleTest, RefusesArgumentsThatCannotBeRight) {
   EXPECT_EQ(status, VX_E_NULL);
   EXPECT_EQ(NLSLocaleCreate(host.context(), name, -1, &status, nullptr), nullptr);
   EXPECT_EQ(status, VX_E_LENGTH);
-  EXPECT_EQ(make(U"?", &status), nullptr);
+  // What an empty name means is the host's to say.
+  EXPECT_EQ(NLSLocaleCreate(host.context(), nullptr, 0, &status, nullptr), nullptr);
+  EXPECT_EQ(status, VX_E_NOMATCH);
+  EXPECT_EQ(make(U"", &status), nullptr);
   EXPECT_EQ(status, VX_E_NOMATCH);
   host.answers().null_record_name = true;
   EXPECT_EQ(make(U"en_US", &status), nullptr);

@@ -61,7 +61,12 @@ TEST_F(ZoneTest, SettingKeepsTheZoneUnlessThereIsAnother) {
   EXPECT_EQ(NLSSetTimezoneId(locale, &blank, INT64_MIN), VX_E_ZONE);
   EXPECT_EQ(set(U"Atlantis/Poseidonis"), VX_E_ZONE);
   EXPECT_EQ(locale->timeZone, utc);
+  const int64_t asked = host.calls(Op::normalise_zone);
   EXPECT_EQ(NLSGetTZh(locale, nullptr, 3), nullptr);
+  EXPECT_EQ(NLSGetTZh(locale, &blank, -1), nullptr);
+  EXPECT_EQ(host.calls(Op::normalise_zone), asked);
+  EXPECT_EQ(NLSGetTZh(locale, &blank, 0), nullptr);
+  EXPECT_EQ(host.calls(Op::normalise_zone), asked + 1) << "what an empty identifier means is the host's to say";
   EXPECT_EQ(set(U"Asia/Kolkata"), 0u);
   EXPECT_EQ(locale->timeZone, get(U"Asia/Kolkata"));
   EXPECT_EQ(set(U"UTC"), 0u);
