@@ -6,9 +6,15 @@ namespace vxnls {
 
 namespace {
 
+/// Whether an argument is missing that a reading needs; `text` may be null when it is empty.
+bool lacks(const VXLocale* locale, const void* text, int64_t length) {
+  return locale == nullptr || locale->localeData == nullptr || (text == nullptr && length > 0);
+}
+
 template <class Text>
 VXStatus buffer_to_date(VXLocale* locale, const typename Text::Unit* buffer, int64_t length, uint32_t kind,
                         uint32_t* month, uint32_t* day, uint32_t* year, int64_t* consumed) {
+  if (lacks(locale, buffer, length) || !month || !day || !year || !consumed) return VX_E_NULL;
   NoTrace trace;
   const Finding finding = read_date(locale, input_of<Text>(buffer, length), kind, trace);
   const bool full = finding.status == 0 && is_full_date(finding.fields);
@@ -22,6 +28,7 @@ VXStatus buffer_to_date(VXLocale* locale, const typename Text::Unit* buffer, int
 template <class Text>
 VXStatus buffer_to_time(VXLocale* locale, const typename Text::Unit* buffer, int64_t length, uint32_t kind,
                         double* seconds, int64_t* consumed) {
+  if (lacks(locale, buffer, length) || !seconds || !consumed) return VX_E_NULL;
   NoTrace trace;
   const Finding finding = read_time(locale, input_of<Text>(buffer, length), kind, trace);
   if (finding.status != 0) return finding.status;
@@ -33,6 +40,7 @@ VXStatus buffer_to_time(VXLocale* locale, const typename Text::Unit* buffer, int
 template <class Text>
 VXStatus buffer_to_datetime(VXLocale* locale, const typename Text::Unit* buffer, int64_t length, uint32_t kind,
                             double* datetime, int64_t* consumed) {
+  if (lacks(locale, buffer, length) || !datetime || !consumed) return VX_E_NULL;
   NoTrace trace;
   const DatetimeFinding finding = read_datetime(locale, input_of<Text>(buffer, length), kind, trace);
   if (finding.status != 0) return finding.status;

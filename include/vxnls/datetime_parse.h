@@ -2,9 +2,10 @@
 //
 // Every function exists over VXChar and, with a U at the end, over UTF-8; lengths and `consumed` count VXChars there and
 // bytes here. Both flavours read alike: UTF-8 that is broken where it is read is a refusal. A text is never terminated;
-// a length below 0 counts as 0, and the text may be null then. `consumed` counts from the start of the text, leading
-// blanks included. Blank means U+0020. Nothing is kept between calls; threads may share a locale. Only a text that names
-// a time zone touches the locale, namely its zone cache.
+// a length below 0 counts as 0, and the text may be null when it is empty. `consumed` counts from the start of the text,
+// leading blanks included. Blank means U+0020. Nothing is kept between calls; threads may share a locale. Only a text
+// that names a time zone touches the locale, namely its zone cache. Any other null argument gives 0x803fe831, and nothing
+// is written.
 //
 // Patterns. What is read is led by patterns of the locale's record, or by built-in ones: "%" and a letter is a directive,
 // any other character stands for itself. Between the two may stand "#", "0" and "?", of which only "#" has a meaning.

@@ -109,12 +109,19 @@ TEST(ParseTime, LongestPattern) {
   }
 }
 
-TEST(ParseTime, HostileLengths) {
+TEST(ParseTime, HostileLengthsAndNulls) {
   PlainLocale locale;
   double seconds = -1;
   int64_t consumed = -1;
   EXPECT_EQ(NLSBufToTime(locale.get(), nullptr, INT64_MIN, 4, &seconds, &consumed), VX_E_NOMATCH);
   EXPECT_EQ(NLSBufToDatetimeU(locale.get(), nullptr, -1, 0, &seconds, &consumed), VX_E_NOMATCH);
+  const VXChar text[] = {'5'};
+  EXPECT_EQ(NLSBufToTime(nullptr, text, 1, 4, &seconds, &consumed), VX_E_NULL);
+  EXPECT_EQ(NLSBufToTime(locale.get(), nullptr, 1, 4, &seconds, &consumed), VX_E_NULL);
+  EXPECT_EQ(NLSBufToDatetime(locale.get(), text, 1, 4, nullptr, &consumed), VX_E_NULL);
+  EXPECT_EQ(NLSBufToTime(locale.get(), text, 1, 4, &seconds, nullptr), VX_E_NULL);
+  EXPECT_EQ(NLSBufToDate(locale.get(), text, 1, 4, nullptr, nullptr, nullptr, &consumed), VX_E_NULL);
+  EXPECT_EQ(seconds + static_cast<double>(consumed), -2);
   for (const int64_t length : {INT64_MIN, int64_t{-1}, int64_t{61}, INT64_MAX}) {
     locale.data.timePattern.length = locale.data.datetimePattern.length = length;
     locale.data.amMarker.length = locale.data.datePattern.length = length;

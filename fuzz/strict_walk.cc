@@ -1,0 +1,40 @@
+// One pattern against one text, both from the input, by both readers: the flavours agree, and what was read is read
+// again after it was written by the pattern.
+#include "fuzz/parse_property.h"
+
+namespace {
+
+using namespace vxfuzz;
+
+template <class Reader>
+void walk_both(Locale& locale, const NLSName& pattern, const Text& text, bool lenient) {
+  vxnls::NoTrace trace;
+  vxnls::NLSParseFields a, b;
+  auto units = vxnls::input_of<vxnls::Utf32Text>(text.units.data(), text.length());
+  auto bytes = vxnls::input_of<vxnls::Utf8Text>(text.bytes.data(), text.byte_length());
+  const VXReason reason = vxnls::walk<Reader>(locale.get(), units, vxnls::view(pattern), a, trace);
+  require(vxnls::walk<Reader>(locale.get(), bytes, vxnls::view(pattern), b, trace) == reason);
+  if (reason != VX_REASON_NONE) return;
+  text.require_same(text.length() - units.left, text.byte_length() - bytes.left);
+  require(std::memcmp(&a, &b, sizeof a) == 0);
+  if (lenient && TwoWay(vxnls::view(pattern), lenient).marker &&
+      vxnls::apply_marker(locale.data, vxnls::view(pattern), a) != VX_REASON_NONE) {
+    return;
+  }
+  require_read_back(locale, pattern, lenient,
+                    {a.year, a.month, a.day, a.hour, a.minute, a.second, a.milliseconds, a.offset, a.marker, a.quarter,
+                     a.week, a.zone != nullptr});
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Bytes in{data, size};
+  const uint8_t options = in.byte();
+  NLSName pattern{};
+  Locale locale(in, options, {&pattern});
+  const Text text(in);
+  walk_both<vxnls::StrictReader>(locale, pattern, text, false);
+  walk_both<vxnls::LenientReader>(locale, pattern, text, true);
+  return 0;
+}
