@@ -1,69 +1,18 @@
 // The digit generators against exact arithmetic of big integers.
-#include <gmp.h>
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cmath>
-#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "tests/number_format/exact_decimal.h"
 #include "vxnls/number_format.h"
 
 namespace {
 
-/// The exact decimal expansion of finite doubles: value = m * 2^e; below the point it is m * 5^-e over 10^-e.
-class Exact {
- public:
-  Exact() : fives_(1076) {
-    mpz_inits(number_, mask_, nullptr);
-    for (size_t i = 0; i < fives_.size(); ++i) {
-      mpz_init(&fives_[i]);
-      mpz_ui_pow_ui(&fives_[i], 5, i);
-    }
-  }
-  ~Exact() {
-    mpz_clears(number_, mask_, nullptr);
-    for (auto& five : fives_) mpz_clear(&five);
-  }
-  Exact(const Exact&) = delete;
-  Exact& operator=(const Exact&) = delete;
-
-  void expand(double value) {
-    int binary = 0;
-    const double m = std::frexp(std::fabs(value), &binary);
-    const auto mantissa = static_cast<uint64_t>(std::ldexp(m, 53));
-    const int e = binary - 53;
-    whole.clear();
-    fraction.clear();
-    if (mantissa == 0) return;
-    const uint64_t above = e >= 0 ? mantissa : e > -64 ? mantissa >> -e : 0;
-    if (above != 0) {
-      mpz_set_ui(number_, above);
-      if (e > 0) mpz_mul_2exp(number_, number_, static_cast<mp_bitcnt_t>(e));
-      mpz_get_str(text_, 10, number_);
-      whole = text_;
-    }
-    if (e >= 0) return;
-    uint64_t below = e > -64 ? mantissa & ((uint64_t{1} << -e) - 1) : mantissa;
-    if (below == 0) return;
-    const int zeros = std::countr_zero(below);
-    below >>= zeros;
-    const auto places = static_cast<size_t>(-e - zeros);
-    mpz_mul_ui(number_, &fives_[places], below);
-    mpz_get_str(text_, 10, number_);
-    fraction.assign(places - std::strlen(text_), '0');
-    fraction += text_;
-  }
-
-  std::string whole, fraction;
-
- private:
-  mpz_t number_, mask_;
-  std::vector<__mpz_struct> fives_;
-  char text_[1200];
-};
+using vxtest::ExactDecimal;
 
 struct Generated {
   VXStatus status;
@@ -92,7 +41,7 @@ Generated fraction_part(double value, int64_t size = 1100) {
 }
 
 /// Both parts of one value; false after the first difference, so that a broken generator does not print millions.
-bool agrees(Exact& exact, double value, int64_t size) {
+bool agrees(ExactDecimal& exact, double value, int64_t size) {
   exact.expand(value);
   const Generated whole = integer_part(value);
   const Generated fraction = fraction_part(value, size);
@@ -107,7 +56,7 @@ bool agrees(Exact& exact, double value, int64_t size) {
 }
 
 TEST(Digits, AgreeWithExactArithmeticOverAllExponents) {
-  Exact exact;
+  ExactDecimal exact;
   std::mt19937_64 random(20240307);
   for (int i = 0; i < 5'000'000; ++i) {
     // Every exponent in turn; a random mantissa, one in four with few bits.
@@ -122,7 +71,7 @@ TEST(Digits, AgreeWithExactArithmeticOverAllExponents) {
 }
 
 TEST(Digits, PowersOfTwoAndTenAndTheirNeighbours) {
-  Exact exact;
+  ExactDecimal exact;
   std::vector<double> values;
   for (int e = -1074; e < 1024; ++e) values.push_back(std::ldexp(1.0, e));
   for (int e = -323; e <= 308; ++e) values.push_back(std::strtod(("1e" + std::to_string(e)).c_str(), nullptr));
