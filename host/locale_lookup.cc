@@ -87,14 +87,16 @@ icu::Locale without_variant(const icu::Locale& locale) {
       .build(error);
 }
 
+std::string script_of(const icu::Locale& locale) { return with_likely_subtags(locale).getScript(); }
+
 /// The widest locale of the language in the script of `wanted`; root when ICU has the language in other scripts only.
 std::optional<std::string> parent_locale(const icu::Locale& wanted) {
-  const char* const language = wanted.getLanguage();
+  const std::string language = wanted.getLanguage();
   if (of_language(language).empty()) return std::nullopt;
-  const char* const script = with_likely_subtags(wanted).getScript();
-  const std::string in_script = std::string(language) + '_' + script;
+  const std::string script = script_of(wanted);
+  const std::string in_script = language + '_' + script;
   if (*wanted.getScript() != 0 && is_available(in_script)) return in_script;
-  if (std::strcmp(with_likely_subtags(icu::Locale(language)).getScript(), script) == 0) return language;
+  if (script_of(icu::Locale(language.c_str())) == script) return language;
   return is_available(in_script) ? in_script : "root";
 }
 
