@@ -266,11 +266,19 @@ TEST(Drivers, WhereTheyStop) {
     EXPECT_EQ(written, c.written) << testing::PrintToString(c.text) << c.room;
   }
   const uint8_t text[4] = {};
-  uint8_t out[4];
-  int64_t written = -1;
-  EXPECT_EQ(ConvertToUTF32(text, 4, out, 4, &written, nullptr, COPY_UTF32), VX_E_NULL);
-  EXPECT_EQ(ConvertFromUTF32(text, 4, out, 4, &written, UTF32_UTF8, nullptr), VX_E_NULL);
-  EXPECT_EQ(written, 0);
+  for (int missing = 0; missing < 4; ++missing) {
+    uint8_t memory[4];
+    int64_t written = -1;
+    const uint8_t* const in = missing == 0 ? nullptr : text;
+    uint8_t* const out = missing == 1 ? nullptr : memory;
+    EXPECT_EQ(ConvertToUTF32(in, 4, out, 4, &written, missing == 2 ? nullptr : &UTF8_UTF32,
+                             missing == 3 ? nullptr : &COPY_UTF32),
+              VX_E_NULL);
+    EXPECT_EQ(written, 0);
+    EXPECT_EQ(ConvertFromUTF32(in, 4, out, 4, nullptr, missing == 2 ? nullptr : &UTF32_UTF8,
+                               missing == 3 ? nullptr : &Byte2DWord),
+              VX_E_NULL);
+  }
 }
 
 // A caller's coders may report anything: the drivers hold it to the buffers.
