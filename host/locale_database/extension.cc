@@ -1,8 +1,11 @@
 // The extension "vxnlsldb": the locale database as the host loads it.
 #include "host/extension.h"
 
+#include <memory>
 #include <new>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "host/locale_database/cldr.h"
 #include "host/locale_database/mapping.h"
@@ -14,12 +17,9 @@ namespace {
 
 using namespace vxnlsldb;
 
-/// The operations see the object as a VXLocaleDatabase, the host's loader as a VXExtension: one word either way.
-struct Database {
-  const VXHostLocaleDatabaseOps* ops;
+struct Database : VXLocaleDatabase {
   VXHostExtensionOwner* owner;
 };
-static_assert(offsetof(Database, ops) == 0 && sizeof(VXExtension) == sizeof(void*));
 
 /// Nothing escapes into C: what fails here is memory.
 template <class Function>
@@ -45,7 +45,7 @@ std::optional<std::string> ascii_name(const VXChar* name, int64_t length) {
 }
 
 VXStatus destroy(VXExtension* self) {
-  auto* const database = reinterpret_cast<Database*>(self);
+  auto* const database = static_cast<Database*>(reinterpret_cast<VXLocaleDatabase*>(self));
   VXHostExtensionOwner* const owner = database->owner;
   delete database;
   owner->closed(owner);
@@ -99,7 +99,9 @@ VXStatus check(VXLocaleDatabase*, const VXLocaleData* record,
 constexpr VXHostLocaleDatabaseOps operations = {{&destroy, &fill}, &for_each_fallback, &for_each_locale, &check};
 
 VXExtension* open(VXHostExtensionOwner* owner) {
-  return reinterpret_cast<VXExtension*>(new (std::nothrow) Database{&operations, owner});
+  VXLocaleDatabase* const database = new (std::nothrow) Database{{&operations.base}, owner};
+  // The loader knows every extension by its table's first operation, and casts back by name.
+  return reinterpret_cast<VXExtension*>(database);
 }
 
 }  // namespace
