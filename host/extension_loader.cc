@@ -29,24 +29,29 @@ SearchPath SearchPath::of_environment() {
   return {folders != nullptr ? folders : "", getauxval(AT_SECURE) != 0};
 }
 
-/// One shared object and the instances that it has open.
+/// One shared object. Its users are the loader and the open instances; the last of them deletes this.
 struct ExtensionLoader::Loaded final : VXHostExtensionOwner {
   explicit Loaded(VXHandle* handle) : VXHostExtensionOwner{handle, &Loaded::instance_closed} {}
-  ~Loaded() {
-    if (object != nullptr && open_instances.load(std::memory_order_acquire) == 0) dlclose(object);
-  }
   Loaded(const Loaded&) = delete;
   Loaded& operator=(const Loaded&) = delete;
 
+  bool is_last_user() { return users.fetch_sub(1, std::memory_order_acq_rel) == 1; }
   static void instance_closed(VXHostExtensionOwner* owner) {
+    auto* const self = static_cast<Loaded*>(owner);
     count(Kind::extension, -1);
-    static_cast<Loaded*>(owner)->open_instances.fetch_sub(1, std::memory_order_release);
+    if (self->is_last_user()) delete self;  // the code stays: this call returns into it
   }
 
   void* object = nullptr;
   const VXHostExtension* description = nullptr;
-  std::atomic<int64_t> open_instances{0};
+  std::atomic<int64_t> users{1};
 };
+
+void ExtensionLoader::GiveUp::operator()(Loaded* loaded) const {
+  if (!loaded->is_last_user()) return;
+  if (loaded->object != nullptr) dlclose(loaded->object);
+  delete loaded;
+}
 
 ExtensionLoader::ExtensionLoader(std::string own_folder, const SearchPath& path) {
   folders_.push_back(std::move(own_folder));
@@ -65,18 +70,13 @@ ExtensionLoader::ExtensionLoader(std::string own_folder, const SearchPath& path)
   }
 }
 
-ExtensionLoader::~ExtensionLoader() {
-  for (auto& [name, loaded] : loaded_) {
-    // Its open instances still point at it.
-    if (loaded->open_instances.load(std::memory_order_acquire) != 0) static_cast<void>(loaded.release());
-  }
-}
+ExtensionLoader::~ExtensionLoader() = default;
 
 ExtensionLoader::Loaded* ExtensionLoader::find_or_load(std::string_view name, VXHandle* kernel, std::string& why) {
   const auto known = loaded_.find(name);
   if (known != loaded_.end()) return known->second.get();
 
-  auto loaded = std::make_unique<Loaded>(kernel);
+  std::unique_ptr<Loaded, GiveUp> loaded(new Loaded(kernel));
   const std::string file_name = '/' + std::string(name) + ".so";
   for (const std::string& folder : folders_) {
     const std::string file = folder + file_name;
@@ -111,12 +111,13 @@ VXExtension* ExtensionLoader::open(std::string_view name, VXHandle* kernel, std:
     loaded = find_or_load(name, kernel, why);
   }
   if (loaded == nullptr) return nullptr;
+  loaded->users.fetch_add(1, std::memory_order_relaxed);
   VXExtension* const instance = loaded->description->open(loaded);
   if (instance == nullptr) {
+    loaded->users.fetch_sub(1, std::memory_order_relaxed);
     why = std::string(name) + " did not open";
     return nullptr;
   }
-  loaded->open_instances.fetch_add(1, std::memory_order_relaxed);
   count(Kind::extension, 1);
   return instance;
 }

@@ -28,7 +28,7 @@ struct SearchPath {
 class ExtensionLoader {
  public:
   ExtensionLoader(std::string own_folder, const SearchPath& path);
-  /// Unloads what has no open instance. The rest stays in memory, and its instances stay counted.
+  /// Unloads what has no open instance. The rest stays in memory, and its instances stay counted until they are closed.
   ~ExtensionLoader();
   ExtensionLoader(const ExtensionLoader&) = delete;
   ExtensionLoader& operator=(const ExtensionLoader&) = delete;
@@ -45,13 +45,16 @@ class ExtensionLoader {
 
  private:
   struct Loaded;
+  struct GiveUp {
+    void operator()(Loaded* loaded) const;
+  };
   Loaded* find_or_load(std::string_view name, VXHandle* kernel, std::string& why);
   VXExtension* open(std::string_view name, VXHandle* kernel, std::string& why);
 
   std::vector<std::string> folders_;
   std::vector<std::string> refused_;
   std::mutex mutex_;
-  std::map<std::string, std::unique_ptr<Loaded>, std::less<>> loaded_;
+  std::map<std::string, std::unique_ptr<Loaded, GiveUp>, std::less<>> loaded_;
   std::string failure_;
 };
 
