@@ -107,11 +107,11 @@ CurrencyUnits units_of(const std::string& code) {
   return units;
 }
 
-std::u32string currency_text(const char* name, const std::string& code, UCurrNameStyle style) {
+std::u32string currency_text(const char* language, const std::string& code, UCurrNameStyle style) {
   UErrorCode status = U_ZERO_ERROR;
   int32_t length = 0;
   const CurrencyUnits units = units_of(code);  // what ICU gives back for a currency without a symbol
-  const UChar* const text = ucurr_getName(units.data(), name, style, nullptr, &length, &status);
+  const UChar* const text = ucurr_getName(units.data(), language, style, nullptr, &length, &status);
   return U_FAILURE(status) ? std::u32string() : utf32(icu::UnicodeString(text, length));
 }
 
@@ -214,10 +214,11 @@ VXLocaleCurrencyForm currency_form(const std::string& code, const Cldr& cldr, co
 }
 
 void put_texts(const char* name, const Cldr& cldr, VXLocaleTexts& block) {
-  store(block.ownName, clean(display(uloc_getDisplayName, name, name)));
-  store(block.ownLanguage, clean(display(uloc_getDisplayLanguage, name, name)));
-  store(block.ownScript, clean(display(uloc_getDisplayScript, name, name)));
-  store(block.ownRegion, clean(display(uloc_getDisplayCountry, name, name)));
+  const std::string own = cldr.canonical();
+  store(block.ownName, clean(display(uloc_getDisplayName, name, own.c_str())));
+  store(block.ownLanguage, clean(display(uloc_getDisplayLanguage, name, own.c_str())));
+  store(block.ownScript, clean(display(uloc_getDisplayScript, name, own.c_str())));
+  store(block.ownRegion, clean(display(uloc_getDisplayCountry, name, own.c_str())));
   store(block.englishLanguage, display(uloc_getDisplayLanguage, name, "en"));
   store(block.englishScript, display(uloc_getDisplayScript, name, "en"));
   store(block.englishRegion, display(uloc_getDisplayCountry, name, "en"));
@@ -254,7 +255,9 @@ std::string currency_code(const char* name) {
   return U_FAILURE(status) || length != 3 ? "XXX" : utf8(utf32(icu::UnicodeString(code, length)));
 }
 
-std::u32string currency_symbol(const char* name) { return currency_text(name, currency_code(name), UCURR_SYMBOL_NAME); }
+std::u32string currency_symbol(const char* name, const Cldr& cldr) {
+  return currency_text(cldr.canonical().c_str(), currency_code(name), UCURR_SYMBOL_NAME);
+}
 
 int32_t first_week_day(const char* name) { return week_of(region_of(name)).first; }
 
@@ -266,10 +269,10 @@ void fill_blocks(const char* name, const Cldr& cldr, VXLocaleData& record) {
       &record.word15832);
   put_list(cldr.list({"calendar", "gregorian", "quarters", "format", "wide"}), record.names14336);
   store(record.block4Name, native_digits(cldr));
-  const std::string code = currency_code(name);
+  const std::string code = currency_code(name), language = cldr.canonical();
   store(record.block3Names[0], from_ascii(code));
-  store(record.block3Names[1], clean(currency_text(name, code, UCURR_LONG_NAME)));
-  store(record.block3Names[2], clean(currency_text(name, code, UCURR_NARROW_SYMBOL_NAME)));
+  store(record.block3Names[1], clean(currency_text(language.c_str(), code, UCURR_LONG_NAME)));
+  store(record.block3Names[2], clean(currency_text(language.c_str(), code, UCURR_NARROW_SYMBOL_NAME)));
   put(currency_form(code, cldr, record), record.block3Rest);
   put(customs(name, cldr, record), record.block6);
   store(record.block1, display(uloc_getDisplayName, name, "en"));

@@ -10,7 +10,7 @@ namespace vxnlsldb {
 /// ISO 4217 code of the locale's currency; "XXX" for a locale without a country.
 std::string currency_code(const char* name);
 /// The symbol of that currency in the locale's language: "$", "US$", "zł".
-std::u32string currency_symbol(const char* name);
+std::u32string currency_symbol(const char* name, const Cldr& cldr);
 /// The first day of the region's week, 1 Sunday .. 7 Saturday.
 int32_t first_week_day(const char* name);
 

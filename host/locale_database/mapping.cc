@@ -223,7 +223,7 @@ class Filler {
 
   void currency() {
     const std::string code = currency_code(name_.c_str());
-    const std::u32string symbol = clean(currency_symbol(name_.c_str()));
+    const std::u32string symbol = clean(currency_symbol(name_.c_str(), cldr_));
     std::string reason;
     if (code == "XXX") reason = "no country, no currency";
     if (const auto wrong = symbol_violation(symbol)) {

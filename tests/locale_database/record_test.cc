@@ -27,6 +27,21 @@ TEST(Record, EveryByteIsDefined) {
   }
 }
 
+TEST(Record, TheLocaleOfTheProcessDoesNotMatter) {
+  const std::string before = uloc_getDefault();
+  std::vector<std::string> names = available_locales();
+  names.insert(names.end(), {"root", "qqq", "qqq_JP", "de_QQ"});
+  for (const std::string& name : names) {
+    UErrorCode status = U_ZERO_ERROR;
+    uloc_setDefault("en_US", &status);
+    const auto english = vxtest::filled(name);
+    uloc_setDefault("ja_JP", &status);
+    const auto japanese = vxtest::filled(name);
+    EXPECT_EQ(std::memcmp(english.data.get(), japanese.data.get(), sizeof *english.data), 0) << name;
+    uloc_setDefault(before.c_str(), &status);
+  }
+}
+
 TEST(Record, ThreadsFillTheSame) {
   std::vector<std::thread> threads;
   std::vector<int> differences(4);
