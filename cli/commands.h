@@ -1,0 +1,21 @@
+// Every command; commands.cc puts them into one table.
+#ifndef VXNLS_CLI_COMMANDS_H
+#define VXNLS_CLI_COMMANDS_H
+
+#include "cli/command.h"
+
+namespace vxcli {
+
+extern const Command format_date;
+extern const Command format_time;
+extern const Command format_datetime;
+extern const Command locale_list;
+extern const Command locale_show;
+extern const Command locale_check;
+extern const Command calendar;
+extern const Command zone;
+extern const Command help;
+
+}  // namespace vxcli
+
+#endif

@@ -1,0 +1,19 @@
+// Help, written from the table of commands.
+#ifndef VXNLS_CLI_HELP_H
+#define VXNLS_CLI_HELP_H
+
+#include <string>
+#include <vector>
+
+#include "cli/command.h"
+
+namespace vxcli {
+
+enum class HelpLength { in_short, whole };
+
+/// The help of the last command of a path that begins at the root.
+std::string help_text(const std::vector<const Command*>& path, HelpLength length);
+
+}  // namespace vxcli
+
+#endif
