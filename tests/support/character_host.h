@@ -47,26 +47,25 @@ class CharacterHost {
     static CharacterHost* host = nullptr;
     return host;
   }
-  static uint32_t note(char what, uint32_t code_point, uint32_t argument) {
+  static CharacterHost& asked_for(char what, uint32_t code_point, uint32_t argument) {
     current()->asked.push_back({what, code_point, argument});
-    return code_point;
+    return *current();
   }
-
-  static constexpr VXUnicodeDatabaseOps database_ops = {
-      [](VXExtension*) -> VXStatus { return 0; },
-      [](VXUnicodeDatabase*, uint32_t c, uint32_t bits) { return current()->test_class(note('c', c, bits), bits); },
-  };
-  static constexpr VXCharDataOps data_ops = {
-      [](VXCharData*, uint32_t c, uint32_t flag) { return current()->lower(note('l', c, flag)); },
-      [](VXCharData*, uint32_t c, uint32_t flag) { return current()->upper(note('u', c, flag)); },
-      [](VXCharData*) { return current()->normaliser; },
-  };
+  static int32_t answer_class(VXUnicodeDatabase*, uint32_t c, uint32_t bits) {
+    return asked_for('c', c, bits).test_class(c, bits);
+  }
+  static uint32_t answer_lower(VXCharData*, uint32_t c, uint32_t flag) { return asked_for('l', c, flag).lower(c); }
+  static uint32_t answer_upper(VXCharData*, uint32_t c, uint32_t flag) { return asked_for('u', c, flag).upper(c); }
+  static VXNormaliser* give_normaliser(VXCharData*) { return current()->normaliser; }
+  static VXStatus keep(VXExtension*) { return 0; }
   static VXExtension* load(VXHandle*, const VXChar* name, int64_t length, uint64_t) {
     CharacterHost& host = *current();
     if (!host.has_database || std::u32string(name, name + length) != U"vxnlsudb") return nullptr;
     ++host.loads;
     return reinterpret_cast<VXExtension*>(&host.database_);
   }
+  static constexpr VXUnicodeDatabaseOps database_ops = {keep, answer_class};
+  static constexpr VXCharDataOps data_ops = {answer_lower, answer_upper, give_normaliser};
   static constexpr VXHandleOps handle_ops = {nullptr, nullptr, nullptr, nullptr, load};
 
   VXUnicodeDatabase database_{};
