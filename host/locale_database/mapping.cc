@@ -193,12 +193,12 @@ class Filler {
   void numbers() {
     record_.decimalPoint = separator("decimal");
     if (record_.decimalPoint == 0) {
-      record_.decimalPoint = '.';
+      record_.decimalPoint = U'.';
       report(VX_ENTRY_DECIMAL_POINT, "decimalPoint", U".", "R11: CLDR has not one character");
     }
     record_.groupSeparator = separator("group");
     if (const auto wrong = separator_violation(record_.decimalPoint, record_.groupSeparator)) {
-      record_.groupSeparator = record_.decimalPoint == ',' ? '.' : ',';
+      record_.groupSeparator = record_.decimalPoint == U',' ? U'.' : U',';
       report(VX_ENTRY_GROUP_SEPARATOR, "groupSeparator", std::u32string(1, record_.groupSeparator), explain(*wrong));
     }
     const std::u32string pattern = cldr_.text({"NumberElements", "latn", "patterns", "decimalFormat"});
@@ -215,7 +215,7 @@ class Filler {
     const size_t last = whole.rfind(U',');
     if (last == std::u32string_view::npos) return U"";
     const size_t before = whole.substr(0, last).rfind(U',');
-    const std::u32string first = from_ascii(std::to_string(whole.size() - last - 1));
+    std::u32string first = from_ascii(std::to_string(whole.size() - last - 1));
     if (before == std::u32string_view::npos) return first;
     const std::u32string second = from_ascii(std::to_string(last - before - 1));
     return first == second ? first : first + U';' + second;
