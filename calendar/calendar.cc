@@ -133,12 +133,14 @@ double NLStimprt(double datetime) {
 
 double NLShour(double t) {
   if (!is_valid_datetime(t)) return ordinary_missing;
-  return static_cast<double>(static_cast<int64_t>(time_by_sign_of_remainder(t)) / 3600);
+  const int64_t hour = static_cast<int64_t>(time_by_sign_of_remainder(t)) / 3600;
+  return static_cast<double>(hour);
 }
 
 double NLSminute(double t) {
   if (!is_valid_datetime(t)) return ordinary_missing;
-  return static_cast<double>(static_cast<int64_t>(time_by_sign_of_value(t)) % 3600 / 60);
+  const int64_t minute = static_cast<int64_t>(time_by_sign_of_value(t)) % 3600 / 60;
+  return static_cast<double>(minute);
 }
 
 double NLSsecond(double t) {

@@ -20,14 +20,14 @@ struct DigitPairs {
 };
 
 template <class Unit>
-inline constexpr DigitPairs<Unit> digit_pairs = [] {
+constexpr DigitPairs<Unit> make_digit_pairs() {
   DigitPairs<Unit> pairs{};
   for (unsigned i = 0; i < 100; ++i) {
     pairs.digits[i][0] = static_cast<Unit>('0' + i / 10);
     pairs.digits[i][1] = static_cast<Unit>('0' + i % 10);
   }
   return pairs;
-}();
+}
 
 /// A receiver of walk_pattern() that writes the text into a scratch of its own. What outgrows the scratch is dropped.
 template <class Text>
@@ -81,6 +81,7 @@ class Expansion {
   }
 
  private:
+  static constexpr DigitPairs<Unit> pairs = make_digit_pairs<Unit>();
   static constexpr int64_t room = 512;
   static constexpr int64_t longest_text = 180;  // units of one pattern or name
 
@@ -100,7 +101,7 @@ class Expansion {
   /// `value` is from 0 to 99.
   void two_digits(int32_t value, bool zero_padded) {
     if (value < 10 && !zero_padded) return digit(value);
-    std::memcpy(end(), digit_pairs<Unit>.digits[value], sizeof digit_pairs<Unit>.digits[value]);
+    std::memcpy(end(), pairs.digits[value], sizeof pairs.digits[value]);
     took(2);
   }
 
