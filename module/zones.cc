@@ -19,29 +19,27 @@ VXZone* find_zone(VXTrack* track, const ZoneId& id) {
   return zone;
 }
 
-/// Puts an open zone into the cache; false, with the cache as it was, when memory or the track fails.
-bool keep_zone(const VXLocale* locale, const ZoneId& id, VXZone* zone) {
-  VXPool* const pool = locale->host->pool;
-  auto* const record = static_cast<ZoneRecord*>(pool->ops->allocate(pool, sizeof(ZoneRecord), VX_ZERO_FILL));
-  if (record == nullptr) return false;
-  *record = {.zone = zone, .service = locale->host->zones, .pool = pool};
-  VXTrack* const track = locale->zoneTrack;
-  VXStatus status = 0;
-  VXTrackEntry* const entry = track->ops->insert(track, VX_TRACK_INSERT, 0, record, 0, id.text, key_bytes(id), &status);
-  if (entry == nullptr) {
-    pool->ops->free(pool, record);
-    return false;
-  }
-  track->ops->release(track, entry);
-  return true;
-}
-
+/// Opens a zone and puts it into the cache; null, with the cache as it was, when anything fails.
 VXZone* open_zone(const VXLocale* locale, const ZoneId& id) {
   VXZoneService* const zones = locale->host->zones;
+  VXPool* const pool = locale->host->pool;
+  VXTrack* const track = locale->zoneTrack;
   VXZone* const zone = zones != nullptr ? zones->ops->open(zones, id.text, id.length, 0) : nullptr;
-  if (zone == nullptr || keep_zone(locale, id, zone)) return zone;
-  zones->ops->close(zones, zone);
-  return nullptr;
+  if (zone == nullptr) return nullptr;
+  auto* const record = static_cast<ZoneRecord*>(pool->ops->allocate(pool, sizeof(ZoneRecord), VX_ZERO_FILL));
+  VXTrackEntry* entry = nullptr;
+  if (record != nullptr) {
+    *record = {.zone = zone, .service = zones, .pool = pool};
+    VXStatus unused = 0;
+    entry = track->ops->insert(track, VX_TRACK_INSERT, 0, record, 0, id.text, key_bytes(id), &unused);
+  }
+  if (entry == nullptr) {
+    zones->ops->close(zones, zone);
+    if (record != nullptr) pool->ops->free(pool, record);
+    return nullptr;
+  }
+  track->ops->release(track, entry);
+  return zone;
 }
 
 }  // namespace

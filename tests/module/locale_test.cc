@@ -47,6 +47,68 @@ struct LocaleTest : testing::Test {
   std::vector<VXLocale*> alone;
 };
 
+// Hosts rely on the order in which they are called.
+TEST_F(LocaleTest, IsMadeAndDestroyedInAFixedOrder) {
+  ASSERT_TRUE(host.make_cache());
+  using Calls = std::vector<std::string>;
+  const Calls look_up = {"normalise_zone", "acquire creation", "lookup_locale", "find VXNLS Locale track"};
+  const Calls parts = {"allocate 1016",
+                       "allocate 49248",
+                       "load_extension vxemsg",
+                       "fill",
+                       "create_lock vxnls Locale VXMSG lock",
+                       "create_lock vxnls Locale VXZ lock",
+                       "create_track vxnls Locale VXMSG track",
+                       "set_destroy vxnls Locale VXMSG track",
+                       "create_track vxnls Locale VXETZ track",
+                       "set_destroy vxnls Locale VXETZ track"};
+  const Calls zone = {"normalise_zone created",
+                      "find vxnls Locale VXETZ track",
+                      "acquire vxnls Locale VXZ lock",
+                      "find vxnls Locale VXETZ track",
+                      "open_zone Etc/UTC",
+                      "allocate 24",
+                      "insert vxnls Locale VXETZ track",
+                      "release_entry vxnls Locale VXETZ track",
+                      "release_lock vxnls Locale VXZ lock"};
+  const Calls taking_apart = {"destroy_lock vxnls Locale VXZ lock",
+                              "destroy_track vxnls Locale VXETZ track",
+                              "close_zone",
+                              "free 24",
+                              "destroy_lock vxnls Locale VXMSG lock",
+                              "destroy_track vxnls Locale VXMSG track",
+                              "destroy_extension vxemsg"};
+  const auto joined = [](std::initializer_list<Calls> all) {
+    Calls result;
+    for (const Calls& calls : all) result.insert(result.end(), calls.begin(), calls.end());
+    return result;
+  };
+  const auto create = [this] { host.create(U"en_US", nullptr, U"UTC"); };
+
+  // Refused by the cache, which is the last step: everything goes, the record first and the lock last.
+  const Calls insert = {"insert VXNLS Locale track"};
+  const Calls refused =
+      joined({look_up, parts, zone, insert, {"free 49248"}, taking_apart, {"free 1016", "release_lock creation"}});
+  host.fail_call(static_cast<int64_t>(joined({look_up, parts, zone, insert}).size()), false, VX_E_MEMORY);
+  EXPECT_EQ(host.trace(create), refused);
+  host.fail_nothing();
+
+  EXPECT_EQ(host.trace(create),
+            joined({look_up, parts, zone, insert, {"release_entry VXNLS Locale track", "release_lock creation"}}));
+  EXPECT_EQ(host.trace(create), joined({look_up, {"release_entry VXNLS Locale track", "release_lock creation"}}));
+  EXPECT_EQ(host.trace([this] { host.destroy_cache(); }),
+            joined({{"destroy_track VXNLS Locale track"}, taking_apart, {"free 49248", "free 1016"}}));
+
+  FailingHost fresh;
+  fresh.load_module();
+  VXLocale* locale = nullptr;
+  const Calls first = fresh.trace([&] { locale = fresh.create(U"en_US", nullptr); });
+  fresh.destroy_private(locale);
+  ASSERT_GT(first.size(), 5u);
+  EXPECT_EQ(Calls(first.begin(), first.begin() + 5),
+            (Calls{"find_logger", "create_logger", "create_journal vxnlsLocaleJnl", "os_zone", "acquire creation"}));
+}
+
 TEST_F(LocaleTest, IsSharedByNameAndZone) {
   ASSERT_TRUE(host.make_cache());
   VXStatus status = untouched;

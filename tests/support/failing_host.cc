@@ -85,13 +85,19 @@ struct HostState {
   std::atomic<bool> lasting{false};
   std::atomic<VXStatus> fault_status{0};
   std::atomic<int64_t> calls_since{0};
+  std::atomic<bool> tracing{false};
   std::array<std::atomic<int64_t>, operation_count> calls{};
 
   mutable std::mutex books;
   std::vector<Failure> failures;
+  std::vector<std::string> trace;
   std::vector<std::string> complaints;
   std::vector<JournalLine> journal_lines;
-  std::map<void*, VXPool*> blocks;
+  struct Block {
+    VXPool* pool;
+    int64_t bytes;
+  };
+  std::map<void*, Block> blocks;
   std::set<const void*> pools, locks, tracks, entries, extensions, zones;
   std::vector<std::unique_ptr<Of<VXJournal>>> journals;
   std::vector<std::unique_ptr<std::u32string>> loggers;
@@ -121,6 +127,12 @@ struct HostState {
   /// 0, or the status with which this call fails.
   VXStatus fault(Op op, std::string_view about) {
     ++calls[static_cast<size_t>(op)];
+    if (tracing.load(std::memory_order_relaxed)) {
+      const std::lock_guard lock(books);
+      std::string call = name_of(op);
+      if (!about.empty()) call.append(" ").append(about);
+      trace.push_back(std::move(call));
+    }
     const int64_t first = first_failing.load(std::memory_order_relaxed);
     if (first == 0) return 0;
     const int64_t call = ++calls_since;
@@ -189,22 +201,24 @@ void* allocate(VXPool* pool, int64_t bytes, uint32_t flags) {
   // What is not asked to be zero is anything but.
   std::memset(block, flags == VX_ZERO_FILL ? 0 : 0xA5, static_cast<size_t>(bytes));
   const std::lock_guard lock(host->books);
-  host->blocks[block] = pool;
+  host->blocks[block] = {pool, bytes};
   return block;
 }
 
 VXStatus free_block(VXPool* pool, void* block) {
   HostState* const host = host_of(pool);
-  bool known = false;
+  int64_t bytes = 0;
   {
     const std::lock_guard lock(host->books);
     const auto at = host->blocks.find(block);
-    known = at != host->blocks.end() && at->second == pool;
-    if (known) host->blocks.erase(at);
+    if (at != host->blocks.end() && at->second.pool == pool) {
+      bytes = at->second.bytes;
+      host->blocks.erase(at);
+    }
   }
-  host->require(known, "free: not a block of this pool");
-  if (known) std::free(block);
-  return host->fault(Op::free, "");
+  host->require(bytes != 0, "free: not a block of this pool");
+  if (bytes != 0) std::free(block);
+  return host->fault(Op::free, std::to_string(bytes));
 }
 
 VXStatus destroy_pool(VXPool* pool) {
@@ -212,7 +226,7 @@ VXStatus destroy_pool(VXPool* pool) {
   if (host->given_back(host->pools, pool, "pool")) {
     const std::lock_guard lock(host->books);
     std::erase_if(host->blocks, [pool](const auto& block) {
-      if (block.second != pool) return false;
+      if (block.second.pool != pool) return false;
       std::free(block.first);
       return true;
     });
@@ -440,16 +454,20 @@ constexpr VXLoggerServiceOps logger_ops = {&find_logger, &create_logger};
 
 // extensions
 
+struct Extension : Of<VXExtension> {
+  std::string name;
+};
+
 VXStatus destroy_extension(VXExtension* extension) {
-  auto* const object = static_cast<Of<VXExtension>*>(extension);
+  auto* const object = static_cast<Extension*>(extension);
   HostState* const host = object->host;
-  const VXStatus status = host->fault(Op::destroy_extension, "");
+  const VXStatus status = host->fault(Op::destroy_extension, object->name);
   if (host->given_back(host->extensions, extension, "extension")) delete object;
   return status;
 }
 
 VXStatus fill(VXLocaleDatabase* database, VXLocaleData* data, const VXChar* name, int64_t length) {
-  HostState* const host = reinterpret_cast<Of<VXExtension>*>(database)->host;
+  HostState* const host = reinterpret_cast<Extension*>(database)->host;
   const int64_t kept = std::min<int64_t>(length, 60);
   host->require(data->localeName.length == kept && text_of(data->localeName.text, kept) == text_of(name, kept),
                 "fill: the name does not stand in the record");
@@ -464,7 +482,7 @@ VXStatus fill(VXLocaleDatabase* database, VXLocaleData* data, const VXChar* name
 }
 
 int32_t test_class(VXUnicodeDatabase* database, uint32_t code_point, uint32_t class_bits) {
-  HostState* const host = reinterpret_cast<Of<VXExtension>*>(database)->host;
+  HostState* const host = reinterpret_cast<Extension*>(database)->host;
   if (host->fault(Op::test_class, "") != 0) return 0;
   const Character* const known = find_character(code_point);
   return known != nullptr && (known->class_bits & class_bits) != 0 ? 1 : 0;
@@ -490,7 +508,10 @@ VXExtension* load_extension(VXHandle* handle, const VXChar* name, int64_t length
   for (const auto& extension : known) {
     if (extension.name != asked) continue;
     host->require((handle == &host->stored) == extension.stored, "load_extension: through the wrong handle");
-    auto* const loaded = new Of<VXExtension>{{static_cast<const VXExtensionOps*>(extension.ops)}, host};
+    auto* const loaded = new Extension;
+    loaded->ops = static_cast<const VXExtensionOps*>(extension.ops);
+    loaded->host = host;
+    loaded->name = utf8(asked);
     host->taken(host->extensions, static_cast<VXExtension*>(loaded));
     return loaded;
   }
@@ -738,6 +759,16 @@ std::vector<JournalLine> FailingHost::journal_lines() const {
 }
 
 int64_t FailingHost::calls(Op op) const { return state_->calls[static_cast<size_t>(op)]; }
+
+void FailingHost::start_trace() {
+  state_->trace.clear();
+  state_->tracing = true;
+}
+
+std::vector<std::string> FailingHost::end_trace() {
+  state_->tracing = false;
+  return state_->trace;
+}
 
 bool FailingHost::load_module() {
   int64_t major = 0;

@@ -14,15 +14,17 @@
 
 namespace vxtest {
 
-#define VX_HOST_OPERATIONS(X)                                                                                         \
-  X(create_pool)                                                                                                      \
-  X(allocate)                                                                                                         \
-  X(free) X(destroy_pool) X(create_lock) X(acquire) X(release_lock) X(destroy_lock) X(create_track) X(find) X(insert) \
-      X(release_entry) X(set_destroy) X(destroy_track) X(create_journal) X(message_to_buffer) X(message_to_journal)   \
-          X(status_to_buffer) X(status_to_journal) X(get_locale) X(find_logger) X(create_logger) X(load_extension)    \
-              X(destroy_extension) X(fill) X(test_class) X(lookup_locale) X(normalise_zone) X(os_zone) X(open_zone)   \
-                  X(close_zone) X(zone_offset) X(describe_zone) X(read_option) X(lower) X(upper) X(create_normaliser) \
-                      X(normalise) X(compare) X(format_double)
+#define VX_HOST_OPERATIONS(X)                                                                                          \
+  X(create_pool)                                                                                                       \
+  X(allocate)                                                                                                          \
+  X(free)                                                                                                              \
+  X(destroy_pool)                                                                                                      \
+  X(create_lock) X(acquire) X(release_lock) X(destroy_lock) X(create_track) X(find) X(insert) X(release_entry)         \
+      X(set_destroy) X(destroy_track) X(create_journal) X(message_to_buffer) X(message_to_journal) X(status_to_buffer) \
+          X(status_to_journal) X(get_locale) X(find_logger) X(create_logger) X(load_extension) X(destroy_extension)    \
+              X(fill) X(test_class) X(lookup_locale) X(normalise_zone) X(os_zone) X(open_zone) X(close_zone)           \
+                  X(zone_offset) X(describe_zone) X(read_option) X(lower) X(upper) X(create_normaliser) X(normalise)   \
+                      X(compare) X(format_double)
 
 enum class Op {
 #define VX_OPERATION(name) name,
@@ -87,6 +89,13 @@ class FailingHost {
   std::vector<JournalLine> journal_lines() const;
   /// Calls of an operation so far, failed ones included.
   int64_t calls(Op op) const;
+  /// The calls that `work` makes, in their order: "allocate 1016".
+  template <class Work>
+  std::vector<std::string> trace(Work work) {
+    start_trace();
+    work();
+    return end_trace();
+  }
 
   /// The road of a host: vxextver, vxnlsloc, and a locale through which the locale cache is made. False when it fails.
   bool load_module();
@@ -118,6 +127,9 @@ class FailingHost {
   Answers& answers();
 
  private:
+  void start_trace();
+  std::vector<std::string> end_trace();
+
   std::unique_ptr<HostState> state_;
 };
 
