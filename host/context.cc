@@ -88,7 +88,7 @@ VXStatus Context::lookup_locale(std::string_view name, const VXLocaleRecord** re
     CachedLocale& made = locales_.try_emplace(std::string(name)).first->second;
     made.status = resolved.status;
     made.record.name = made.text;
-    made.record.length = std::min<int64_t>(static_cast<int64_t>(resolved.name.size()), std::size(made.text));
+    made.record.length = static_cast<int64_t>(std::min(resolved.name.size(), std::size(made.text)));
     std::copy_n(resolved.name.begin(), made.record.length, made.text);
     at = locales_.find(name);
   }

@@ -128,10 +128,10 @@ void JournalSink::write(uint32_t level, std::string_view journal, const std::str
     const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
     const std::time_t seconds = milliseconds / 1000;
     std::tm fields{};
-    char stamp[32] = "";
-    if (gmtime_r(&seconds, &fields) != nullptr) std::strftime(stamp, sizeof stamp, "%Y-%m-%dT%H:%M:%S", &fields);
-    std::fprintf(stderr, "%s.%03dZ %.*s level %u: %s\n", stamp, static_cast<int>(milliseconds % 1000),
-                 static_cast<int>(journal.size()), journal.data(), level, text.c_str());
+    char stamp[32];
+    if (gmtime_r(&seconds, &fields) == nullptr || std::strftime(stamp, sizeof stamp, "%FT%T", &fields) == 0) *stamp = 0;
+    static_cast<void>(std::fprintf(stderr, "%s.%03dZ %.*s level %u: %s\n", stamp, static_cast<int>(milliseconds % 1000),
+                                   static_cast<int>(journal.size()), journal.data(), level, text.c_str()));
   }
 }
 

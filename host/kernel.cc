@@ -63,7 +63,7 @@ VXExtension* Kernel::messages() {
 
 std::string Kernel::status_text(VXStatus status) {
   char number[16];
-  std::snprintf(number, sizeof number, "0x%08x", status);
+  static_cast<void>(std::snprintf(number, sizeof number, "0x%08x", status));
   VXExtension* const extension = messages();
   if (extension == nullptr) return number;
   const auto* const table = reinterpret_cast<const VXHostMessageOps*>(extension->ops);

@@ -6,7 +6,7 @@
 #include <unicode/unorm.h>
 #include <unicode/utf8.h>
 
-#include <cstring>
+#include <algorithm>
 #include <string>
 
 namespace vxhost {
@@ -60,7 +60,7 @@ VXStatus normalise(const uint8_t* source, int64_t length, uint32_t form, uint8_t
   *needed = static_cast<int64_t>(result.size());
   if (destination == nullptr) return 0;
   if (*needed > room) return VX_E_ROOM;
-  std::memcpy(destination, result.data(), result.size());
+  std::copy(result.begin(), result.end(), destination);
   return 0;
 }
 

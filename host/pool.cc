@@ -22,10 +22,11 @@ constexpr VXPoolOps operations = {
 Pool::Pool() noexcept : VXPool{&operations} {}
 
 Pool::~Pool() {
-  while (first_ != nullptr) {
-    Header* const header = first_;
-    unlink(header);
+  count(Kind::block, -blocks_);
+  for (Header* header = first_; header != nullptr;) {
+    Header* const next = header->next;
     std::free(header);
+    header = next;
   }
 }
 
