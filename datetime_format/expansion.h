@@ -13,22 +13,6 @@
 
 namespace vxnls {
 
-/// The digits of 0 to 99, so that two are one store.
-template <class Unit>
-struct DigitPairs {
-  Unit digits[100][2];
-};
-
-template <class Unit>
-constexpr DigitPairs<Unit> make_digit_pairs() {
-  DigitPairs<Unit> pairs{};
-  for (unsigned i = 0; i < 100; ++i) {
-    pairs.digits[i][0] = static_cast<Unit>('0' + i / 10);
-    pairs.digits[i][1] = static_cast<Unit>('0' + i % 10);
-  }
-  return pairs;
-}
-
 /// A receiver of walk_pattern() that writes the text into a scratch of its own. What outgrows the scratch is dropped.
 template <class Text>
 class Expansion {
@@ -81,7 +65,6 @@ class Expansion {
   }
 
  private:
-  static constexpr DigitPairs<Unit> pairs = make_digit_pairs<Unit>();
   static constexpr int64_t room = 512;
   static constexpr int64_t longest_text = 180;  // units of one pattern or name
 
@@ -101,7 +84,7 @@ class Expansion {
   /// `value` is from 0 to 99.
   void two_digits(int32_t value, bool zero_padded) {
     if (value < 10 && !zero_padded) return digit(value);
-    std::memcpy(end(), pairs.digits[value], sizeof pairs.digits[value]);
+    std::memcpy(end(), Text::digit_pairs.of[value], sizeof Text::digit_pairs.of[value]);
     took(2);
   }
 

@@ -25,10 +25,27 @@ constexpr Decoded cut_short(int64_t remaining) {
   return {replacement_character, remaining > 0 ? remaining : 0, VX_E_INCOMPLETE};
 }
 
+/// The digits of 0 to 99, so that two are one store.
+template <class Unit>
+struct DigitPairs {
+  Unit of[100][2];
+};
+
+template <class Unit>
+constexpr DigitPairs<Unit> make_digit_pairs() {
+  DigitPairs<Unit> pairs{};
+  for (unsigned i = 0; i < 100; ++i) {
+    pairs.of[i][0] = static_cast<Unit>('0' + i / 10);
+    pairs.of[i][1] = static_cast<Unit>('0' + i % 10);
+  }
+  return pairs;
+}
+
 /// UTF-32: one unit a character.
 struct Utf32Text {
   using Unit = VXChar;
   static constexpr int64_t longest = 1;  // units that one code point takes at most
+  static constexpr DigitPairs<Unit> digit_pairs = make_digit_pairs<Unit>();
 
   static constexpr int64_t units(VXChar) { return 1; }
   /// Writes `code_point` at `out`, which has room for `longest` units; gives the units written.
@@ -51,6 +68,7 @@ struct Utf32Text {
 struct Utf8Text {
   using Unit = uint8_t;
   static constexpr int64_t longest = 4;
+  static constexpr DigitPairs<Unit> digit_pairs = make_digit_pairs<Unit>();
 
   static constexpr int64_t units(VXChar c) { return 1 + (c >= 0x80) + (c >= 0x800) + (c >= 0x10000); }
   /// Code points above U+10FFFF are not refused; their lead byte overflows.

@@ -231,6 +231,7 @@ TEST(Drivers, WhereTheyStop) {
   } to[] = {
       {{0x41, 0x42}, 2, 7, 4, 0},  // the output is full: no failure
       {{0x41, 0x42}, 2, 3, 0, 0},
+      {{0x41, 0x42}, 1, 8, 4, 0},
       {{0x41, 0x42}, 0, 8, 0, 0},
       {{0x41, 0x42}, -1, 8, 0, 0},
       {{0x41, 0x42}, 2, -8, 0, 0},
@@ -275,9 +276,11 @@ TEST(Drivers, WhereTheyStop) {
                              missing == 3 ? nullptr : &COPY_UTF32),
               VX_E_NULL);
     EXPECT_EQ(written, 0);
-    EXPECT_EQ(ConvertFromUTF32(in, 4, out, 4, nullptr, missing == 2 ? nullptr : &UTF32_UTF8,
+    written = -1;
+    EXPECT_EQ(ConvertFromUTF32(in, 4, out, 4, &written, missing == 2 ? nullptr : &UTF32_UTF8,
                                missing == 3 ? nullptr : &Byte2DWord),
               VX_E_NULL);
+    EXPECT_EQ(written, 0);
   }
 }
 
