@@ -35,12 +35,13 @@ TEST(Classes, HostIsAskedBeyondAscii) {
 
 TEST(Classes, SomeAreNeverAsked) {
   vxtest::CharacterHost host;
-  for (const uint32_t c : {0x41, 0x46, 0x61, 0x66, 0xFF21, 0xFF26, 0xFF41, 0xFF46}) EXPECT_EQ(vxnlsisxdigit(c), 1) << c;
-  for (const uint32_t c : {0x40, 0x47, 0x60, 0x67}) EXPECT_EQ(vxnlsisxdigit(c), 0) << c;
-  for (const uint32_t c : {0xA0, 0x3000}) EXPECT_EQ(vxnlsisspace(c), 1) << c;
-  for (const uint32_t c : {0x200B, 0x3001}) EXPECT_EQ(vxnlsisspace(c), 0) << c;
+  for (const uint32_t c : {0x41u, 0x46u, 0x61u, 0x66u, 0xFF21u, 0xFF26u, 0xFF41u, 0xFF46u})
+    EXPECT_EQ(vxnlsisxdigit(c), 1) << c;
+  for (const uint32_t c : {0x40u, 0x47u, 0x60u, 0x67u}) EXPECT_EQ(vxnlsisxdigit(c), 0) << c;
+  for (const uint32_t c : {0xA0u, 0x3000u}) EXPECT_EQ(vxnlsisspace(c), 1) << c;
+  for (const uint32_t c : {0x200Bu, 0x3001u}) EXPECT_EQ(vxnlsisspace(c), 0) << c;
   EXPECT_EQ(host.asked.size(), 0u);
-  for (const uint32_t c : {0xFF20, 0xFF27, 0xFF40, 0xFF47}) EXPECT_EQ(vxnlsisxdigit(c), 0) << c;
+  for (const uint32_t c : {0xFF20u, 0xFF27u, 0xFF40u, 0xFF47u}) EXPECT_EQ(vxnlsisxdigit(c), 0) << c;
   EXPECT_EQ(host.asked.size(), 4u);
 }
 

@@ -11,13 +11,13 @@
 namespace {
 
 const uint8_t* bytes(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
-int64_t size(std::string_view text) { return static_cast<int64_t>(text.size()); }
+int64_t length_of(std::string_view text) { return static_cast<int64_t>(text.size()); }
 
 /// Compares two texts that both end at a page that may not be touched.
 template <class Function, class... More>
 int32_t guarded(Function compare, std::string_view a, std::string_view b, More... more) {
   static vxtest::GuardedBuffer<uint8_t> left(256), right(256);
-  return compare(left.copy(bytes(a), a.size()), size(a), right.copy(bytes(b), b.size()), size(b), more...);
+  return compare(left.copy(bytes(a), a.size()), length_of(a), right.copy(bytes(b), b.size()), length_of(b), more...);
 }
 
 int32_t normally(std::string_view a, std::string_view b) { return guarded(vxzsu8NormCompare, a, b); }

@@ -15,7 +15,7 @@ vxtest::GuardedBuffer<uint8_t>& memory() {
 uint8_t* guarded(std::string_view text, vxtest::Guard guard = vxtest::Guard::behind) {
   return memory().copy(reinterpret_cast<const uint8_t*>(text.data()), text.size(), guard);
 }
-int64_t size(std::string_view text) { return static_cast<int64_t>(text.size()); }
+int64_t length_of(std::string_view text) { return static_cast<int64_t>(text.size()); }
 
 TEST(Services, BlanksAndJustifying) {
   static constexpr struct {
@@ -36,12 +36,12 @@ TEST(Services, BlanksAndJustifying) {
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.text));
     for (const auto guard : {vxtest::Guard::behind, vxtest::Guard::before}) {
-      EXPECT_EQ(vxzsu8StripBlanks(guarded(c.text, guard), size(c.text)), c.stripped);
+      EXPECT_EQ(vxzsu8StripBlanks(guarded(c.text, guard), length_of(c.text)), c.stripped);
       uint8_t* const left = guarded(c.text, guard);
-      vxzsu8LeftJustify(left, size(c.text));
+      vxzsu8LeftJustify(left, length_of(c.text));
       EXPECT_EQ(std::string(left, left + c.text.size()), c.left);
       uint8_t* const right = guarded(c.text, guard);
-      vxzsu8RightJustify(right, size(c.text));
+      vxzsu8RightJustify(right, length_of(c.text));
       EXPECT_EQ(std::string(right, right + c.text.size()), c.right);
     }
   }
@@ -65,9 +65,9 @@ TEST(Services, Finding) {
   };
   for (const auto& c : cases) {
     const std::string pattern(c.pattern);
-    EXPECT_EQ(
-        vxzsu8Find(guarded(c.text), size(c.text), reinterpret_cast<const uint8_t*>(pattern.data()), size(pattern)),
-        c.at)
+    EXPECT_EQ(vxzsu8Find(guarded(c.text), length_of(c.text), reinterpret_cast<const uint8_t*>(pattern.data()),
+                         length_of(pattern)),
+              c.at)
         << c.text << " " << c.pattern;
   }
   const std::string_view text = "a\u00E9\u20AC\U0001F600";
@@ -76,7 +76,7 @@ TEST(Services, Finding) {
     int64_t at;
   } characters[] = {{'a', 0},       {0xE9, 1}, {0x20AC, 3}, {0x1F600, 6},    {'b', -1},
                     {0x110000, -1}, {0, -1},   {0x80, -1},  {0xFFFFFFFF, -1}};
-  for (const auto& c : characters) EXPECT_EQ(vxzsu8Index(guarded(text), size(text), c.ch), c.at) << c.ch;
+  for (const auto& c : characters) EXPECT_EQ(vxzsu8Index(guarded(text), length_of(text), c.ch), c.at) << c.ch;
 }
 
 TEST(Services, Copying) {
@@ -84,7 +84,7 @@ TEST(Services, Copying) {
   for (int64_t room = 0; room < 6; ++room) {
     static vxtest::GuardedBuffer<uint8_t> output(16);
     uint8_t* const out = output.at(static_cast<size_t>(room));
-    const int64_t count = vxzsu8Copy(guarded(text), size(text), out, room);
+    const int64_t count = vxzsu8Copy(guarded(text), length_of(text), out, room);
     EXPECT_EQ(count, std::min<int64_t>(room, 4));
     EXPECT_EQ(std::string(out, out + count), text.substr(0, static_cast<size_t>(count)));
   }
