@@ -6,15 +6,20 @@ namespace vxcli {
 
 namespace {
 
-constexpr const Command* format_commands[] = {&format_date, &format_time, &format_datetime};
+constexpr const Command* format_commands[] = {&format_date,    &format_time,     &format_datetime, &format_number,
+                                              &format_percent, &format_currency, &format_integer};
 constexpr Example format_examples[] = {
     {"vxnls format date 2026-11-21 --locale hi_IN --style long", "21 नवंबर 2026"},
     {"vxnls format time 14:05 --locale fr_CA", "14 h 05 min 00 s"},
     {"vxnls format datetime 2026-11-21T14:05:09Z --locale ar_EG --zone Africa/Cairo", "21/11/2026 4:05:09 م"}};
 constexpr Command format{.name = "format",
-                         .summary = "Writes dates, times and datetimes as a locale does",
+                         .summary = "Writes dates, times and numbers as a locale does",
                          .examples = format_examples,
                          .commands = format_commands};
+
+constexpr const Command* parse_commands[] = {&parse_date, &parse_time, &parse_datetime, &parse_number, &parse_integer};
+constexpr Command parse{
+    .name = "parse", .summary = "Reads dates, times and numbers as a locale writes them", .commands = parse_commands};
 
 constexpr const Command* locale_commands[] = {&locale_list, &locale_show, &locale_check};
 constexpr Example locale_examples[] = {{"vxnls locale list --details de_",
@@ -39,7 +44,8 @@ constexpr Command locale{.name = "locale",
                          .examples = locale_examples,
                          .commands = locale_commands};
 
-constexpr const Command* commands[] = {&format, &locale, &calendar, &zone, &help};
+constexpr const Command* commands[] = {&format,    &parse,       &locale,  &calendar, &zone,
+                                       &transcode, &change_case, &compare, &chars,    &help};
 
 constexpr const Option* common_options[] = {&options::locale,     &options::zone, &options::quiet,
                                             &options::short_help, &options::help, &options::version};

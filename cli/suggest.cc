@@ -40,6 +40,8 @@ size_t edit_distance(std::string_view a, std::string_view b) {
 }
 
 std::vector<std::string> nearest(std::string_view word, const std::vector<std::string>& candidates) {
+  constexpr size_t longest_word = 64;  // longer ones are no slip of the finger
+  if (word.size() > longest_word) return {};
   size_t best = std::min<size_t>(3, word.size() / 3) + 1;  // one step too far
   std::vector<std::string> found;
   for (const std::string& candidate : candidates) {

@@ -1,0 +1,171 @@
+// vxnls parse number, integer
+#include <bit>
+#include <cmath>
+
+#include "cli/commands.h"
+#include "cli/for_each_value.h"
+#include "cli/json.h"
+#include "cli/number.h"
+#include "cli/options.h"
+#include "cli/session.h"
+#include "cli/text.h"
+#include "vxnls/explain_number.h"
+
+namespace vxcli {
+
+namespace {
+
+constexpr Option spaces{.name = "spaces", .help = "where a no-break space separates groups, a space does so too"};
+constexpr Option bits{.name = "bits", .help = "the bits of the double in hexadecimal"};
+constexpr Option hex{.name = "hex", .help = "hexadecimal digits, with or without 0x"};
+constexpr Option fraction{.name = "fraction", .help = "a fraction may follow and is dropped"};
+constexpr Option trailing_blanks{.name = "trailing-blanks", .help = "blanks may follow"};
+constexpr Option rest{.name = "rest", .help = "other text may follow behind a blank"};
+
+struct Type {
+  std::string_view word;
+  uint32_t kind;
+};
+constexpr Type types[] = {
+    {"int32", VX_NUMBER_INT32}, {"uint32", VX_NUMBER_UINT32}, {"int64", VX_NUMBER_INT64}, {"uint64", VX_NUMBER_UINT64}};
+constexpr std::string_view type_words[] = {"int32", "uint32", "int64", "uint64"};
+constexpr Option type{.name = "type",
+                      .value = "TYPE",
+                      .help = "what the number must fit; int64, or uint64 with --hex, when not given",
+                      .choices = type_words,
+                      .completes = Completes::choices};
+
+/// What is wrong, as words for the place where it stands.
+std::string describe(const VXNumberReading& reading, std::string_view text) {
+  const auto at = static_cast<size_t>(reading.fault_offset);
+  const std::string_view part = text.substr(std::min(at, text.size()), static_cast<size_t>(reading.fault_length));
+  const std::string stands = part.empty() ? "the end of the text" : in_quotes(part);
+  switch (reading.fault) {
+    case VX_FAULT_EMPTY: return "there is no number";
+    case VX_FAULT_NO_DIGIT: return stands + " stands where a digit is wanted";
+    case VX_FAULT_SIGN_ALONE: return stands + " follows the sign, not a digit";
+    case VX_FAULT_SIGN_REFUSED: return stands + " before a number that has no sign";
+    case VX_FAULT_LEADING_SEPARATOR: return "a group separator before the first digit";
+    case VX_FAULT_WRONG_POINT: return "\".\" is not the decimal point of the locale";
+    case VX_FAULT_POINT_ALONE: return "a decimal point without digits";
+    case VX_FAULT_MISSING_LETTER: return "\".\" followed by neither a digit nor the letter of a missing value";
+    case VX_FAULT_SECOND_POINT: return "a second decimal point";
+    case VX_FAULT_SEPARATOR_IN_FRACTION: return "a group separator after the decimal point";
+    case VX_FAULT_EXPONENT_WITHOUT_DIGITS: return stands + " stands where the digits of the exponent are wanted";
+    case VX_FAULT_EXPONENT_RANGE: return fmt::format("the exponent {} is outside -30800 to 30800", stands);
+    case VX_FAULT_POINT_IN_INTEGER: return "a decimal point in a whole number; --fraction drops what follows it";
+    case VX_FAULT_TEXT_AFTER: return stands + " follows the number";
+    case VX_FAULT_OVERFLOW: return stands + " is too large";
+    case VX_FAULT_UNDERFLOW: return stands + " is too small for a double";
+    default: return "it is not understood";
+  }
+}
+
+/// Reads one value; throws ValueError when the whole of it is not understood.
+VXNumberReading read(Invocation& invocation, std::string_view text, uint32_t kind, uint32_t flags) {
+  VXNumberReading reading;
+  const VXStatus asked = vxnlsExplainNumber(invocation.session.locale(), reinterpret_cast<const uint8_t*>(text.data()),
+                                            static_cast<int64_t>(text.size()), kind, flags, &reading);
+  if (asked != reading.status) fail_with_status(invocation.session.host(), "reading", asked);
+  const bool dropped = reading.fault == VX_FAULT_FRACTION_DISCARDED;
+  if (dropped) {
+    invocation.messages.note(fmt::format("{}: the fraction was dropped", in_quotes(text)));
+  } else if (reading.status != 0) {
+    refuse("at byte {}: {}", reading.fault_offset, describe(reading, text));
+  }
+  const std::string_view left = text.substr(static_cast<size_t>(reading.consumed));
+  if (!without_blanks(left).empty() && !invocation.arguments.has(rest)) {
+    refuse("at byte {}: {} follows the number", reading.consumed, in_quotes(left));
+  }
+  return reading;
+}
+
+std::string print(const Invocation& invocation, std::string_view text, const VXNumberReading& reading,
+                  std::string shown, Json extra) {
+  if (!invocation.arguments.has(options::json)) return shown;
+  Json object{{"value", text}, {"text", std::move(shown)}};
+  object.update(extra);
+  object["consumed"] = reading.consumed;
+  object["status"] = fmt::format("0x{:08x}", reading.status);
+  object["locale"] = invocation.session.locale_name();
+  return json_line(object);
+}
+
+ExitCode run_number(Invocation& invocation) {
+  const Arguments& arguments = invocation.arguments;
+  const uint32_t flags = arguments.has(spaces) ? NLS_READ_SPACE_SEPARATOR : 0;
+  return for_each_value(invocation, arguments.values(), [&](std::string_view text) {
+    if (without_blanks(text).empty()) refuse("there is no number");
+    const VXNumberReading reading = read(invocation, text, VX_NUMBER_DOUBLE, flags);
+    const double value = reading.value.number;
+    const std::string pattern = fmt::format("0x{:016x}", std::bit_cast<uint64_t>(value));
+    std::string shown = arguments.has(bits) ? pattern : plain_text(value);
+    const Json number = std::isfinite(value) ? Json(value) : Json(nullptr);
+    return print(invocation, text, reading, std::move(shown),
+                 {{"number", number},
+                  {"missing", std::isnan(value) ? Json(plain_text(value)) : Json(nullptr)},
+                  {"bits", pattern}});
+  });
+}
+
+ExitCode run_integer(Invocation& invocation) {
+  const Arguments& arguments = invocation.arguments;
+  const uint32_t flags = (arguments.has(hex) ? NLS_READ_HEXADECIMAL : 0) |
+                         (arguments.has(fraction) ? NLS_READ_FRACTION : 0) |
+                         (arguments.has(trailing_blanks) ? NLS_READ_TRAILING_BLANKS : 0) |
+                         (arguments.has(spaces) ? NLS_READ_SPACE_SEPARATOR : 0);
+  uint32_t kind = arguments.has(hex) ? VX_NUMBER_UINT64 : VX_NUMBER_INT64;
+  if (const auto word = arguments.value(type)) {
+    for (const Type& each : types) {
+      if (each.word == *word) kind = each.kind;
+    }
+  }
+  const bool is_signed = kind == VX_NUMBER_INT32 || kind == VX_NUMBER_INT64;
+  if (is_signed && arguments.has(hex))
+    fail(ExitCode::usage, "--hex reads numbers without a sign: --type uint32 or uint64");
+  return for_each_value(invocation, arguments.values(), [&](std::string_view text) {
+    if (without_blanks(text).empty()) refuse("there is no number");
+    const VXNumberReading reading = read(invocation, text, kind, flags);
+    return is_signed ? print(invocation, text, reading, std::to_string(reading.value.signed_integer),
+                             {{"number", reading.value.signed_integer}})
+                     : print(invocation, text, reading, std::to_string(reading.value.unsigned_integer),
+                             {{"number", reading.value.unsigned_integer}});
+  });
+}
+
+constexpr Argument arguments[] = {{.name = "TEXT",
+                                   .help = "what is read, negative numbers behind \"--\"; without one, every line of "
+                                           "standard input",
+                                   .repeats = true}};
+constexpr const Option* number_options[] = {&spaces, &bits, &rest, &options::json};
+constexpr const Option* integer_options[] = {&type, &hex, &fraction, &trailing_blanks, &spaces, &rest, &options::json};
+
+constexpr Example number_examples[] = {{"vxnls parse number 1.234.567,89 --locale de_DE", "1234567.89"},
+                                       {"vxnls parse number '1 234,5' --locale fr_CA --spaces", "1234.5"},
+                                       {"vxnls parse number 0.1 --locale en_US --bits", "0x3fb999999999999a"}};
+constexpr Example integer_examples[] = {{"vxnls parse integer 0xFF --hex", "255"},
+                                        {"vxnls parse integer 1.234.567 --locale de_DE", "1234567"}};
+
+}  // namespace
+
+const Command parse_number{
+    .name = "number",
+    .summary = "Reads numbers as the locale writes them",
+    .description =
+        "The locale's decimal point and group separator count; where the separators stand does not. An exponent may "
+        "follow (1e6, 1D6). \".A\" to \".Z\" and \"._\" are special missing values and printed as such.",
+    .arguments = arguments,
+    .options = number_options,
+    .examples = number_examples,
+    .run = run_number};
+
+const Command parse_integer{
+    .name = "integer",
+    .summary = "Reads whole numbers as the locale writes them",
+    .description = "The locale's group separator may stand between the digits, wherever it likes.",
+    .arguments = arguments,
+    .options = integer_options,
+    .examples = integer_examples,
+    .run = run_integer};
+
+}  // namespace vxcli
