@@ -247,7 +247,7 @@ class Parser {
 
   std::string json(const VXExplanation& told, std::string_view text, const std::string& written) const {
     Json object{{"value", text}, {"text", written}};
-    if (kind_ == DatetimeKind::date) object["day"] = told.value;
+    if (kind_ == DatetimeKind::date) object["day"] = static_cast<int64_t>(told.value);
     else object["seconds"] = told.value;
     object["consumed"] = told.consumed;
     object["rest"] = text.substr(static_cast<size_t>(told.consumed));
