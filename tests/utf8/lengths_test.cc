@@ -1,10 +1,10 @@
 // Every string of up to three bytes, and a part of those of four, through every function that steps, measures or
 // judges.
 #include <gtest/gtest.h>
+#include <regex.h>
 
 #include <array>
 #include <cstdlib>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -26,35 +26,42 @@ size_t kind_of(unsigned byte) {
   return kind;
 }
 
-const std::regex& trusting() {
-  static const std::regex rule("^([0ac]|[x2].?|3.{0,2}|[4y].{0,3}|5.{0,4}|6.{0,5})");
-  return rule;
-}
-const std::regex& checking() {
-  static const std::regex rule("^([0ac]|[x2]c?|3c{0,2}|[4y]c{0,3}|5c{0,4}|6c{0,5})");
-  return rule;
-}
+/// A rule over kinds, as an extended regular expression.
+class Rule {
+ public:
+  explicit Rule(const char* pattern) {
+    if (regcomp(&compiled_, pattern, REG_EXTENDED) != 0) std::abort();
+  }
+  ~Rule() { regfree(&compiled_); }
+  Rule(const Rule&) = delete;
+  Rule& operator=(const Rule&) = delete;
 
-const std::regex& whole_character() {
-  static const std::regex rule("^([0a]|2c|3cc|4ccc)");
-  return rule;
-}
+  /// How much of the text's start it takes; -1 when none.
+  int64_t taken(const std::string& text) const {
+    regmatch_t match;
+    return regexec(&compiled_, text.c_str(), 1, &match, 0) == 0 ? match.rm_eo : -1;
+  }
+  int64_t count(std::string text) const {
+    int64_t characters = 0;
+    for (; !text.empty(); ++characters) text.erase(0, static_cast<size_t>(taken(text)));
+    return characters;
+  }
 
-int64_t count_by(const std::regex& rule, std::string text) {
-  int64_t count = 0;
-  for (; !text.empty(); ++count) text = std::regex_replace(text, rule, "");
-  return count;
-}
+ private:
+  regex_t compiled_;
+};
+
+const Rule trusting("^([0ac]|[x2].?|3.{0,2}|[4y].{0,3}|5.{0,4}|6.{0,5})");
+const Rule checking("^([0ac]|[x2]c?|3c{0,2}|[4y]c{0,3}|5c{0,4}|6c{0,5})");
+const Rule well_formed_character("^([0a]|2c|3cc|4ccc)");
+const Rule valid_lead("^[0a234]");
 
 int64_t whole_prefix(const std::string& text) {
-  static const std::regex closed("^(.*[0a]|)$"), tail("^(.*)([^c]c*)$");
-  if (std::regex_match(text, closed)) return static_cast<int64_t>(text.size());
-  std::smatch parts;
-  if (!std::regex_match(text, parts, tail)) return 0;  // continuation bytes only
-  const std::string last = parts[2];
-  if (!std::regex_search(last, std::regex("^[0a234]"))) return 0;
-  std::smatch whole;
-  return parts[1].length() + (std::regex_search(last, whole, whole_character()) ? whole.length() : 0);
+  if (text.empty() || text.back() == '0' || text.back() == 'a') return static_cast<int64_t>(text.size());
+  const size_t last = text.find_last_not_of('c');
+  if (last == std::string::npos || valid_lead.taken(text.substr(last)) < 0) return 0;
+  const int64_t whole = well_formed_character.taken(text.substr(last));
+  return static_cast<int64_t>(last) + (whole > 0 ? whole : 0);
 }
 
 struct Expected {
@@ -64,17 +71,15 @@ struct Expected {
 
 Expected expected_of(const std::string& text) {
   const std::string to_nul = text.substr(0, text.find('0'));
-  std::smatch first;
-  std::regex_search(text, first, checking());
-  return {count_by(trusting(), text),
-          count_by(trusting(), to_nul),
+  return {trusting.count(text),
+          trusting.count(to_nul),
           whole_prefix(text),
           whole_prefix(to_nul),
-          first.length(),
-          count_by(checking(), text),
-          count_by(checking(), to_nul),
+          checking.taken(text),
+          checking.count(text),
+          checking.count(to_nul),
           static_cast<int64_t>(to_nul.size()),
-          std::regex_search(text, whole_character())};
+          well_formed_character.taken(text) > 0};
 }
 
 /// Expectations of all strings of n kinds, by the number that the kinds spell in base ten.
