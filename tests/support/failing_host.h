@@ -14,17 +14,17 @@
 
 namespace vxtest {
 
-#define VX_HOST_OPERATIONS(X)                                                                                          \
-  X(create_pool)                                                                                                       \
-  X(allocate)                                                                                                          \
-  X(free)                                                                                                              \
-  X(destroy_pool)                                                                                                      \
-  X(create_lock) X(acquire) X(release_lock) X(destroy_lock) X(create_track) X(find) X(insert) X(release_entry)         \
-      X(set_destroy) X(destroy_track) X(create_journal) X(message_to_buffer) X(message_to_journal) X(status_to_buffer) \
-          X(status_to_journal) X(get_locale) X(find_logger) X(create_logger) X(load_extension) X(destroy_extension)    \
-              X(fill) X(test_class) X(lookup_locale) X(normalise_zone) X(os_zone) X(open_zone) X(close_zone)           \
-                  X(zone_offset) X(describe_zone) X(read_option) X(lower) X(upper) X(create_normaliser) X(normalise)   \
-                      X(compare) X(format_double)
+// clang-format off
+#define VX_HOST_OPERATIONS(X) \
+  X(create_pool) X(allocate) X(free) X(destroy_pool) \
+  X(create_lock) X(acquire) X(release_lock) X(destroy_lock) \
+  X(create_track) X(find) X(insert) X(release_entry) X(set_destroy) X(destroy_track) \
+  X(create_journal) X(message_to_buffer) X(message_to_journal) X(status_to_buffer) X(status_to_journal) \
+  X(get_locale) X(find_logger) X(create_logger) \
+  X(load_extension) X(destroy_extension) X(fill) X(test_class) \
+  X(lookup_locale) X(normalise_zone) X(os_zone) X(open_zone) X(close_zone) X(zone_offset) X(describe_zone) \
+  X(read_option) X(lower) X(upper) X(create_normaliser) X(normalise) X(compare) X(format_double)
+// clang-format on
 
 enum class Op {
 #define VX_OPERATION(name) name,
