@@ -43,10 +43,10 @@ class SoftExtended {
   friend constexpr SoftExtended operator/(SoftExtended a, SoftExtended b) {
     const int shift = a.significand_ < b.significand_ ? 64 : 63;  // gives a quotient of exactly 64 bits
     const Wide dividend = static_cast<Wide>(a.significand_) << shift;
-    const uint64_t remainder = static_cast<uint64_t>(dividend % b.significand_);
-    const uint64_t to_next = b.significand_ - remainder;
-    return SoftExtended(static_cast<uint64_t>(dividend / b.significand_), a.exponent_ - b.exponent_ - shift,
-                        remainder >= to_next, remainder == to_next);
+    const auto quotient = static_cast<uint64_t>(dividend / b.significand_);
+    const auto remainder = static_cast<uint64_t>(dividend % b.significand_);
+    // Never a tie: twice the quotient and 1, an odd number of 65 bits, would have to divide a significand of 64.
+    return SoftExtended(quotient, a.exponent_ - b.exponent_ - shift, remainder >= b.significand_ - remainder, false);
   }
 
   friend constexpr SoftExtended operator+(SoftExtended a, SoftExtended b) {

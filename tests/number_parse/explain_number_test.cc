@@ -53,6 +53,7 @@ TEST(ExplainNumber, FaultsAndTheirPlaces) {
       {i32, "1.5\u2019", NLS_READ_FRACTION, VX_FAULT_SEPARATOR_IN_FRACTION, 3, 3},
       {i32, "1.5x", NLS_READ_FRACTION, VX_FAULT_TEXT_AFTER, 3, 1},
       {i64, "12 \u20ac", NLS_READ_TRAILING_BLANKS, VX_FAULT_TEXT_AFTER, 3, 3},
+      {i64, "12 .", NLS_READ_TRAILING_BLANKS, VX_FAULT_TEXT_AFTER, 3, 1},
       {i32, " -3000000000\u20190 ", 0, VX_FAULT_OVERFLOW, 1, 15},
   };
   vxtest::PlainLocale locale;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cinttypes>
 #include <cmath>
 #include <cstdlib>
 #include <random>
@@ -116,6 +117,7 @@ TEST(ReadDouble, Texts) {
       {english, U"2.4703282292062327e-324", VX_E_UNDERFLOW, 23, missing},
       {english, U"1E30800", VX_E_OVERFLOW, 7, missing},
       {english, U"1E-30801", VX_E_RANGE, 8, missing},
+      {english, U"1E308000", VX_E_RANGE, 8, missing},
       {english, U"0E99999999999999999999999999x", VX_E_RANGE, 28, missing},
       // Not numbers.
       {english, U" \t", VX_E_NOTNUMBER, 2, missing},
@@ -206,7 +208,7 @@ TEST(ReadDouble, Doors) {
   for (const int32_t length : {-1, INT32_MIN}) {
     value = 7;
     consumed = 7;
-    EXPECT_EQ(NLSBufToDouble(locale.get(), text, length, &value, &consumed), VX_E_NOTNUMBER);
+    EXPECT_EQ(NLSBufToDouble(locale.get(), nullptr, length, &value, &consumed), VX_E_NOTNUMBER);
     EXPECT_EQ(bits(value), bits(qmMissVal('.')));
     EXPECT_EQ(consumed, 0);
   }
@@ -216,12 +218,13 @@ TEST(ReadDouble, Doors) {
   EXPECT_EQ(NLSBufToDouble(locale.get(), text, 5, &value, nullptr), VX_E_NULL);
 
   // A separator that the converter does not know, or that nobody can convert, is ",".
-  locale.data.groupSeparator = U'\u202F';
   const auto ascii = reinterpret_cast<const uint8_t*>("1,2.5");
-  for (VXConverter* const converter : {&quote_converter, static_cast<VXConverter*>(nullptr)}) {
-    EXPECT_EQ(NLSBufToDoubleA(locale.get(), ascii, 5, &value, &consumed, converter), 0u);
-    EXPECT_EQ(value, 12.5);
-  }
+  for (const VXChar separator : {0x80u, 0x202Fu})
+    for (VXConverter* const converter : {&quote_converter, static_cast<VXConverter*>(nullptr)}) {
+      locale.data.groupSeparator = separator;
+      EXPECT_EQ(NLSBufToDoubleA(locale.get(), ascii, 5, &value, &consumed, converter), 0u);
+      EXPECT_EQ(value, 12.5);
+    }
 }
 
 /// Texts of every kind: mostly numbers, near every border of the conversion, and some that are none.
@@ -360,6 +363,36 @@ TEST(ReadDouble, AgreesWithTheModel) {
   }
   EXPECT_GT(numbers, 3'000'000);
   EXPECT_GT(rounded, numbers * 9 / 10);
+}
+
+/// What docs/numbers.md promises to be correctly rounded without exception.
+TEST(ReadDouble, CertainTexts) {
+  std::mt19937_64 random(4);
+  const auto read = [](const std::string& text) {
+    double value = 0;
+    int64_t consumed = 0;
+    NLSBufToDoubleU(nullptr, reinterpret_cast<const uint8_t*>(text.data()), static_cast<int32_t>(text.size()), &value,
+                    &consumed);
+    return value;
+  };
+  char text[64];
+  for (int i = 0; i < 500'000; ++i) {
+    const uint64_t whole = random() >> random() % 64;
+    std::snprintf(text, sizeof text, "%" PRIu64, whole);
+    ASSERT_EQ(read(text), static_cast<double>(whole)) << text;
+
+    const uint64_t digits = random() % 1'000'000'000'000'000;
+    const uint64_t units[] = {1, 10, 100, 1000, 10000};
+    const auto decimals = 1 + static_cast<int>(random() % 4);
+    std::snprintf(text, sizeof text, "%" PRIu64 ".%0*" PRIu64, digits / units[decimals], decimals,
+                  digits % units[decimals]);
+    ASSERT_EQ(read(text), std::strtod(text, nullptr)) << text;
+
+    const double value = std::bit_cast<double>(random());
+    if (!std::isfinite(value)) continue;
+    std::snprintf(text, sizeof text, "%.16e", value);
+    ASSERT_EQ(read(text), value) << text;
+  }
 }
 
 }  // namespace
