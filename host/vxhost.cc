@@ -117,7 +117,10 @@ VXStatus VXHost::start() {
   static constexpr VXJournalAttributes attributes{};
   VXJournal* const journal = kernel.ops->create_journal(&kernel, &attributes, 0, "vxnlsloc");
   module = library->module_entry()(&kernel, journal);
-  if (module == nullptr) return VX_E_MEMORY;
+  if (module == nullptr) {
+    open_failure = "libvxnlsloc.so made no module: " + kernel.status_text(VX_E_MEMORY);
+    return VX_E_MEMORY;
+  }
   int64_t major = 0;
   int64_t minor = 0;
   int64_t revision = 0;

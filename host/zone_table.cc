@@ -14,9 +14,9 @@ namespace {
 
 constexpr size_t longest_identifier = 50;  // what a caller has room for
 
-/// Identifiers become file names: nothing that leaves the folder gets in.
+/// Identifiers become file names: nothing that leaves the folder gets in, so none begins with "/" or has a ".".
 bool is_identifier(std::string_view name) {
-  return !name.empty() && name.size() <= longest_identifier && name.front() != '/' && name.find("..") == name.npos &&
+  return !name.empty() && name.size() <= longest_identifier && name.front() != '/' &&
          name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_+-/") == name.npos;
 }
 

@@ -95,6 +95,7 @@ TEST_F(Host, WritesByTheZoneInForce) {
 TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
   VXLocale* made = nullptr;
   const std::string long_name(10000, 'a');
+  const std::string longish_name(200, 'a');
   static constexpr char utc[] = "UTC";
   const struct {
     const char *name, *zone;
@@ -114,6 +115,8 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
       {"de_DE", "/usr/share/zoneinfo/Europe/Berlin", VX_E_ZONE},
       {"de_DE", "Europe/B\xFF", VX_E_ZONE},
       {"de_DE", long_name.c_str(), VX_E_ZONE},
+      {"de_DE", longish_name.c_str(), VX_E_ZONE},
+      {longish_name.c_str(), utc, VX_E_NOMATCH},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.name != nullptr ? c.name : "null").substr(0, 20) + " in " +
@@ -200,8 +203,8 @@ TEST_F(Host, AnUnknownSystemZoneIsNewYorkWithOneLine) {
   EXPECT_EQ(entries[0].text, "Invalid OS TIMEZONE value is detected. Use default TIMEZONE value instead");
   VXHostZoneInfo info;
   EXPECT_EQ(vxhostZoneInfo(host, nullptr, VX_ZONE_FROM_UTC, 0, &info), VX_E_ZONE) << "no stand-in here";
-  setenv("TZ", "Asia/Tokyo", 1);
-  EXPECT_EQ(locale("en_US", nullptr), locale("en_US", "Japan"));
+  setenv("TZ", "japan", 1);
+  EXPECT_EQ(locale("en_US", nullptr), locale("en_US", "Asia/Tokyo"));
   EXPECT_EQ(vxhostZoneInfo(host, nullptr, VX_ZONE_FROM_UTC, 0, &info), 0u);
   EXPECT_STREQ(info.id, "Asia/Tokyo");
   EXPECT_EQ(entries.size(), 1u);
@@ -367,6 +370,29 @@ TEST(HostOpening, SaysWhatIsMissing) {
   unsetenv("VXHOST_PATH");
   vxhostClose(nullptr);
   EXPECT_EQ(vxhostAlive(), 0) << alive();
+}
+
+TEST(HostOpening, TakesNoUnfitLibrary) {
+  static constexpr struct {
+    const char* library;
+    VXStatus status;
+    const char* reason;
+  } cases[] = {
+      {"other_version", VX_E_ROOM, "7.1"},
+      {"no_module", VX_E_MEMORY, ""},
+      {"newer_host_wanted", VX_E_ROOM, "6.2.0"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.library);
+    const vxtest::TemporaryFolder folder;
+    folder.link(UNFIT_LIBRARIES + std::string(c.library) + ".so", "libvxnlsloc.so");
+    VXHost* host = nullptr;
+    EXPECT_EQ(vxhostOpen(folder.path().c_str(), &host), c.status);
+    EXPECT_EQ(host, nullptr);
+    EXPECT_NE(std::string(vxhostOpenFailure()).find(c.reason), std::string::npos) << vxhostOpenFailure();
+    EXPECT_NE(std::string(vxhostOpenFailure()), "");
+    EXPECT_EQ(vxhostAlive(), 0) << alive();
+  }
 }
 
 }  // namespace

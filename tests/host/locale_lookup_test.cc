@@ -49,6 +49,7 @@ TEST(LocaleLookup, Names) {
       {"uz_UZ@cyrillic", "uz_Cyrl_UZ", same},
       {"iw_IL", "he_IL", same},
       {"no_NO", "no", same},
+      {"no_Latn_NO", "no", same},
       {"no_NO_NY", "nn_NO", same},
       {"ars", "ar_SA", same},
       {"tl_PH", "fil_PH", same},

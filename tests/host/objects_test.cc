@@ -20,6 +20,11 @@ TEST(Pool, GivesBlocksThatAreItsOwn) {
   VXPool* const pool = new vxhost::Pool;
   VXPool* const other = new vxhost::Pool;
   std::vector<void*> blocks;
+  for (const int64_t bytes : {int64_t{24}, int64_t{1016}, int64_t{49248}}) {  // memory that was used before
+    void* const dirty = pool->ops->allocate(pool, bytes, 0);
+    std::fill_n(static_cast<uint8_t*>(dirty), bytes, uint8_t{0x5A});
+    pool->ops->free(pool, dirty);
+  }
   for (const int64_t bytes : {int64_t{0}, int64_t{1}, int64_t{24}, int64_t{1016}, int64_t{49248}}) {
     auto* const block = static_cast<uint8_t*>(pool->ops->allocate(pool, bytes, VX_ZERO_FILL));
     ASSERT_NE(block, nullptr);
@@ -58,6 +63,13 @@ TEST(Lock, ExcludesAndNests) {
   }
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(sum, 160000);
+
+  lock->ops->acquire(lock, 1, 1);
+  lock->ops->acquire(lock, 1, 1);
+  lock->ops->release(lock);
+  EXPECT_TRUE(static_cast<vxhost::Lock*>(lock)->held());
+  lock->ops->release(lock);
+  EXPECT_FALSE(static_cast<vxhost::Lock*>(lock)->held());
   lock->ops->destroy(lock);
 }
 
