@@ -76,15 +76,14 @@ void collect_owners(const Path& path, std::string_view spelling, Words& owners) 
 
 /// What the parsing library has to say, in the command's own words.
 [[noreturn]] void explain(const CLI::ParseError& error, const std::vector<const Option*>& options) {
+  // Its texts begin with the option's name, some with dashes and some without.
   const std::string_view text = error.what();
+  const std::string_view bare = text.substr(std::min(text.find_first_not_of('-'), text.size()));
+  const std::string_view name = bare.substr(0, bare.find_first_of(": "));
   for (const Option* option : options) {
-    const std::string name = spelled(*option);
-    if (!text.starts_with(name) ||
-        (text.size() > name.size() && text[name.size()] != ':' && text[name.size()] != ' ')) {
-      continue;
-    }
-    if (option->is_flag()) fail(ExitCode::usage, "option {} takes no value", name);
-    fail(ExitCode::usage, "option {} wants a value: {} {}", name, name, option->value);
+    if (name != option->name && name != std::string_view(&option->letter, 1)) continue;
+    if (option->is_flag()) fail(ExitCode::usage, "option {} takes no value", spelled(*option));
+    fail(ExitCode::usage, "option {} wants a value: {} {}", spelled(*option), spelled(*option), option->value);
   }
   fail(ExitCode::usage, "{}", text);
 }
