@@ -297,16 +297,18 @@ constexpr const Option* time_options[] = {&lenient,    &style::time, &pattern, &
 constexpr const Option* datetime_options[] = {&lenient,   &pattern, &rest,         &to_pattern,
                                               &to_locale, &explain, &options::json};
 
-constexpr Example date_examples[] = {{"vxnls parse date '31. Dezember 2021' --locale de_DE --lenient", ""},
-                                     {"vxnls parse date 'W53 2020' --as week-iso", ""},
-                                     {"vxnls parse date 03/04/2021 --locale en_GB --to '%#d %B %Y'", ""}};
-constexpr Example time_examples[] = {{"vxnls parse time '12:05 am' --locale en_US --lenient", ""},
-                                     {"vxnls parse time 14.05.09 --pattern '%H.%M.%S'", ""},
-                                     {"vxnls parse time 14:05 --locale de_DE --style short --to '%I:%M %p'", ""}};
+constexpr Example date_examples[] = {{"vxnls parse date '31. Dezember 2021' --locale de_DE --lenient", "2021-12-31"},
+                                     {"vxnls parse date 'W53 2020' --as week-iso", "2020-12-28"},
+                                     {"vxnls parse date 03/04/2021 --locale en_GB --to '%#d %B %Y'", "3 April 2021"}};
+constexpr Example time_examples[] = {
+    {"vxnls parse time '12:05 am' --locale en_US --lenient", "00:05:00"},
+    {"vxnls parse time 14.05.09 --pattern '%H.%M.%S'", "14:05:09"},
+    {"vxnls parse time 14:05 --locale de_DE --style short --to '%I:%M %p'", "02:05 PM"}};
 constexpr Example datetime_examples[] = {
-    {"vxnls parse datetime '2021-03-04T10:20:30' --zone Europe/Berlin", ""},
-    {"vxnls parse datetime '2021-07-04 10:20:30 +0000' --zone Europe/Berlin --pattern '%Y-%m-%d %H:%M:%S %z'", ""},
-    {"vxnls parse datetime '3/4/2021 2:05 PM' --locale en_US --lenient", ""}};
+    {"vxnls parse datetime '2021-03-04T10:20:30' --zone Europe/Berlin", "2021-03-04T10:20:30"},
+    {"vxnls parse datetime '2021-07-04 10:20:30 +0000' --zone Europe/Berlin --pattern '%Y-%m-%d %H:%M:%S %z'",
+     "2021-07-04T12:20:30"},
+    {"vxnls parse datetime '3/4/2021 2:05 PM' --locale en_US --lenient", "2021-03-04T14:05:00"}};
 
 }  // namespace
 
