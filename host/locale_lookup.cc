@@ -94,9 +94,8 @@ std::optional<std::string> parent_locale(const icu::Locale& wanted) {
   const std::string language = wanted.getLanguage();
   if (of_language(language).empty()) return std::nullopt;
   const std::string script = script_of(wanted);
-  const std::string in_script = language + '_' + script;
-  if (*wanted.getScript() != 0 && is_available(in_script)) return in_script;
   if (script_of(icu::Locale(language.c_str())) == script) return language;
+  const std::string in_script = language + '_' + script;
   return is_available(in_script) ? in_script : "root";
 }
 

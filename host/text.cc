@@ -25,7 +25,7 @@ bool decode_name(std::string_view utf8, ShortName& name) {
 bool ascii_name(const VXChar* text, int64_t length, char* bytes, int64_t room) {
   if (length < 0 || length > room || (text == nullptr && length > 0)) return false;
   for (int64_t i = 0; i < length; ++i) {
-    if (text[i] == 0 || text[i] > 0x7F) return false;
+    if (text[i] > 0x7F) return false;
     bytes[i] = static_cast<char>(text[i]);
   }
   return true;

@@ -22,7 +22,7 @@ int64_t decode(std::string_view utf8, VXChar* out, int64_t room);
 /// Decodes a name. False when it is not well-formed UTF-8 or too long for any name.
 bool decode_name(std::string_view utf8, ShortName& name);
 
-/// The name as ASCII bytes. False when it holds anything else (NUL included), is negative or longer than `room`.
+/// The name as ASCII bytes. False when it holds anything else, or its length is negative or above `room`.
 bool ascii_name(const VXChar* text, int64_t length, char* bytes, int64_t room);
 
 /// Appends a code point; U+FFFD for one that no text can hold.

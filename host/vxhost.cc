@@ -301,8 +301,15 @@ VXStatus vxhostForEachFallback(VXHost* host, const char* locale,
     const vxhost::ResolvedLocale resolved = vxhost::resolve_locale(locale);
     if (resolved.status == VX_E_NOMATCH) return resolved.status;
     const VXStatus walked = host->database_ops().for_each_fallback(host->database(), resolved.name.c_str(), each, user);
-    return walked != 0 ? walked : resolved.status;
+    return walked != 0 && walked != VX_W_FILL ? walked : resolved.status;
   });
+}
+
+VXStatus vxhostCheckRecord(VXHost* host, const VXLocaleData* record,
+                           int (*each)(void* user, const char* rule, const char* entry, const char* text), void* user) {
+  if (host == nullptr || record == nullptr || each == nullptr) return VX_E_NULL;
+  return guarded<VXStatus>(VX_E_MEMORY,
+                           [&] { return host->database_ops().check(host->database(), record, each, user); });
 }
 
 const char* vxhostVersions(VXHost* host) { return host != nullptr ? host->versions.c_str() : ""; }

@@ -1,5 +1,6 @@
 // The reference host as a program meets it: opening, locales, journals, options, and nothing alive after the end.
 #include <dlfcn.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -324,6 +325,25 @@ TEST_F(Host, HasATextForEveryStatus) {
   EXPECT_STREQ(text, "0x80000001");
   EXPECT_EQ(vxhostStatusText(host, VX_E_ZONE, text, 11), VX_E_TRUNCATED);
   EXPECT_STREQ(text, "0x803fe83c");
+}
+
+TEST(HostOpening, JournalsToStandardErrorWhenTheEnvironmentSaysSo) {
+  setenv("VXHOST_JOURNAL", "stderr", 1);
+  setenv("VXHOST_PATH", "some/folder", 1);
+  testing::internal::CaptureStderr();
+  VXHost* host = nullptr;
+  ASSERT_EQ(vxhostOpen(nullptr, &host), 0u);
+  unsetenv("VXHOST_JOURNAL");
+  unsetenv("VXHOST_PATH");
+  VXHandle* const kernel = vxhostContext(host)->kernel;
+  static constexpr VXJournalAttributes attributes{};
+  VXJournal* const journal = kernel->ops->create_journal(kernel, &attributes, 0, "a journal");
+  vxlStatusToJnl(journal, 4, static_cast<int32_t>(VX_E_ZONE));
+  vxhostClose(host);
+  const std::string text = testing::internal::GetCapturedStderr();
+  const std::string time = "20[0-9-]*T[0-9:]*[.][0-9]*Z ";
+  EXPECT_THAT(text, testing::MatchesRegex(time + "host level 3: VXHOST_PATH: some/folder is refused: [^\n]*\n" + time +
+                                          "a journal level 4: 0x803fe83c: no time zone has this name\n"));
 }
 
 TEST(HostOpening, SaysWhatIsMissing) {
