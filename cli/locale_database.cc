@@ -2,7 +2,6 @@
 
 #include "cli/session.h"
 #include "cli/text.h"
-#include "host/locale_database_ops.h"
 
 namespace vxcli {
 
@@ -46,9 +45,8 @@ std::vector<LocaleDatabase::Fallback> LocaleDatabase::fallbacks(const std::strin
 
 std::vector<LocaleDatabase::Violation> LocaleDatabase::violations(const VXLocaleData& record) const {
   std::vector<Violation> all;
-  VXLocaleDatabase* const self = database(host_);
-  reinterpret_cast<const VXHostLocaleDatabaseOps*>(self->ops)->check(
-      self, &record,
+  vxhostCheckRecord(
+      host_, &record,
       [](void* user, const char* rule, const char* entry, const char* text) {
         static_cast<std::vector<Violation>*>(user)->push_back({rule, entry, text});
         return 0;

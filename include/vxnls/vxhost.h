@@ -131,6 +131,14 @@ VX_API VXStatus vxhostForEachFallback(VXHost* host, const char* locale,
                                       int (*each)(void* user, const char* entry, const char* used, const char* reason),
                                       void* user);
 
+/// Holds the record of a locale against the rules of docs/locale-data.md and calls `each` for every one that is broken:
+/// the rule ("R6"), the member of VXLocaleData, and what is wrong, in UTF-8 that is valid during the call. A non-zero
+/// result of `each` ends the walk. Any bytes may stand in the record.
+/// Returns 0; 0x803fe831 for a null argument; 0x803fc002 memory exhausted.
+VX_API VXStatus vxhostCheckRecord(VXHost* host, const VXLocaleData* record,
+                                  int (*each)(void* user, const char* rule, const char* entry, const char* text),
+                                  void* user);
+
 /// Versions of what stands behind the host, as "ICU 72.1; CLDR 42; Unicode 15.0; tz 2026f". Valid until vxhostClose.
 VX_API const char* vxhostVersions(VXHost* host);
 
