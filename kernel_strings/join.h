@@ -16,9 +16,7 @@ class Joiner {
   /// A negative room r means -r - 1 units and a NUL after them; otherwise what is left over becomes blank.
   Joiner(VXChar* out, int64_t room, VXChar separator)
       : out_(out),
-        room_(out == nullptr ? 0
-              : room < 0     ? ~room
-                             : room),
+        room_(out == nullptr ? 0 : std::max(room, ~room)),  // ~room is -room - 1
         terminated_(room < 0),
         separator_(separator) {}
 

@@ -64,10 +64,10 @@ class InPlace {
     at_ += count;
     return true;
   }
+  // Never behind the character that is read: what follows a grown one has become continuation bytes.
   bool unchanged(ByteView character) {
-    const int64_t count = std::min(character.length, end_ - at_);
-    if (at_ != character.bytes) memmove(at_, character.bytes, static_cast<size_t>(count));
-    at_ += count;
+    if (at_ != character.bytes) memmove(at_, character.bytes, static_cast<size_t>(character.length));
+    at_ += character.length;
     return true;
   }
   // Kept on purpose: a character that grows overwrites the input behind it.
