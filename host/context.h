@@ -3,11 +3,12 @@
 #define VXNLS_HOST_CONTEXT_H
 
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "host/kernel.h"
+#include "host/text_map.h"
 #include "host/zone_service.h"
 #include "host/zone_table.h"
 #include "vxnls/locale.h"
@@ -39,14 +40,10 @@ class Context final : public HostContext {
     VXChar text[62];
     VXLocaleRecord record;
   };
-  struct Hash {
-    using is_transparent = void;
-    size_t operator()(std::string_view key) const noexcept { return std::hash<std::string_view>()(key); }
-  };
 
   const ZoneTable& zone_table_;
   ZoneService zone_service_;
-  std::unordered_map<std::string, CachedLocale, Hash, std::equal_to<>> locales_;
+  TextMap<CachedLocale> locales_;
 
   std::mutex zone_mutex_;
   bool zone_is_known_ = false;

@@ -4,11 +4,10 @@
 
 #include <cstdint>
 #include <mutex>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "host/accounting.h"
+#include "host/text_map.h"
 #include "vxnls/host.h"
 
 namespace vxhost {
@@ -31,13 +30,9 @@ class Track final : public VXTrack, Counted<Kind::track> {
   struct Entry final : VXTrackEntry, Counted<Kind::entry> {
     int64_t references = 0;
   };
-  struct Hash {
-    using is_transparent = void;
-    size_t operator()(std::string_view key) const noexcept { return std::hash<std::string_view>()(key); }
-  };
 
   std::mutex mutex_;
-  std::unordered_map<std::string, Entry, Hash, std::equal_to<>> entries_;
+  TextMap<Entry> entries_;
   VXTrackDestroy destroy_ = nullptr;
 };
 

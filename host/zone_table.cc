@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace vxhost {

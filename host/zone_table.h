@@ -2,11 +2,11 @@
 #ifndef VXNLS_HOST_ZONE_TABLE_H
 #define VXNLS_HOST_ZONE_TABLE_H
 
-#include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
+
+#include "host/text_map.h"
 
 namespace vxhost {
 
@@ -35,14 +35,9 @@ class ZoneTable {
   const std::string& version() const { return version_; }
 
  private:
-  struct Hash {
-    using is_transparent = void;
-    size_t operator()(std::string_view key) const noexcept { return std::hash<std::string_view>()(key); }
-  };
-
   std::string folder_;
   std::string version_;
-  std::unordered_map<std::string, Identifier, Hash, std::equal_to<>> by_folded_name_;
+  TextMap<Identifier> by_folded_name_;
   std::vector<const Identifier*> in_order_;
 };
 
