@@ -15,7 +15,7 @@ function(vx_rooms)
 endfunction()
 
 # libvxnlsloc.so, linked as C: it needs the C library and nothing else. module/exports.txt is the one list of exports;
-# module/shared_addresses.txt names the functions whose address a program and the library must agree on.
+# module/shared_addresses.txt names the functions and data whose address a program and the library must agree on.
 function(vx_link_library)
   set(exports ${PROJECT_SOURCE_DIR}/module/exports.txt)
   set(shared ${PROJECT_SOURCE_DIR}/module/shared_addresses.txt)
