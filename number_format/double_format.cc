@@ -156,7 +156,7 @@ struct DoubleField {
     return put_fixed(field, parts, negative, false, status);
   }
 
-  VXStatus missing(int32_t width, int32_t decimals, bool in_field, const NLSDoubleExOpts* extended,
+  VXStatus missing(int32_t width, int64_t decimals, bool in_field, const NLSDoubleExOpts* extended,
                    double value) const {
     const int32_t code = missing_code(value);
     VXStatus status = 0;
@@ -253,12 +253,13 @@ VXStatus DoubleField<Flavour>::fixed(int32_t width, int64_t decimals, bool best,
     decimals = default_decimals;
   }
   if (n > room || n == widest_field) return exponent_to_fit(field, magnitude, negative, reports);
+  const bool grouped = (flags & flag_group) != 0 && reports;
   const bool asked = reports && !best;  // best decimals ask for none, so that none can be missing
   if (room == 0) {
     if (magnitude >= 0.5) return exponent_to_fit(field, magnitude, negative, reports);
     NumberParts nothing;
     nothing.whole = {&zero, 1};
-    return put_fixed(field, nothing, false, false, asked && decimals > 0 ? VX_W_PRECISION : 0);
+    return put_fixed(field, nothing, false, grouped, asked && decimals > 0 ? VX_W_PRECISION : 0);
   }
 
   VXStatus status = 0;
@@ -299,7 +300,7 @@ VXStatus DoubleField<Flavour>::fixed(int32_t width, int64_t decimals, bool best,
   parts.whole = {whole, whole_count};
   parts.fraction = {fraction, decimals};
   if (whole_count == 0 && integer_room() > 0) parts.whole = {&zero, 1};
-  return put_fixed(field, parts, negative, (flags & flag_group) != 0 && reports, status);
+  return put_fixed(field, parts, negative, grouped, status);
 }
 
 /// Digits of a magnitude: 0.<digits> * 10^point. The digit before `first` is free for a carry.
@@ -467,12 +468,13 @@ VXStatus format_double(VXLocale* locale, int32_t width, int32_t decimals, uint32
       places = -places;
     }
   }
-  const bool best = (flags & flag_best) != 0 || decimals == best_decimals;
+  const bool best = (flags & flag_best) != 0 || places == best_decimals;
+  if (best) places = best_decimals;
   if (best && width != 0) fixed = true;
   if (width < 0 && !fixed) flags |= flag_left;
 
   const DoubleField<Flavour> field{locale, flags, buffer, size, length};
-  if (std::isnan(value)) return field.missing(width, decimals, reports, extended, value);
+  if (std::isnan(value)) return field.missing(width, places, reports, extended, value);
   if (std::isinf(value)) return field.infinity(width, value < 0);
   return fixed ? field.fixed(width, places, best, exponent, reports, value) : field.free(width, decimals, best, value);
 }

@@ -45,12 +45,13 @@ struct NLSDoubleExOpts {
 ///   flags     NLS_FORMAT_... bits marked D
 ///   buffer    room for `size` units; nothing outside it is written
 ///   length    units written
-/// Fixed field (FIXED, FIXED_EXPONENT, SIGNIFICANT, BEST or decimals 99): at most 15 significant digits of the value are
-/// shown as decimals, zeros beyond; what does not fit loses decimals, then turns to exponent form, then to "*". Half a
-/// unit of the last place is added and the sum raised by 2^-52 of itself before it is cut, so that 0.285 with 2 decimals
-/// gives 0.29. Free mode: the exact decimal expansion, rounded half up.
-/// A missing value is written as ".", "_" or a letter, at the place of the units digit in a fixed field, whose `size`
-/// units are blank-filled; an infinity as "Inf" or "-Inf" in a field of at least 3 or 4 units.
+/// Fixed field (FIXED, FIXED_EXPONENT, SIGNIFICANT; BEST or decimals 99 when a width is given): at most 15 significant
+/// digits of the value are shown as decimals, zeros beyond; what does not fit loses decimals, then turns to exponent
+/// form, then to "*". Half a unit of the last place is added and the sum raised by 2^-52 of itself before it is cut, so
+/// that 0.285 with 2 decimals gives 0.29. The exponent form has 7 digits less than the field has units, at least 1 and
+/// without trailing zeros. Free mode: the exact decimal expansion, rounded half up.
+/// A missing value is written as ".", "_" or a letter; with FIXED at the place of the units digit, `size` units being
+/// blank-filled; an infinity as "Inf" or "-Inf" in a field of at least 3 or 4 units.
 /// When the host offers a conversion table that is enabled (vxGetBDConv), the call is handed to it.
 /// Returns                                                    written then
 ///   0            done                                        the text
