@@ -10,8 +10,14 @@
 
 namespace vxnls {
 
+/// False for most pairs that differ, without a look at the tables: two ASCII characters that are one letter in two
+/// cases differ in one bit.
+constexpr bool may_be_same_letter(VXChar a, VXChar b) { return ((a ^ b) & ~VXChar{0x20}) == 0 || (a | b) >= 0x80; }
+
 /// Equal, or equal in lower case by the built-in tables: vxzseqn on one character.
-inline bool same_letter(VXChar a, VXChar b) { return a == b || lower_by_tables(a) == lower_by_tables(b); }
+constexpr bool same_letter(VXChar a, VXChar b) {
+  return a == b || (may_be_same_letter(a, b) && lower_by_tables(a) == lower_by_tables(b));
+}
 
 /// A run of counted names in the locale's record.
 struct NameList {
@@ -32,11 +38,12 @@ inline constexpr NameList markers{offsetof(VXLocaleData, amMarker), 2};
 inline constexpr NameList quarter_names{offsetof(VXLocaleData, quarterNames), 4};
 static_assert(offsetof(VXLocaleData, pmMarker) == offsetof(VXLocaleData, amMarker) + sizeof(NLSName));
 
-/// Steps over `name` from its second character on, its first one being read already. On a difference `in` stays.
+/// Steps over `name`, whose first character may stand here. On a difference `in` stays. Kept apart, so that the search
+/// for a name is a short loop.
 template <class Text>
-bool skip_rest(Input<Text>& in, TextView name) {
+[[gnu::noinline]] bool skip_name(Input<Text>& in, TextView name) {
   Input<Text> rest = in;
-  for (int64_t i = 1; i < name.length; ++i) {
+  for (int64_t i = 0; i < name.length; ++i) {
     if (rest.empty()) return false;
     const Character here = character_at(rest);
     if (here.units == 0 || !same_letter(here.code_point, name.text[i])) return false;
@@ -50,17 +57,11 @@ bool skip_rest(Input<Text>& in, TextView name) {
 /// An empty name stands everywhere, kept on purpose.
 template <class Text>
 VXReason extractstring(Input<Text>& in, const NLSName* names, int32_t count, int32_t* index) {
-  const Character first = in.empty() ? Character{replacement_character, 0} : character_at(in);
-  const VXChar letter = lower_by_tables(first.code_point);
+  const bool broken = in.empty() || character_at(in).units == 0;
+  const VXChar first = broken ? 0 : character_at(in).code_point;
   for (int32_t i = 0; i < count; ++i) {
-    const TextView name = view(names[i]);
-    if (name.length > 0) {
-      if (first.units == 0 || lower_by_tables(name.text[0]) != letter) continue;
-      Input<Text> rest = in;
-      rest.skip(first.units);
-      if (!skip_rest(rest, name)) continue;
-      in = rest;
-    }
+    const NLSName& name = names[i];
+    if (name.length > 0 && (!may_be_same_letter(name.text[0], first) || broken || !skip_name(in, view(name)))) continue;
     *index = i;
     return VX_REASON_NONE;
   }

@@ -134,7 +134,10 @@ TEST(ParseTime, HostileLengthsAndNulls) {
 constexpr double at(int year, unsigned month, unsigned day, double seconds) {
   using namespace std::chrono;
   const auto epoch = sys_days(std::chrono::year(1960) / 1 / 1);
-  return static_cast<double>((sys_days(std::chrono::year(year) / month / day) - epoch).count()) * 86400 + seconds;
+  return static_cast<double>(
+             (sys_days(std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(day)) - epoch).count()) *
+             86400 +
+         seconds;
 }
 
 TEST(ParseDatetime, ByPatternAndByParts) {
