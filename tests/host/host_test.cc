@@ -162,13 +162,15 @@ TEST_F(Host, JournalsMessagesAndStatuses) {
   static constexpr VXJournalAttributes attributes{};
   VXJournal* const journal = kernel->ops->create_journal(kernel, &attributes, 0, "test");
   const auto insert = wide("in");
-  const auto message = wide("%s=%d, %u, %x; %ld %lu %lx 100%% %q %l %");
+  auto message = wide("%s=%d, %u, %x; %ld %lu %lx 100%% %q %l %?");
+  message[message.size() - 2] = 0xD800;  // no character
   vxlMessageToJnl(journal, 2, message.data(), 0, insert.data(), -1, 4000000000u, 255u, int64_t{-5000000000},
                   uint64_t{18000000000000000000u}, uint64_t{0xABCDEF0123456789u});
   vxlStatusToJnl(journal, 4, static_cast<int32_t>(VX_E_ZONE));
   vxlStatusToJnl(journal, 4, 0x12345678);
   ASSERT_EQ(entries.size(), 3u);
-  EXPECT_EQ(entries[0].text, "in=-1, 4000000000, ff; -5000000000 18000000000000000000 abcdef0123456789 100% %q %l %");
+  EXPECT_EQ(entries[0].text,
+            "in=-1, 4000000000, ff; -5000000000 18000000000000000000 abcdef0123456789 100% %q %l %\uFFFD");
   EXPECT_EQ(entries[0].level, 2u);
   EXPECT_NEAR(entries[0].time, static_cast<double>(time(nullptr)), 60);
   EXPECT_EQ(entries[1].text, "0x803fe83c: no time zone has this name");
@@ -259,6 +261,28 @@ TEST_F(Host, TellsAboutZones) {
     EXPECT_EQ(vxhostResolveLocale(host, name.c_str(), canonical, sizeof canonical), 0u) << name;
     EXPECT_EQ(canonical, name);
   }
+}
+
+TEST_F(Host, TellsWhatFellBackInALocale) {
+  struct Walk {
+    int64_t seen = 0, stop_after = 0;
+  };
+  const auto each = [](void* user, const char* entry, const char* used, const char* reason) {
+    EXPECT_NE(*entry, 0);
+    EXPECT_NE(used, nullptr);
+    EXPECT_NE(*reason, 0);
+    auto& walk = *static_cast<Walk*>(user);
+    return ++walk.seen == walk.stop_after ? 1 : 0;
+  };
+  Walk all, one{0, 1}, none;
+  EXPECT_EQ(vxhostForEachFallback(host, "ja_JP", each, &all),
+            0u);  // its month and day names say more than one can read
+  EXPECT_GT(all.seen, 1);
+  EXPECT_EQ(vxhostForEachFallback(host, "vi_XX", each, &one), VX_W_SUBSTITUTE);
+  EXPECT_EQ(one.seen, 1);
+  EXPECT_EQ(vxhostForEachFallback(host, "xx_YY", each, &none), VX_E_NOMATCH);
+  EXPECT_EQ(vxhostForEachFallback(host, nullptr, each, &none), VX_E_NULL);
+  EXPECT_EQ(none.seen, 0);
 }
 
 TEST_F(Host, OptionsReachTheLibrary) {
