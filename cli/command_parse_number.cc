@@ -81,7 +81,7 @@ VXNumberReading read(Invocation& invocation, std::string_view text, uint32_t kin
 }
 
 std::string print(const Invocation& invocation, std::string_view text, const VXNumberReading& reading,
-                  std::string shown, Json extra) {
+                  std::string shown, const Json& extra) {
   if (!invocation.arguments.has(options::json)) return shown;
   Json object{{"value", text}, {"text", std::move(shown)}};
   object.update(extra);

@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstring>
 
-#include "vxnls/number_format.h"
+#include "unicode/text_flavour.h"
 
 namespace vxnls {
 
@@ -14,18 +14,8 @@ __extension__ using Wide = unsigned __int128;
 constexpr int32_t chunk_digits = 19;  // the digits of one division or multiplication of a limb
 constexpr uint64_t chunk = 10'000'000'000'000'000'000u;
 
-struct PairTable {
-  uint8_t text[200];
-};
-constexpr PairTable make_pairs() {
-  PairTable table{};
-  for (int i = 0; i < 100; ++i) {
-    table.text[2 * i] = static_cast<uint8_t>('0' + i / 10);
-    table.text[2 * i + 1] = static_cast<uint8_t>('0' + i % 10);
-  }
-  return table;
-}
-constexpr PairTable pairs = make_pairs();
+/// The two digits of a number below 100.
+void put_pair(uint8_t* out, uint64_t number) { std::memcpy(out, Utf8Text::digit_pairs.of[number], 2); }
 
 }  // namespace
 
@@ -38,14 +28,14 @@ BinaryParts binary_parts(double value) {
 }
 
 void write_digits(uint8_t* out, int32_t count, uint64_t value) {
-  for (; count >= 2; count -= 2, value /= 100) std::memcpy(out + count - 2, pairs.text + 2 * (value % 100), 2);
+  for (; count >= 2; count -= 2, value /= 100) put_pair(out + count - 2, value % 100);
   if (count == 1) out[0] = static_cast<uint8_t>('0' + value % 10);
 }
 
 uint8_t* write_digits_before(uint8_t* end, uint64_t value) {
   for (; value >= 10; value /= 100) {
     end -= 2;
-    std::memcpy(end, pairs.text + 2 * (value % 100), 2);
+    put_pair(end, value % 100);
   }
   if (value != 0) *--end = static_cast<uint8_t>('0' + value);
   return end;

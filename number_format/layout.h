@@ -85,7 +85,7 @@ Unit* put(Unit* out, Run run) {
 
 template <class Unit>
 Unit* fill(Unit* out, int64_t count, char with) {
-  for (int64_t i = 0; i < count; ++i) out[i] = static_cast<Unit>(with);
+  for (int64_t i = 0; i < count; ++i) out[i] = static_cast<Unit>(static_cast<uint8_t>(with));
   return out + (count > 0 ? count : 0);
 }
 
