@@ -6,7 +6,7 @@ using namespace vxnls;
 
 VXStatus vxzsu8ICUNormalize(const uint8_t* in, int64_t length, uint32_t form, uint64_t a1, uint64_t a2, uint64_t a3,
                             VXStatus* status) {
-  VXStatus unwanted;
+  VXStatus unwanted = 0;
   VXStatus* const out = status != nullptr ? status : &unwanted;
   VXNormaliser* const normaliser = host::normaliser();
   if (normaliser == nullptr) return *out = VX_E_MEMORY;
@@ -16,7 +16,7 @@ VXStatus vxzsu8ICUNormalize(const uint8_t* in, int64_t length, uint32_t form, ui
 
 int32_t vxzsu8ICUNormCompare(const uint8_t* a, int64_t length_a, const uint8_t* b, int64_t length_b, uint32_t options,
                              VXStatus* status) {
-  VXStatus unwanted;
+  VXStatus unwanted = 0;
   VXStatus* const out = status != nullptr ? status : &unwanted;
   VXNormaliser* const normaliser = host::normaliser();
   if (normaliser == nullptr) {
