@@ -26,7 +26,8 @@ enum class Form {
   unit,     // one VXChar, 0: none
   integer,  // int32_t
   short_integer,
-  words  // int32_t that stands for a word of a list
+  words,    // int32_t that stands for a word of a list, from 0
+  week_day  // int32_t from 1, Sunday
 };
 
 struct Field {
@@ -35,7 +36,6 @@ struct Field {
   size_t at;
   size_t count = 1;  // names; bytes of ascii
   std::span<const std::string_view> words = {};
-  int32_t first_word = 0;
 };
 
 struct Section {
@@ -161,10 +161,10 @@ constexpr Field currency_fields[] = {
 
 constexpr Field custom_fields[] = {
     {"dateOrder", Form::words, customs + offsetof(VXLocaleCustoms, dateOrder), 1, date_orders},
-    {"firstWeekDay", Form::words, customs + offsetof(VXLocaleCustoms, firstWeekDay), 1, week_days, 1},
+    {"firstWeekDay", Form::week_day, customs + offsetof(VXLocaleCustoms, firstWeekDay), 1, week_days},
     {"minimalDays", Form::integer, customs + offsetof(VXLocaleCustoms, minimalDays)},
-    {"weekendFirst", Form::words, customs + offsetof(VXLocaleCustoms, weekendFirst), 1, week_days, 1},
-    {"weekendLast", Form::words, customs + offsetof(VXLocaleCustoms, weekendLast), 1, week_days, 1},
+    {"weekendFirst", Form::week_day, customs + offsetof(VXLocaleCustoms, weekendFirst), 1, week_days},
+    {"weekendLast", Form::week_day, customs + offsetof(VXLocaleCustoms, weekendLast), 1, week_days},
     {"measurementSystem", Form::words, customs + offsetof(VXLocaleCustoms, measurementSystem), 1, measurement_systems},
     {"paperWidth", Form::integer, customs + offsetof(VXLocaleCustoms, paperWidth)},
     {"paperHeight", Form::integer, customs + offsetof(VXLocaleCustoms, paperHeight)},
@@ -209,8 +209,9 @@ class Record {
         const auto unit = at<VXChar>(field.at);
         return unit == 0 ? "" : utf8(unit);
       }
-      case Form::words: {
-        const auto index_of_word = static_cast<size_t>(number(field) - field.first_word);
+      case Form::words:
+      case Form::week_day: {
+        const auto index_of_word = static_cast<size_t>(number(field) - (field.form == Form::week_day ? 1 : 0));
         return index_of_word < field.words.size() ? std::string(field.words[index_of_word])
                                                   : std::to_string(number(field));
       }

@@ -21,7 +21,7 @@ int32_t time_number(std::string_view word) { return word == "1" || word == "shor
 
 namespace {
 
-int64_t stored_length(const NLSName& name) { return std::clamp<int64_t>(name.length, 0, std::size(name.text)); }
+int64_t stored_length(const NLSName& name) { return std::clamp<int64_t>(name.length, 0, std::ssize(name.text)); }
 
 /// False, with nothing changed, when the text has more than 60 units.
 bool store(NLSName& name, std::u32string_view text) {

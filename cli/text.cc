@@ -58,7 +58,7 @@ std::string utf8(VXChar code_point) {
 }
 
 std::string utf8(const NLSName& name) {
-  const auto length = std::clamp<int64_t>(name.length, 0, std::size(name.text));
+  const auto length = std::clamp<int64_t>(name.length, 0, std::ssize(name.text));
   std::string text;
   for (int64_t i = 0; i < length; ++i) text += utf8(name.text[i]);
   return text;
