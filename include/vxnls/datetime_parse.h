@@ -1,21 +1,21 @@
 // Dates, times and datetimes read from text.
 //
-// Every function exists over VXChar and, with a U at the end, over UTF-8; lengths and `consumed` count VXChars there and
-// bytes here. Both flavours read alike: UTF-8 that is broken where it is read is a refusal. A text is never terminated;
-// a length below 0 counts as 0, and the text may be null when it is empty. `consumed` counts from the start of the text,
-// leading blanks included. Blank means U+0020. Nothing is kept between calls; threads may share a locale. Only a text
-// that names a time zone touches the locale, namely its zone cache. Any other null argument gives 0x803fe831, and nothing
-// is written.
+// Every function exists over VXChar and, with a U at the end, over UTF-8; lengths and `consumed` count VXChars there
+// and bytes here. Both flavours read alike: UTF-8 that is broken where it is read is a refusal. A text is never
+// terminated; a length below 0 counts as 0, and the text may be null when it is empty. `consumed` counts from the start
+// of the text, leading blanks included. Blank means U+0020. Nothing is kept between calls; threads may share a locale.
+// Only a text that names a time zone touches the locale, namely its zone cache. Any other null argument gives
+// 0x803fe831, and nothing is written.
 //
-// Patterns. What is read is led by patterns of the locale's record, or by built-in ones: "%" and a letter is a directive,
-// any other character stands for itself. Between the two may stand "#", "0" and "?", of which only "#" has a meaning.
-// A pattern is held against the text from its first character on that is not a blank. When the pattern ends, text may be
-// left; when the text ends first, it does not match.
+// Patterns. What is read is led by patterns of the locale's record, or by built-in ones: "%" and a letter is a
+// directive, any other character stands for itself. Between the two may stand "#", "0" and "?", of which only "#" has a
+// meaning. A pattern is held against the text from its first character on that is not a blank. When the pattern ends,
+// text may be left; when the text ends first, it does not match.
 //
-// The strict reader. A literal must stand there exactly. Numbers have a fixed width: blanks and then digits fill it, fewer
-// only where the text ends ("5/" is no %d; "05/" and " 5/" are). With "#" they have one digit up to that width, after any
-// blanks, and no further digit behind. Names may have any case and come after any blanks; the first that matches in the
-// order of the list is taken.
+// The strict reader. A literal must stand there exactly. Numbers have a fixed width: blanks and then digits fill it,
+// fewer only where the text ends ("5/" is no %d; "05/" and " 5/" are). With "#" they have one digit up to that width,
+// after any blanks, and no further digit behind. Names may have any case and come after any blanks; the first that
+// matches in the order of the list is taken.
 //
 //   %Y %y    year, four positions, 1582 to 9999        %p       AM or PM marker; PM adds 12 to the hour so far
 //   %m %o    month, two positions                      %A %a %F name of the week day (full), checked, not kept
@@ -23,14 +23,14 @@
 //   %H       hour 0 to 23                              %b       name of the month (abbreviated)
 //   %I       hour 1 to 12; 12 is hour 0                %u %w    week day 1 to 7, 0 to 6, one position, not kept
 //   %k       hour 0 to 23; %#k also 24, which is 0     %z       offset: + or - or nothing, hours to 12, ":", minutes
-//   %l       hour 0 to 11                              %Z       zone: all up to and with the next blank; "XST" at the
-//   %M %S    minute, second                                     end of the text is the locale's own zone
+//   %l       hour 0 to 11                              %Z       zone: all up to and with the next blank; "XST" at
+//   %M %S    minute, second                                     the end of the text is the locale's own zone
 //   %s       milliseconds, three positions             %%       the character "%"
 //
-// The lenient reader. Literals may have any case, and a blank of the pattern may be missing in the text. All numbers but
-// the year read as with "#". Differences in the directives:
+// The lenient reader. Literals may have any case, and a blank of the pattern may be missing in the text. All numbers
+// but the year read as with "#". Differences in the directives:
 //
-//   %Y %y %G when no year of four positions stands there, one of two: 60 to 99 are 1960 to 1999, 00 to 59 are 2000 to 2059
+//   %Y %y %G when no year of four positions stands there, one of two: 60 to 99 are 1960 to 1999, 00 to 59 2000 to 2059
 //   %H %I    hour 0 to 23; %I keeps 12 as 12
 //   %k       hour 0 to 24; 24 is 0                     %B %C %b a full or an abbreviated name of the month
 //   %l       hour 0 to 24; 0 and 24 are 12             %A %a %F %f  a full or an abbreviated name of the week day
@@ -58,8 +58,8 @@ extern "C" {
 ///     8       a quarter: the locale's two quarter patterns, "Q3 2021", "Qtr3, 2021", "Quarter3 2021"; its first day
 ///     16      a month: the locale's two month patterns, "Month7, 2022", "M7 2022", "Jul/2022", "7-2022"; its first day
 ///     32      a week as the locale counts: its two week patterns, then "Week7 2021", "W7, 2021"; its first day
-///     64      a Sunday week (week 1 begins on the first Sunday), 128 an ISO week, 256 a Monday week: "W7 2021" and so on
-///             first, then the locale's two week patterns
+///     64      a Sunday week (week 1 begins on the first Sunday), 128 an ISO week, 256 a Monday week: "W7 2021" and so
+///             on first, then the locale's two week patterns
 ///     other   the locale's main date pattern, leniently when a bit of 0x1fc is set; text may be left
 ///             Kinds 8 to 256 must use the whole text; trailing blanks may stand there, except behind a text that the
 ///             locale's own quarter pattern matches
@@ -89,10 +89,10 @@ VX_API VXStatus NLSBufToTime(VXLocale* locale, const VXChar* buffer, int64_t len
                              int64_t* consumed);
 
 /// Reads a datetime.
-///   kind      a kind without bit 4: the locale's datetime pattern, strictly or, with a bit of 0x1fc, leniently; text may
-///             be left. Where that does not match, and for a kind with bit 4: a date as NLSBufToDate reads it by kind 4,
-///             then "T", blanks and punctuation, which are skipped, then a time as NLSBufToTime reads it by kind 4; both
-///             strictly when the kind has no bit of 0x1fc
+///   kind      a kind without bit 4: the locale's datetime pattern, strictly or, with a bit of 0x1fc, leniently; text
+///             may be left. Where that does not match, and for a kind with bit 4: a date as NLSBufToDate reads it by
+///             kind 4, then "T", blanks and punctuation, which are skipped, then a time as NLSBufToTime reads it by
+///             kind 4; both strictly when the kind has no bit of 0x1fc
 ///   datetime  seconds since 1960-01-01 00:00, always in the locale's zone: a text that gives an offset or names a zone
 ///             is converted. Written on status 0 only
 ///   consumed  written on status 0 only

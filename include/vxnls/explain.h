@@ -104,7 +104,7 @@ typedef struct VXExplainRefusal {
   int64_t position;       ///< bytes from the start of the text to the offending part
   int64_t length;         ///< bytes of the offending part (digits, a word, one character); 0 at the end of the text
   int64_t furthest;       ///< bytes from the start of the text to the first byte that was not understood
-  int32_t value;          ///< the number that stands there (VX_REASON_RANGE, VX_REASON_MARKER)
+  int32_t value;          ///< the number that stands there (RANGE, MARKER, NO_SUCH_DAY)
   int32_t minimum;        ///< smallest and largest number wanted; both 0 when no number is wanted
   int32_t maximum;
   int32_t width;     ///< positions of a number; 0 when no number is wanted
@@ -128,7 +128,7 @@ typedef struct VXExplanation {
   VXExplainMatch match;
   VXExplainMatch time;  ///< the time of a datetime, when its date was matched by a candidate of its own
   /// Candidates that were not reached, because an earlier one matched, and that would have given another result:
-  /// another date for the date, another time for the time. Each result counts once.
+  /// another full date for the date, another time for the time. Each result counts once.
   int64_t other_count;
   VXExplainMatch others[VX_EXPLAIN_OTHERS];  ///< the first of them
   VXExplainRefusal refusal;                  ///< reason VX_REASON_NONE when the text was understood
