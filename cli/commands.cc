@@ -18,8 +18,14 @@ constexpr Command format{.name = "format",
                          .commands = format_commands};
 
 constexpr const Command* parse_commands[] = {&parse_date, &parse_time, &parse_datetime, &parse_number, &parse_integer};
-constexpr Command parse{
-    .name = "parse", .summary = "Reads dates, times and numbers as a locale writes them", .commands = parse_commands};
+constexpr Example parse_examples[] = {
+    {"vxnls parse date '21. November 2026' --locale de_DE --style long", "2026-11-21"},
+    {"vxnls parse time '2:05:09 PM' --locale en_US", "14:05:09"},
+    {"vxnls parse number 1.234.567,89 --locale de_DE", "1234567.89"}};
+constexpr Command parse{.name = "parse",
+                        .summary = "Reads dates, times and numbers as a locale writes them",
+                        .examples = parse_examples,
+                        .commands = parse_commands};
 
 constexpr const Command* locale_commands[] = {&locale_list, &locale_show, &locale_check};
 constexpr Example locale_examples[] = {{"vxnls locale list --details de_",

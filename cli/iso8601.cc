@@ -18,7 +18,7 @@ class Reader {
 
   Text read() {
     Text result;
-    const bool marked = take('T') || take('t');
+    const bool marked = is_digit(peek(1)) && (take('T') || take('t'));
     if (!marked && !begins_with_time()) {
       result.date = date();
       if (at_end()) return result;

@@ -158,6 +158,7 @@ TEST(Format, OneLineOutForEachLineInWithoutWaiting) {
 
 TEST(Format, WrongValues) {
   static constexpr Case cases[] = {
+      {"vxnls format date today", "", "vxnls: \"today\": a date is 2026-11-21, a day number or now\n", 1},
       {"vxnls format date 2026-13-01", "",
        "vxnls: \"2026-13-01\": at byte 5: a month from 01 to 12 is expected, not \"13\"\n", 1},
       {"vxnls format date ' 2026-11-1'", "",
