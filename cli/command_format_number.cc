@@ -291,9 +291,11 @@ constexpr Example number_examples[] = {
     {"vxnls format number 1e15 --locale en_US --width 10 --fixed", "      1E15"}};
 constexpr Example percent_examples[] = {
     {"vxnls format percent --locale en_US --decimals 1 --parentheses -- -0.125", "(12.5%)"},
-    {"vxnls format percent 0.5 --locale de_DE", "50%"}};
+    {"vxnls format percent 0.5 --locale de_DE", "50%"},
+    {"vxnls format percent 0.1234 --locale fr_FR --decimals 2 --width 10", "    12,34%"}};
 constexpr Example currency_examples[] = {{"vxnls format currency 1234.5 --locale en_US", "$1,234.50"},
-                                         {"vxnls format currency 1234567 --locale en_IN --integer", "₹12,34,567"}};
+                                         {"vxnls format currency 1234567 --locale en_IN --integer", "₹12,34,567"},
+                                         {"vxnls format currency 1234.5 --locale ja_JP --width 14", "     ￥1,234.50"}};
 constexpr Example integer_examples[] = {
     {"vxnls format integer 255 --hex --prefix", "0xff"},
     {"vxnls format integer 1234567 --locale de_DE --group --width 12", "   1.234.567"},

@@ -144,7 +144,8 @@ constexpr Example number_examples[] = {{"vxnls parse number 1.234.567,89 --local
                                        {"vxnls parse number '1 234,5' --locale fr_CA --spaces", "1234.5"},
                                        {"vxnls parse number 0.1 --locale en_US --bits", "0x3fb999999999999a"}};
 constexpr Example integer_examples[] = {{"vxnls parse integer 0xFF --hex", "255"},
-                                        {"vxnls parse integer 1.234.567 --locale de_DE", "1234567"}};
+                                        {"vxnls parse integer 1.234.567 --locale de_DE", "1234567"},
+                                        {"vxnls parse integer 12.50 --locale en_US --fraction --quiet", "12"}};
 
 }  // namespace
 

@@ -238,12 +238,23 @@ constexpr Argument two_texts[] = {{.name = "A", .help = "UTF-8", .required = tru
 constexpr const Option* text_options[] = {&options::json};
 constexpr const Option* compare_options[] = {&mode, &options::json};
 
-constexpr Example upper_examples[] = {{"vxnls case upper 'Grüße aus Köln'", "GRÜßE AUS KÖLN"}};
-constexpr Example lower_examples[] = {{"vxnls case lower 'ΑΘΗΝΑ'", "αθηνα"}};
+constexpr Example upper_examples[] = {{"vxnls case upper 'Grüße aus Köln'", "GRÜßE AUS KÖLN"},
+                                      {"echo αθήνα | vxnls case upper", "ΑΘΉΝΑ"},
+                                      {"vxnls case upper one two", "ONE\nTWO"}};
+constexpr Example lower_examples[] = {{"vxnls case lower ΑΘΗΝΑ", "αθηνα"},
+                                      {"echo ÉCOLE | vxnls case lower", "école"},
+                                      {"vxnls case lower ONE TWO", "one\ntwo"}};
 constexpr Example compare_examples[] = {{"vxnls compare abc abd --mode code-points", "-1"},
                                         {"vxnls compare abc 'abc  ' --mode padded", "0"},
                                         {"vxnls compare Straße STRASSE --mode ignore-case", "1"}};
-constexpr Example chars_examples[] = {{"vxnls chars 'é'", "..."}};
+constexpr Example chars_examples[] = {
+    {"vxnls chars é --json",
+     R"({"code_point":"U+00E9","text":"é","name":"LATIN SMALL LETTER E WITH ACUTE",)"
+     R"("classes":["alpha","lower","print","graph"],"utf8":"C3 A9","utf16be":"00 E9","upper":"U+00C9","lower":""})"},
+    {"vxnls chars 😀 --json", R"({"code_point":"U+1F600","text":"😀","name":"GRINNING FACE","classes":["print","graph"],)"
+                             R"("utf8":"F0 9F 98 80","utf16be":"D8 3D DE 00","upper":"","lower":""})"},
+    {"printf A | vxnls chars | tail -n 1",
+     "U+0041      A  LATIN CAPITAL LETTER A  alpha upper xdigit print graph  41     00 41            U+0061 a"}};
 
 constexpr Command case_upper{.name = "upper",
                              .summary = "Writes text in upper case",
@@ -260,10 +271,15 @@ constexpr Command case_lower{.name = "lower",
                              .examples = lower_examples,
                              .run = run_lower};
 constexpr const Command* case_commands[] = {&case_upper, &case_lower};
+constexpr Example case_examples[] = {
+    {"vxnls case upper straße", "STRAßE"}, {"vxnls case lower ΑΘΗΝΑ", "αθηνα"}, {"echo Ǆ | vxnls case lower", "ǆ"}};
 
 }  // namespace
 
-const Command change_case{.name = "case", .summary = "Writes text in upper or lower case", .commands = case_commands};
+const Command change_case{.name = "case",
+                          .summary = "Writes text in upper or lower case",
+                          .examples = case_examples,
+                          .commands = case_commands};
 
 const Command compare{.name = "compare",
                       .summary = "Compares two texts in four ways",

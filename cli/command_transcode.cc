@@ -149,8 +149,9 @@ class Transcoder {
       progress.at(offset_);
     }
     if (faults_ == 0) return ExitCode::done;
-    invocation_.messages.note(fmt::format("{}: {} places were no {}, the first at byte {}; they were {}", source.name(),
-                                          faults_, from_.name, first_fault_,
+    invocation_.messages.note(fmt::format("{}: {} that {} no {}, the first at byte {}: {}", source.name(),
+                                          faults_ == 1 ? "1 place" : fmt::format("{} places", faults_),
+                                          faults_ == 1 ? "is" : "are", from_.name, first_fault_,
                                           on_error_ == OnError::skip ? "left out" : "replaced by U+FFFD"));
     return ExitCode::some_unread;
   }
@@ -225,7 +226,7 @@ constexpr const Option* command_options[] = {&from, &to, &on_error, &mark};
 constexpr Example examples[] = {
     {"printf 'Grüße' | vxnls transcode --to utf-16le | vxnls transcode --from utf-16le", "Grüße"},
     {"printf 'a\\377b' | vxnls transcode --on-error replace", "a\uFFFDb"},
-    {"vxnls transcode --from utf-16be --bom drop letter.txt", ""}};
+    {"printf abc | vxnls transcode --to utf-16be --bom write | vxnls transcode --from utf-16be --bom drop", "abc"}};
 
 }  // namespace
 

@@ -24,6 +24,9 @@ ExitCode run_command(const Arguments& arguments, const Messages& messages, Outpu
     out.line(fmt::format("vxnls {} ({})", VXNLS_VERSION, vxhostVersions(session.host())));
     return ExitCode::done;
   }
+  // What was asked for by name is never wrong in silence, also where the command has no use for it.
+  if (arguments.has(options::locale)) session.locale_name();
+  if (arguments.has(options::zone)) session.zone();
   Invocation invocation{arguments, session, out, messages};
   return arguments.command().run(invocation);
 }

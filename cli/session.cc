@@ -114,10 +114,10 @@ const Zone& Session::zone() {
   return *zone_;
 }
 
-VXLocale* Session::locale_called(const std::string& name) {
+VXLocale* Session::make_locale(const std::string& name, const std::string& zone) {
   constexpr uint32_t is_private = 1;
   VXLocale* locale = nullptr;
-  const VXStatus status = vxhostLocale(host(), name.c_str(), zone().id().c_str(), is_private, &locale);
+  const VXStatus status = vxhostLocale(host(), name.c_str(), zone.c_str(), is_private, &locale);
   if (status != 0) fail_with_status(host(), fmt::format("the locale {} cannot be made", name), status);
   return locale;
 }

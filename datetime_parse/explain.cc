@@ -144,7 +144,7 @@ class ExplainTrace {
     Span span{start_, text_.left - start_};
     if (reason == VX_REASON_MARKER) {
       if (spans_.hour.length > 0) span = spans_.hour;
-      set_limits(refusal, fields.hour, fields.hour > 12 ? 0 : 1, 12);
+      set_limits(refusal, fields.hour, fields.marker == 2 ? 1 : 0, 12);
     } else if (reason == VX_REASON_NO_SUCH_DAY) {
       refusal.candidate = out_->match.candidate;
       span = {out_->match.start, out_->match.end - out_->match.start};

@@ -203,6 +203,8 @@ TEST(Locales, WhereTheyComeFrom) {
       {"vxnls format date 0 -l qq_DE", "", "vxnls: there is no locale \"qq_DE\"; \"vxnls locale list\" lists them\n",
        2},
       {"vxnls format date 0 -l ''", "", "vxnls: there is no locale \"\"; \"vxnls locale list\" lists them\n", 2},
+      {"vxnls zone UTC 0 -l xyzzy", "", "vxnls: there is no locale \"xyzzy\"; \"vxnls locale list\" lists them\n", 2},
+      {"LANG=xyzzy_YY TZ=xyzzy vxnls locale list de_DE", "de_DE\n", "", 0},
       {"LANG=xyzzy_YY vxnls format date 0", "",
        "vxnls: LANG: there is no locale \"xyzzy_YY\"; \"vxnls locale list\" lists them\n", 2},
   };

@@ -62,7 +62,7 @@ TEST(Explain, Refusals) {
       {U"%d", date, 8, "Q5 2021", VX_REASON_RANGE, 'o', 0, 1, 1, 5, 1, 4, 2, "Q%o %Y"},
       {U"%d", date, 256, "W0 1582", VX_REASON_BEFORE_CALENDAR, 0, 0, 0, 7, 0, 0, 0, 0, "W%W %Y"},
       {U"%d", time_of_day, 4, "10:30:15 trailing", VX_REASON_NO_NAME, 'p', 0, 9, 8, 0, 0, 0, 0, "%I:%M:%S %p"},
-      {U"%d", time_of_day, 4, "13:00 pm", VX_REASON_MARKER, 0, 0, 0, 2, 13, 0, 12, 0, "%#I:%M %p"},
+      {U"%d", time_of_day, 4, "13:00 pm", VX_REASON_MARKER, 0, 0, 0, 2, 13, 1, 12, 0, "%#I:%M %p"},
       {U"%d", time_of_day, 4, "00:00 pm", VX_REASON_MARKER, 0, 0, 0, 2, 0, 1, 12, 0, "%#I:%M %p"},
       {U"%d", datetime, 4, "2021-02-31 10:30", VX_REASON_NO_SUCH_DAY, 0, 0, 8, 2, 31, 1, 28, 0, "%Y-%m-%d"},
       {U"%m/%d/%Y", datetime, 4, "2021-03-04", VX_REASON_TEXT_ENDED, 'I', 0, 10, 0, 0, 0, 23, 2, "%I:%M:%S %p"},
