@@ -1,11 +1,11 @@
-// How often the fixed field shows other digits than the correctly rounded ones (glibc's printf), by the number of
-// significant digits shown and the kind of value; how far off it is; and whether free mode ever differs.
+// How often the fixed field shows other digits than the correctly rounded ones (from the exact expansion that glibc's
+// printf gives), by the number of significant digits shown; how far off it is; and whether free mode ever differs.
 //   cmake --build build/release --target writing_accuracy && build/release/bin/writing_accuracy [MILLIONS [SEED]]
 // prints the tables of docs/numbers.md, "Writing". The values are random and depend on the seed alone.
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <random>
 
 #include "vxnls/number_format.h"
@@ -14,104 +14,127 @@ namespace {
 
 constexpr int32_t width = 32;
 
+/// A number's digits without point and leading zeros, as one integer: up to 17 digits.
+int64_t units_of(const char* text, size_t length) {
+  int64_t units = 0;
+  for (size_t i = 0; i < length; ++i) {
+    if (text[i] >= '0' && text[i] <= '9') units = units * 10 + (text[i] - '0');
+  }
+  return units;
+}
+
 class Values {
  public:
   explicit Values(uint64_t seed) : random_(seed) {}
 
-  /// Any double of the magnitude 10^e to 10^(e+1), each with equal chance; e from -4 to 9.
-  double any(int* integer_digits) {
-    const int e = exponent(integer_digits);
-    const double fraction = static_cast<double>(random_() >> 11) * 0x1p-53;
-    return std::pow(10.0, e) * (1 + 9 * fraction);
-  }
+  /// Any double of the magnitude 10^e to 10^(e+1).
+  double any(int e) { return std::pow(10.0, e) * (1 + 9 * (static_cast<double>(random_() >> 11) * 0x1p-53)); }
 
-  /// The double nearest to a decimal of `digits` digits, the last of which is 5.
-  double tie(int digits, int* integer_digits) {
-    const int e = exponent(integer_digits);
+  int between(int low, int high) { return low + static_cast<int>(random_() % static_cast<uint64_t>(high - low + 1)); }
+
+  /// The double nearest to a decimal of `digits` digits, the last of which is 5, and that decimal without its 5.
+  double tie(int digits, int e, int64_t* others) {
     char text[48];
     int at = 0;
-    for (int i = 0; i < digits; ++i)
-      text[at++] = static_cast<char>('0' + (i == 0 ? 1 + random_() % 9 : random_() % 10));
-    text[at - 1] = '5';
+    for (int i = 1; i < digits; ++i)
+      text[at++] = static_cast<char>('0' + (i == 1 ? 1 + random_() % 9 : random_() % 10));
+    *others = units_of(text, static_cast<size_t>(at));
+    text[at++] = '5';
     std::snprintf(text + at, sizeof text - static_cast<size_t>(at), "e%d", e - digits + 1);
     return std::strtod(text, nullptr);
   }
 
  private:
-  int exponent(int* integer_digits) {
-    const int e = static_cast<int>(random_() % 14) - 4;
-    *integer_digits = e + 1;  // below 1 it counts the zeros after the point, negated
-    return e;
-  }
-
   std::mt19937_64 random_;
 };
 
-bool differs(double value, int32_t field, int32_t decimals, uint32_t flags) {
-  uint8_t ours[512];
+/// What the library shows of a value, in units of its last decimal.
+int64_t shown(double value, int32_t field, int32_t decimals, uint32_t flags) {
+  uint8_t text[64];
   int64_t length = 0;
-  if (NLSDoubleFormatUWithExOpts(nullptr, field, decimals, flags, ours, sizeof ours, &length, nullptr, value) != 0) {
+  if (NLSDoubleFormatUWithExOpts(nullptr, field, decimals, flags, text, sizeof text, &length, nullptr, value) != 0) {
     std::fprintf(stderr, "refused: %.17g with %d decimals\n", value, decimals);
     std::exit(1);
   }
-  char correct[512];
-  const int count = std::snprintf(correct, sizeof correct, "%*.*f", field, decimals, value);
-  return count != length || std::memcmp(ours, correct, static_cast<size_t>(length)) != 0;
+  return units_of(reinterpret_cast<const char*>(text), static_cast<size_t>(length));
 }
 
-/// `digits` significant digits as decimals of a value with so many integer digits; -1: it has more already.
-int32_t decimals_for(int digits, int integer_digits) { return digits >= integer_digits ? digits - integer_digits : -1; }
-
-void print_rate(int64_t differences, int64_t values) {
-  const double rate = static_cast<double>(differences) / static_cast<double>(values);
-  if (differences == 0) std::printf(" none |");
-  else if (rate < 0.001) std::printf(" %.1f in a million |", rate * 1e6);
-  else std::printf(" %.2f %% |", rate * 100);
+/// The same, correctly rounded, half up: from the exact expansion, which the C library prints.
+int64_t correct(double value, int32_t decimals) {
+  char text[128];
+  const int length = std::snprintf(text, sizeof text, "%.70f", value);
+  const auto kept = static_cast<size_t>(length - 70 + decimals);
+  return units_of(text, kept) + (text[kept] >= '5');
 }
+
+/// Values compared, and how many of them differ.
+struct Rate {
+  int64_t values = 0, differences = 0;
+
+  void count(bool differs) {
+    ++values;
+    differences += differs;
+  }
+
+  void print() const {
+    const double rate = static_cast<double>(differences) / static_cast<double>(values);
+    if (differences == 0) std::printf(" none |");
+    else if (rate < 0.001) std::printf(" %.0f in a million |", rate * 1e6);
+    else std::printf(" %.1f %% |", rate * 100);
+  }
+};
 
 }  // namespace
 
 int main(int count, char** arguments) {
-  const int64_t values = (count > 1 ? std::atoll(arguments[1]) : 4) * 1'000'000;
+  const int64_t values = (count > 1 ? std::atoll(arguments[1]) : 1) * 1'000'000;
   Values source(count > 2 ? std::strtoull(arguments[2], nullptr, 10) : 1);
 
-  std::printf("Differences in %lld values each:\n\n| Digits | any double | ends in 5 after them |\n|---|---|---|\n",
-              static_cast<long long>(values));
+  std::printf("Differences in %lld values each:\n\n", static_cast<long long>(values));
+  std::printf("| Digits | from 1 up | below 1 | with a 5 next | read as decimals | own digits | free mode |\n");
+  std::printf("|---|---|---|---|---|---|---|\n");
+  int64_t farthest = 0;
   for (const int digits : {2, 4, 6, 8, 10, 11, 12, 13, 14, 15, 16, 17}) {
-    int64_t any = 0, ties = 0, compared_any = 0, compared_ties = 0;
+    Rate from_1, below_1, halves, as_decimals, own, free_mode;
     for (int64_t i = 0; i < values; ++i) {
-      int integer_digits;
-      double value = source.any(&integer_digits);
-      int32_t decimals = decimals_for(digits, integer_digits);
-      if (decimals >= 0) {
-        ++compared_any;
-        any += differs(value, width, decimals, NLS_FORMAT_FIXED);
+      for (const bool below : {false, true}) {
+        const int e = below ? source.between(-4, -1) : source.between(0, digits < 10 ? digits - 1 : 9);
+        const double value = source.any(e);
+        const int32_t decimals = digits - 1 - e;
+        const int64_t exact = correct(value, decimals), ours = shown(value, width, decimals, NLS_FORMAT_FIXED);
+        (below ? below_1 : from_1).count(ours != exact);
+        if (digits <= 15) farthest = std::max(farthest, std::abs(ours - exact));
+        free_mode.count(shown(value, 0, decimals, NLS_FORMAT_PLAIN) != exact);
       }
-      value = source.tie(digits + 1, &integer_digits);
-      decimals = decimals_for(digits, integer_digits);
-      if (decimals >= 0) {
-        ++compared_ties;
-        ties += differs(value, width, decimals, NLS_FORMAT_FIXED);
-      }
+      const int e = source.between(0, digits < 10 ? digits - 1 : 9);
+      int64_t others;
+      const double value = source.tie(digits + 1, e, &others);
+      const int64_t ours = shown(value, width, digits - 1 - e, NLS_FORMAT_FIXED);
+      halves.count(ours != correct(value, digits - 1 - e));
+      as_decimals.count(ours != others + 1);
+      const int any_e = source.between(-4, 9);
+      if (any_e >= digits) continue;
+      const double decimal = source.tie(digits, any_e, &others);
+      own.count(shown(decimal, width, digits - 1 - any_e, NLS_FORMAT_FIXED) != others * 10 + 5);
     }
     std::printf("| %d |", digits);
-    print_rate(any, compared_any);
-    print_rate(ties, compared_ties);
+    from_1.print();
+    below_1.print();
+    halves.print();
+    as_decimals.print();
+    own.print();
+    free_mode.print();
     std::printf("\n");
     std::fflush(stdout);
   }
+  std::printf("\nUp to 15 digits no more than %lld in the last digit shown\n", static_cast<long long>(farthest));
 
-  int64_t cents = 0, cents_written = 0, free_mode = 0;
+  Rate amounts;
   for (int64_t i = 0; i < values; ++i) {
-    int unused;
-    const double amount = std::round(source.any(&unused) * 100) / 100;
-    cents += differs(amount, width, 2, NLS_FORMAT_FIXED);
-    ++cents_written;
-    free_mode += differs(source.any(&unused), 0, 17, NLS_FORMAT_PLAIN);
+    const double amount = std::round(source.any(source.between(-2, 11)) * 100) / 100;
+    amounts.count(shown(amount, width, 2, NLS_FORMAT_FIXED) != correct(amount, 2));
   }
-  std::printf(
-      "\nAmounts of two decimals, written with two: %lld of %lld differ. Free mode with 17 decimals: %lld of %lld\n",
-      static_cast<long long>(cents), static_cast<long long>(cents_written), static_cast<long long>(free_mode),
-      static_cast<long long>(values));
+  std::printf("Amounts of two decimals, written with two: %lld of %lld differ\n",
+              static_cast<long long>(amounts.differences), static_cast<long long>(amounts.values));
   return 0;
 }
