@@ -114,6 +114,21 @@ int32_t decode_slowly(const uint8_t* b) {
   return 0xFFFD;
 }
 
+/// What isLegalUTF8 says of a text of one to four bytes, the lead never held against the length, and its good length.
+struct Legality {
+  int32_t legal;
+  int64_t good;
+  bool operator==(const Legality&) const = default;
+};
+Legality judge_slowly(const uint8_t* b, int64_t n) {
+  int64_t good = 1;
+  while (good < n && b[good] / 64 == 2) ++good;
+  const bool lead = b[0] < 0x80 || (b[0] > 0xC1 && b[0] < 0xF5);
+  const bool overlong = n > 1 && ((b[0] == 0xE0 && b[1] < 0xA0) || (b[0] == 0xF0 && b[1] < 0x90));
+  const bool surrogate = n > 1 && b[0] == 0xED && b[1] > 0x9F;
+  return {good == n && lead && !overlong && !surrogate, good};
+}
+
 class EveryString {
  public:
   explicit EveryString(int64_t n)
@@ -137,6 +152,8 @@ class EveryString {
     uint8_t valid;
     uint32_t wide_valid;
     int64_t characters, bytes;
+    Legality judged;
+    judged.legal = isLegalUTF8(counted_, n_, &judged.good);
     vxzsu8Lengths(terminated_, &characters, &bytes);
     const bool good = UTF8_SLENB(counted_, n_) == e.trusted && UTF8_SLEN(terminated_) == e.trusted_to_nul &&
                       UTF8_BLENB(counted_, n_) == e.prefix && UTF8_BLEN(terminated_) == e.prefix_to_nul &&
@@ -145,7 +162,7 @@ class EveryString {
                       vxzsu8NextChar(terminated_) == terminated_ + e.size &&
                       vxzsu8NumChars(counted_, n_) == e.checked && vxzsu8ByteLength(terminated_, 1) == e.size &&
                       vxzsu8ByteLength(terminated_, e.checked) == n_ && characters == e.checked_to_nul &&
-                      bytes == e.bytes_to_nul;
+                      bytes == e.bytes_to_nul && judged == judge_slowly(counted_, n_);
     if (!good) ADD_FAILURE() << n_ << " bytes " << std::hex << number;
     return good;
   }
