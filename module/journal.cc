@@ -50,7 +50,7 @@ namespace {
 
 template <class Unit>
 void reverse(Unit* buffer, int64_t n) {
-  if (n > 1) std::reverse(buffer, buffer + n);
+  if (buffer != nullptr && n > 1) std::reverse(buffer, buffer + n);
 }
 
 }  // namespace

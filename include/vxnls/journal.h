@@ -24,10 +24,10 @@ VX_API VXStatus vxlStatusToBuf(VXJournal*, int32_t status, uint64_t a1, uint64_t
 /// A status into the journal at a level: the object's status_to_journal. The status is widened with its sign.
 VX_API VXStatus vxlStatusToJnl(VXJournal*, uint32_t level, int32_t status, ...);
 
-/// Reverses the n bytes of a buffer in place; below 2 nothing is done. Returns 0.
+/// Reverses the n bytes of a buffer in place; below 2, or with a null buffer, nothing is done. Returns 0.
 VX_API VXStatus vxzbytrv(uint8_t* buffer, int64_t n);
 
-/// Reverses the n units of a buffer in place; below 2 nothing is done.
+/// Reverses the n units of a buffer in place; below 2, or with a null buffer, nothing is done.
 VX_API void vxztchrv(VXChar* buffer, int64_t n);
 
 /// The conversion table of the stored kernel handle; null when there is no handle or it has no such table.

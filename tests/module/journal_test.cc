@@ -97,6 +97,8 @@ TEST(Reversal, OfEveryShortLength) {
     EXPECT_EQ(bytes, expected);
     EXPECT_EQ(units, std::vector<VXChar>(expected.begin(), expected.end()));
   }
+  EXPECT_EQ(vxzbytrv(nullptr, 5), 0u);
+  vxztchrv(nullptr, 5);
 }
 
 TEST(Conversions, LieBehindTheStoredHandle) {
