@@ -275,8 +275,7 @@ TEST_F(Host, TellsWhatFellBackInALocale) {
     return ++walk.seen == walk.stop_after ? 1 : 0;
   };
   Walk all, one{0, 1}, none;
-  EXPECT_EQ(vxhostForEachFallback(host, "ja_JP", each, &all),
-            0u);  // its month and day names say more than one can read
+  EXPECT_EQ(vxhostForEachFallback(host, "vi_VN", each, &all), 0u);  // "tháng 10" begins with "tháng 1"
   EXPECT_GT(all.seen, 1);
   EXPECT_EQ(vxhostForEachFallback(host, "vi_XX", each, &one), VX_W_SUBSTITUTE);
   EXPECT_EQ(one.seen, 1);

@@ -1,39 +1,10 @@
 // The host when memory runs out: every allocation by the C++ runtime fails in turn, and nothing is lost.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <string>
 
+#include "tests/host/failing_new.h"
 #include "vxnls/vxhost.h"
-
-namespace {
-
-/// Counts down to the allocation that fails; below 0 none does. After it all fail, or all work again.
-std::atomic<int64_t> until_failure{-1};
-std::atomic<bool> lasting{false};
-
-bool fails_now() {
-  if (until_failure.load(std::memory_order_relaxed) < 0) return false;
-  const int64_t left = until_failure.fetch_sub(1, std::memory_order_relaxed);
-  if (left > 0) return false;
-  until_failure.store(lasting.load() ? 0 : -1, std::memory_order_relaxed);
-  return true;
-}
-
-}  // namespace
-
-void* operator new(size_t bytes) {
-  void* const block = fails_now() ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
-  return fails_now() ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
-}
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, size_t) noexcept { std::free(block); }
 
 namespace {
 
@@ -68,14 +39,12 @@ VXStatus scenario() {
 }
 
 void sweep(bool keeps_failing, int64_t step) {
-  lasting = keeps_failing;
   int64_t failed = 0;
   for (int64_t k = 0;; k += k < 300 ? 1 : step) {
     SCOPED_TRACE(testing::Message() << "the allocation " << k << (keeps_failing ? " and all after it" : ""));
-    until_failure = k;
+    vxtest::fail_new(k, keeps_failing);
     const VXStatus status = scenario();
-    const bool had_a_failure = keeps_failing ? until_failure == 0 : until_failure < 0;
-    until_failure = -1;
+    const bool had_a_failure = vxtest::stop_failing_new();
     if (status != 0) ++failed;
     ASSERT_EQ(vxhostAlive(), 0) << alive();
     if (!had_a_failure) {
