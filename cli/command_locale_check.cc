@@ -135,7 +135,7 @@ ExitCode run(Invocation& invocation) {
   if (names.empty()) names = database.names();
 
   // One locale serves for all: its record is filled anew for each.
-  VXLocale* const locale = session.make_locale("root", "UTC");
+  VXLocale* const locale = session.locale_called("root", "UTC");
   RoundTrip round_trip(locale);
   size_t broken = 0;
   size_t fallen_back = 0;

@@ -342,7 +342,7 @@ ExitCode run(Invocation& invocation) {
   const auto& values = invocation.arguments.values();
   const LocaleDatabase database(session.host());
   const std::string name = values.empty() ? session.locale_name() : session.resolve_locale(values[0], "");
-  VXLocale* const locale = session.make_locale(name, session.zone().id());
+  VXLocale* const locale = session.locale_called(name);
   const auto fallbacks = database.fallbacks(name);
   if (invocation.arguments.has(options::json)) {
     invocation.out.line(json_page(page_as_json(locale, fallbacks)));

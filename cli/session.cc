@@ -114,7 +114,7 @@ const Zone& Session::zone() {
   return *zone_;
 }
 
-VXLocale* Session::make_locale(const std::string& name, const std::string& zone) {
+VXLocale* Session::locale_called(const std::string& name, const std::string& zone) {
   constexpr uint32_t is_private = 1;
   VXLocale* locale = nullptr;
   const VXStatus status = vxhostLocale(host(), name.c_str(), zone.c_str(), is_private, &locale);

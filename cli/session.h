@@ -28,9 +28,10 @@ class Session {
   const std::string& locale_name();
   const Zone& zone();
   /// A locale of its own for this session, whose record may be changed.
-  VXLocale* locale() { return locale_ != nullptr ? locale_ : locale_ = make_locale(locale_name(), zone().id()); }
-  /// The same of other canonical names, a new one each time.
-  VXLocale* make_locale(const std::string& name, const std::string& zone);
+  VXLocale* locale() { return locale_ != nullptr ? locale_ : locale_ = locale_called(locale_name()); }
+  /// The same of another canonical name, a new one each time.
+  VXLocale* locale_called(const std::string& name) { return locale_called(name, zone().id()); }
+  VXLocale* locale_called(const std::string& name, const std::string& zone);
   ValueReader& values();
 
   /// What `name` resolves to. `source` says where the name comes from ("LANG"); empty: from the command line.

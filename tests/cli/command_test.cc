@@ -14,25 +14,8 @@
 namespace {
 
 using vxtest::run_line;
-
-struct Case {
-  const char* line;
-  const char* out;
-  const char* err;
-  int code;
-  std::string_view input = {};
-};
-
-template <size_t N>
-void expect(const Case (&cases)[N]) {
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.line);
-    const auto result = run_line(c.line, c.input);
-    EXPECT_EQ(result.out, c.out);
-    EXPECT_EQ(result.err, c.err);
-    EXPECT_EQ(result.code, c.code);
-  }
-}
+using Case = vxtest::CommandCase;
+using vxtest::expect;
 
 TEST(Format, SixLocales) {
   static constexpr Case cases[] = {
