@@ -8,7 +8,7 @@
 //   if (vxhostLocale(host, "de_DE", "Europe/Berlin", 0, &locale) == 0) {
 //     VXChar text[64];
 //     int64_t length;
-//     locale->ops.NLSDatetimeFormat(locale, text, 64, &length, 2110896000.0);
+//     locale->ops.NLSDatetimeFormat(locale, 0, text, 64, &length, 2110896000.0);
 //   }
 //   vxhostClose(host);
 //

@@ -7,25 +7,8 @@
 namespace {
 
 using vxtest::run_line;
-
-struct Case {
-  const char* line;
-  const char* out;
-  const char* err = "";
-  int code = 0;
-  const char* input = "";
-};
-
-template <size_t N>
-void expect(const Case (&cases)[N]) {
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.line);
-    const auto result = run_line(c.line, c.input);
-    EXPECT_EQ(result.out, c.out);
-    EXPECT_EQ(result.err, c.err);
-    EXPECT_EQ(result.code, c.code);
-  }
-}
+using Case = vxtest::CommandCase;
+using vxtest::expect;
 
 TEST(ParseCommand, DatesTimesAndPeriods) {
   static constexpr Case cases[] = {
