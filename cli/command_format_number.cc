@@ -49,7 +49,6 @@ constexpr const Bit* number_bits[] = {&group, &plus,     &blank,   &left,       
                                       &best,  &exponent, &general, &keep_zeros, &integer_only, &fraction_only};
 constexpr const Bit* integer_bits[] = {&group, &plus, &blank, &left, &zero_pad, &hex, &hex_upper, &octal, &prefix};
 constexpr const Bit* percent_bits[] = {&parentheses};
-constexpr const Bit* currency_bits[] = {&integer_only};
 
 constexpr Option width{.name = "width", .value = "N", .help = "columns of the field; more when the text is longer"};
 constexpr Option decimals{.name = "decimals", .value = "N", .help = "digits after the decimal point"};
