@@ -1,4 +1,5 @@
-// The operations of the extension "vxnlsldb": the table that every locale database has, and what this host asks besides.
+// The operations of the extension "vxnlsldb": the table that every locale database has, and what this host asks
+// besides.
 #ifndef VXNLS_HOST_LOCALE_DATABASE_OPS_H
 #define VXNLS_HOST_LOCALE_DATABASE_OPS_H
 

@@ -9,33 +9,33 @@ extern "C" {
 #endif
 
 /// Option bits of the integer formatters (I), of the formatters of doubles (D), and of both.
-#define NLS_FORMAT_GENERAL 0x0001u          /* D  general form, like %g; also when no other form is asked for */
-#define NLS_FORMAT_PLAIN 0x0002u            /* D  plain notation with the given decimals */
-#define NLS_FORMAT_FRACTION 0x0004u         /* D  the fraction part alone, behind a "0" */
-#define NLS_FORMAT_INTEGER 0x0008u          /* D  no decimals */
-#define NLS_FORMAT_EXPONENT 0x0010u         /* D  exponent form; 0x0020 means the same */
-#define NLS_FORMAT_HEX_LOWER 0x0080u        /* I  unsigned members: hexadecimal, "0123456789abcdef"; wins over HEX_UPPER */
-#define NLS_FORMAT_HEX_UPPER 0x0100u        /* I  unsigned members: hexadecimal, "0123456789ABCDEF" */
-#define NLS_FORMAT_OCTAL 0x0200u            /* I  unsigned members: octal, when not hexadecimal */
-#define NLS_FORMAT_BEST 0x0800u             /* D  as many decimals as fit, the same as decimals 99 */
-#define NLS_FORMAT_FIXED 0x1000u            /* D  fixed field: exactly `width` units, right-aligned */
-#define NLS_FORMAT_FIXED_EXPONENT 0x2000u   /* D  exponent form in a fixed field */
-#define NLS_FORMAT_SIGNIFICANT 0x4000u      /* D  decimals >= 1: as 0x2000; 0: integer digits; < 0: as 0x1000, absolute */
-#define NLS_FORMAT_PLUS 0x10000u            /* ID "+" before values that are not negative (I: signed members) */
-#define NLS_FORMAT_GROUP 0x20000u           /* ID group separators (I: decimal only; D: fixed field and free mode) */
-#define NLS_FORMAT_LEFT 0x40000u            /* ID left-justified, blanks on the right */
-#define NLS_FORMAT_ZERO_PAD 0x80000u        /* ID zeros up to the width (not with LEFT; I: only with precision 0) */
-#define NLS_FORMAT_BLANK 0x200000u          /* ID a blank where "+" could stand (D: not with LEFT or ZERO_PAD) */
-#define NLS_FORMAT_KEEP_ZEROS 0x400000u     /* D  the general form keeps trailing zeros */
-#define NLS_FORMAT_HEX_PREFIX 0x800000u     /* I  "0x", or "0X" before upper-case digits */
-#define NLS_FORMAT_OCTAL_PREFIX 0x1000000u  /* I  a leading "0" */
+#define NLS_FORMAT_GENERAL 0x0001u   /* D  general form, like %g; also when no other form is asked for */
+#define NLS_FORMAT_PLAIN 0x0002u     /* D  plain notation with the given decimals */
+#define NLS_FORMAT_FRACTION 0x0004u  /* D  the fraction part alone, behind a "0" */
+#define NLS_FORMAT_INTEGER 0x0008u   /* D  no decimals */
+#define NLS_FORMAT_EXPONENT 0x0010u  /* D  exponent form; 0x0020 means the same */
+#define NLS_FORMAT_HEX_LOWER 0x0080u /* I  unsigned members: hexadecimal, "0123456789abcdef"; wins over HEX_UPPER */
+#define NLS_FORMAT_HEX_UPPER 0x0100u /* I  unsigned members: hexadecimal, "0123456789ABCDEF" */
+#define NLS_FORMAT_OCTAL 0x0200u     /* I  unsigned members: octal, when not hexadecimal */
+#define NLS_FORMAT_BEST 0x0800u      /* D  as many decimals as fit, the same as decimals 99 */
+#define NLS_FORMAT_FIXED 0x1000u     /* D  fixed field: exactly `width` units, right-aligned */
+#define NLS_FORMAT_FIXED_EXPONENT 0x2000u /* D  exponent form in a fixed field */
+#define NLS_FORMAT_SIGNIFICANT 0x4000u    /* D  decimals >= 1: as 0x2000; 0: integer digits; < 0: as 0x1000, absolute */
+#define NLS_FORMAT_PLUS 0x10000u          /* ID "+" before values that are not negative (I: signed members) */
+#define NLS_FORMAT_GROUP 0x20000u         /* ID group separators (I: decimal only; D: fixed field and free mode) */
+#define NLS_FORMAT_LEFT 0x40000u          /* ID left-justified, blanks on the right */
+#define NLS_FORMAT_ZERO_PAD 0x80000u      /* ID zeros up to the width (not with LEFT; I: only with precision 0) */
+#define NLS_FORMAT_BLANK 0x200000u        /* ID a blank where "+" could stand (D: not with LEFT or ZERO_PAD) */
+#define NLS_FORMAT_KEEP_ZEROS 0x400000u   /* D  the general form keeps trailing zeros */
+#define NLS_FORMAT_HEX_PREFIX 0x800000u   /* I  "0x", or "0X" before upper-case digits */
+#define NLS_FORMAT_OCTAL_PREFIX 0x1000000u /* I  a leading "0" */
 #define NLS_BEST_DECIMALS 99
 
 /// Extended options of the formatters of doubles.
 struct NLSDoubleExOpts {
-  uint8_t options;  /* bit 0: `missing` is set */
+  uint8_t options; /* bit 0: `missing` is set */
   uint8_t pad[3];
-  VXChar missing;   /* shown for the ordinary missing value in place of "." */
+  VXChar missing; /* shown for the ordinary missing value in place of "." */
 };
 
 /// Writes a double by the decimal point, group separator and grouping pattern of a locale.
@@ -111,10 +111,10 @@ VX_API VXStatus vxzFDblToBuff(VXChar* buffer, int64_t size, int64_t* count, int6
 /// Returns 0; 0x803fe80e precision, width or text exceed `size` (nothing is written, not the length either);
 /// 0x803fe831 buffer or length is null.
 /// Example: -1234567, width 12, precision 0, GROUP in de_DE writes "  -1.234.567".
-#define NLS_INT_FORMAT(name, type)                                                                                   \
+#define NLS_INT_FORMAT(name, type)                                                                                     \
   VX_API VXStatus name(VXLocale* locale, type value, int32_t width, int32_t precision, uint32_t flags, VXChar* buffer, \
-                       int64_t size, int64_t* length);                                                               \
-  VX_API VXStatus name##U(VXLocale* locale, type value, int32_t width, int32_t precision, uint32_t flags,            \
+                       int64_t size, int64_t* length);                                                                 \
+  VX_API VXStatus name##U(VXLocale* locale, type value, int32_t width, int32_t precision, uint32_t flags,              \
                           uint8_t* buffer, int64_t size, int64_t* length);
 NLS_INT_FORMAT(NLSIntFormat, int32_t)
 NLS_INT_FORMAT(NLSIntfastFormat, int32_t)

@@ -19,9 +19,9 @@
 // lock: a program must not change it while another thread is in here.
 //
 // Several hosts may be open at once. The library keeps one kernel handle for the whole process, so that hosts over one
-// libvxnlsloc.so share what it leads to: the options, and the folder that extensions are loaded from, which is the one of
-// the first of them. Locales, journals and contexts are each host's own. When the last host closes, the library's kernel
-// handle is null again.
+// libvxnlsloc.so share what it leads to: the options, and the folder that extensions are loaded from, which is the one
+// of the first of them. Locales, journals and contexts are each host's own. When the last host closes, the library's
+// kernel handle is null again.
 #ifndef VXNLS_VXHOST_H
 #define VXNLS_VXHOST_H
 
@@ -75,26 +75,29 @@ VX_API HostContext* vxhostContext(VXHost* host);
 /// which is valid during the call. Called from the thread that the entry comes from, never by two threads at once.
 typedef void (*VXHostJournal)(void* user, uint32_t level, double unix_seconds, const char* text);
 
-/// Sends the entries of this host's journals to a callback; null: to nowhere, as at the start, or to standard error when
-/// the environment has VXHOST_JOURNAL=stderr. After the return no thread is in the callback that was set before.
+/// Sends the entries of this host's journals to a callback; null: to nowhere, as at the start, or to standard error
+/// when the environment has VXHOST_JOURNAL=stderr. After the return no thread is in the callback that was set before.
 VX_API void vxhostSetJournal(VXHost* host, VXHostJournal journal, void* user);
 
-/// Sets an integer option for all hosts over the loaded library. The library reads "VX_NAME_YEARCUTOFF": the first of the
-/// hundred years that two-digit years mean in the vxfmtz... functions. Until it is set here, the environment variable of
-/// an option's name gives its value, read when the option is first asked for and no integer counts as unset.
-/// Returns 0; 0x803fe817 not an option's name ("VX_" and more of A-Z, 0-9, "_"); 0x803fe831 host or name is null.
+/// Sets an integer option for all hosts over the loaded library. The library reads "VX_NAME_YEARCUTOFF": the first of
+/// the hundred years that two-digit years mean in the vxfmtz... functions. Until it is set here, the environment
+/// variable of an option's name gives its value, read when the option is first asked for and no integer counts as
+/// unset. Returns 0; 0x803fe817 not an option's name ("VX_" and more of A-Z, 0-9, "_"); 0x803fe831 host or name is
+/// null.
 VX_API VXStatus vxhostSetOption(VXHost* host, const char* name, int64_t value);
 
-/// What a status means, in English: "0x803fe83c: no time zone has this name". Written with its terminator, cut to `room`.
-/// Returns 0; 0x803fe80e the text was cut; 0x803fe831 host or text is null, or room is 0.
+/// What a status means, in English: "0x803fe83c: no time zone has this name". Written with its terminator, cut to
+/// `room`. Returns 0; 0x803fe80e the text was cut; 0x803fe831 host or text is null, or room is 0.
 VX_API VXStatus vxhostStatusText(VXHost* host, VXStatus status, char* text, size_t room);
 
 /// What a locale name resolves to, without creating the locale: the canonical name of the locale whose data is used,
 /// written with its terminator to `canonical` (63 bytes are always enough).
 /// Returns, and then the name is:
-///   0           the locale itself; another spelling of it counts as itself ("de-DE", "zh_TW" for zh_Hant_TW, "iw_IL" for
+///   0           the locale itself; another spelling of it counts as itself ("de-DE", "zh_TW" for zh_Hant_TW, "iw_IL"
+///   for
 ///               he_IL, "sr_RS@latin" for sr_Latn_RS, "C" and "POSIX" for en_US_POSIX, "und" for root)
-///   0x803fe81a  a substitute: a wider locale in the same script ("de_US": de; "az_Arab", of which there is none: root),
+///   0x803fe81a  a substitute: a wider locale in the same script ("de_US": de; "az_Arab", of which there is none:
+///   root),
 ///               or the locale itself with a keyword or modifier left out ("de_DE@calendar=hebrew")
 ///   0x803fe80b  not a locale name, or a language that ICU has no locale of ("xx_YY"); `canonical` is empty
 ///   0x803fe807  the name does not fit in `room`; `canonical` is empty
@@ -110,10 +113,10 @@ VX_API void vxhostForEachZone(VXHost* host, int (*each)(void* user, const char* 
 
 /// One zone at one moment.
 typedef struct VXHostZoneInfo {
-  char id[64];            /* canonical identifier */
-  char abbreviation[16];  /* as the tz database has it: "CEST" */
-  int32_t offset;         /* seconds east of UTC */
-  int32_t summer_time;    /* 1 while daylight saving is in force, as the tz database marks it */
+  char id[64];           /* canonical identifier */
+  char abbreviation[16]; /* as the tz database has it: "CEST" */
+  int32_t offset;        /* seconds east of UTC */
+  int32_t summer_time;   /* 1 while daylight saving is in force, as the tz database marks it */
 } VXHostZoneInfo;
 
 /// What is in force in a zone.

@@ -178,7 +178,7 @@ static VXJournal* create_journal(VXHandle* kernel, const VXJournalAttributes* at
 }
 static VXExtension* load_extension(VXHandle* kernel, const VXChar* name, int64_t length, uint64_t zero) {
   (void)kernel, (void)zero;
-  if (length == 6) return &messages;                            /* "vxemsg" */
+  if (length == 6) return &messages;                             /* "vxemsg" */
   return name[5] == 'l' ? (VXExtension*)(void*)&database : NULL; /* "vxnlsldb"; no "vxnlsudb" */
 }
 
@@ -245,8 +245,8 @@ int main(void) {
   VXStatus status;
   uint8_t text[100];
 
-  vxextver(&kernel, &major, &minor);                 /* 1. the library keeps the kernel handle */
-  NLSModule* const module = vxnlsloc(&kernel, NULL); /* 2. the module */
+  vxextver(&kernel, &major, &minor);                          /* 1. the library keeps the kernel handle */
+  NLSModule* const module = vxnlsloc(&kernel, NULL);          /* 2. the module */
   context.pool = create_pool(&kernel, NULL, NULL, "context"); /* 3. the context */
   context.creationLock = create_lock(&kernel, NULL, NULL, "creation");
   const LocaleCreateOptions private_locale = {1, {0}, NULL, 0};

@@ -291,11 +291,13 @@ TEST(Percent, SignsParenthesesAndWidths) {
 
 TEST(Currency, SymbolPlacesAndWidths) {
   PlainLocale locale;
-  const Row rows[] = {
-      {1234.5, 12, 2, 0, 0, "   $1,234.50"}, {-1234.5, 12, 2, 0, 0, "  $-1,234.50"}, {1234.5, 0, 2, 0, 0, "$1234.50"},
-      {1234.5, 12, 2, 1, 0, "      $1,235"}, {1234.5, 8, 2, 0, 0, "$1234.50"},  // separators do not fit, nor in what width 0 leaves: no failure
-      {5, -8, 1, 0, 0, "$5.0      "},
-  };
+  const Row rows[] =
+      {
+          {1234.5, 12, 2, 0, 0, "   $1,234.50"}, {-1234.5, 12, 2, 0, 0, "  $-1,234.50"},
+          {1234.5, 0, 2, 0, 0, "$1234.50"},      {1234.5, 12, 2, 1, 0, "      $1,235"},
+          {1234.5, 8, 2, 0, 0, "$1234.50"},  // separators do not fit, nor in what width 0 leaves: no failure
+          {5, -8, 1, 0, 0, "$5.0      "},
+      };
   for (const Row& row : rows)
     EXPECT_EQ(call_decorated(NLSCurrencyFormat, locale, row), (Written{row.status, row.text}));
   vxtest::set_name(locale.data.currencySymbol, U"CHF ");

@@ -14,9 +14,7 @@ namespace {
 
 VXZone the_zone{0};
 
-bool is_test_zone(const VXChar* id, int64_t length) {
-  return std::u32string(id, id + length) == U"Test/Zone";
-}
+bool is_test_zone(const VXChar* id, int64_t length) { return std::u32string(id, id + length) == U"Test/Zone"; }
 
 const VXZoneServiceOps fixed_zone_ops = {
     [](VXZoneService*, const VXChar* id, int64_t length, uint64_t) -> VXZone* {
@@ -33,7 +31,8 @@ const VXZoneServiceOps fixed_zone_ops = {
     },
 };
 
-constexpr const char32_t* days[] = {U"Sunday", U"Monday", U"Tuesday", U"Wednesday", U"Thursday", U"Friday", U"Saturday"};
+constexpr const char32_t* days[] = {U"Sunday",   U"Monday", U"Tuesday", U"Wednesday",
+                                    U"Thursday", U"Friday", U"Saturday"};
 constexpr const char32_t* months[] = {U"January", U"February", U"March",     U"April",   U"May",      U"June",
                                       U"July",    U"August",   U"September", U"October", U"November", U"December"};
 

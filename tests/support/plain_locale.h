@@ -1,4 +1,5 @@
-// A locale made by hand, for tests of single rooms: an English record and, where a test wants one, a zone of fixed rules.
+// A locale made by hand, for tests of single rooms: an English record and, where a test wants one, a zone of fixed
+// rules.
 #ifndef VXNLS_TESTS_SUPPORT_PLAIN_LOCALE_H
 #define VXNLS_TESTS_SUPPORT_PLAIN_LOCALE_H
 
