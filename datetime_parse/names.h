@@ -57,11 +57,10 @@ template <class Text>
 /// An empty name stands everywhere, kept on purpose.
 template <class Text>
 VXReason extractstring(Input<Text>& in, const NLSName* names, int32_t count, int32_t* index) {
-  const bool broken = in.empty() || character_at(in).units == 0;
-  const VXChar first = broken ? 0 : character_at(in).code_point;
+  const VXChar first = in.empty() ? 0 : character_at(in).code_point;
   for (int32_t i = 0; i < count; ++i) {
     const NLSName& name = names[i];
-    if (name.length > 0 && (!may_be_same_letter(name.text[0], first) || broken || !skip_name(in, view(name)))) continue;
+    if (name.length > 0 && (!may_be_same_letter(name.text[0], first) || !skip_name(in, view(name)))) continue;
     *index = i;
     return VX_REASON_NONE;
   }

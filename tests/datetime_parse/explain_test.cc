@@ -135,6 +135,34 @@ TEST(Explain, MatchesAndOthers) {
   EXPECT_EQ(out.refusal.position, 11);
 }
 
+// Each derived time pattern by a text that no earlier candidate takes.
+TEST(Explain, ShortTimes) {
+  static constexpr struct {
+    const char32_t *main, *other;
+    const char* text;
+    uint32_t row;
+    const char* pattern;
+  } cases[] = {
+      {U"%I:%M:%S %p", U"x", "1:05 pm", 5, "%I:%M %p"},
+      {U"%I:%M:%S %p", U"x", "1:05: pm", 6, "%I:%M: %p"},
+      {U"%I:%M:%S %p", U"x", "1:05", 7, "%I:%M"},
+      {U"%I:%M:%S %p", U"x", "1:05:", 8, "%I:%M:"},
+      {U"x", U"%H.%#M.%S", "1.05", 9, "%H.%#M"},
+      {U"x", U"%H.%M.%S", "1.05.", 10, "%H.%M."},
+      {U"%p %I:%M:%S h", U"x", "am 1:05 h", 5, "%p %I:%M h"},
+      {U"%p %I:%M:%S h", U"x", "am 1:05:h", 6, "%p %I:%M: h"},
+      {U"%p %S-%M %H", U"x", "am -5 3", 5, "%p -%M %H"},
+  };
+  for (const auto& c : cases) {
+    PlainLocale locale;
+    set_name(locale.data.timePattern, c.main);
+    set_name(locale.data.timePattern1, c.other);
+    const VXExplanation out = explain(locale.get(), time_of_day, 4, c.text);
+    EXPECT_EQ(out.match.candidate.row, c.row) << c.text;
+    EXPECT_EQ(pattern_of(out.match.candidate), c.pattern) << c.text;
+  }
+}
+
 TEST(Explain, RefusesBadArguments) {
   PlainLocale locale;
   VXExplanation out{};

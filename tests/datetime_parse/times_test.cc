@@ -107,6 +107,12 @@ TEST(ParseTime, LongestPattern) {
     EXPECT_EQ(read_time(locale.get(), text, 4), fits ? value(47100, static_cast<int64_t>(text.size())) : refused_value)
         << n;
   }
+  // Cut before the seconds, 58 units and " %p" are one too many: what is left ends in "%".
+  PlainLocale locale;
+  const std::u32string front(54, U'x');
+  set_name(locale.data.timePattern, front + U"%M%p%S");
+  EXPECT_EQ(read_time(locale.get(), front + U"05am am", 4), refused_value);
+  EXPECT_EQ(read_time(locale.get(), front + U"05am", 4), value(300, 58));
 }
 
 TEST(ParseTime, HostileLengthsAndNulls) {
