@@ -139,4 +139,29 @@ std::string describe(const VXExplainRefusal& refusal, std::string_view text) {
   return fmt::format("at byte {}: {}", refusal.position, describe_reason(refusal, text));
 }
 
+std::string describe_reason(const VXNumberReading& reading, std::string_view text) {
+  const auto at = static_cast<size_t>(reading.fault_offset);
+  const std::string_view part = text.substr(std::min(at, text.size()), static_cast<size_t>(reading.fault_length));
+  const std::string stands = part.empty() ? "the end of the text" : in_quotes(part);
+  switch (reading.fault) {
+    case VX_FAULT_EMPTY: return "there is no number";
+    case VX_FAULT_NO_DIGIT: return stands + " stands where a digit is wanted";
+    case VX_FAULT_SIGN_ALONE: return stands + " follows the sign, not a digit";
+    case VX_FAULT_SIGN_REFUSED: return stands + " before a number that has no sign";
+    case VX_FAULT_LEADING_SEPARATOR: return "a group separator before the first digit";
+    case VX_FAULT_WRONG_POINT: return "\".\" is not the decimal point of the locale";
+    case VX_FAULT_POINT_ALONE: return "a decimal point without digits";
+    case VX_FAULT_MISSING_LETTER: return "\".\" followed by neither a digit nor the letter of a missing value";
+    case VX_FAULT_SECOND_POINT: return "a second decimal point";
+    case VX_FAULT_SEPARATOR_IN_FRACTION: return "a group separator after the decimal point";
+    case VX_FAULT_EXPONENT_WITHOUT_DIGITS: return stands + " stands where the digits of the exponent are wanted";
+    case VX_FAULT_EXPONENT_RANGE: return fmt::format("the exponent {} is outside -30800 to 30800", stands);
+    case VX_FAULT_POINT_IN_INTEGER: return "a decimal point in a whole number; --fraction drops what follows it";
+    case VX_FAULT_TEXT_AFTER: return stands + " follows the number";
+    case VX_FAULT_OVERFLOW: return stands + " is too large";
+    case VX_FAULT_UNDERFLOW: return stands + " is too small for a double";
+    default: return "it is not understood";
+  }
+}
+
 }  // namespace vxcli

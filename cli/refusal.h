@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "vxnls/explain.h"
+#include "vxnls/explain_number.h"
 
 namespace vxcli {
 
@@ -14,6 +15,9 @@ std::string describe(const VXExplainRefusal& refusal, std::string_view text);
 
 /// The same without the place.
 std::string describe_reason(const VXExplainRefusal& refusal, std::string_view text);
+
+/// The same of a number that was not understood; its place is `reading.fault_offset`.
+std::string describe_reason(const VXNumberReading& reading, std::string_view text);
 
 /// Where a candidate comes from: the locale's date pattern, common form 4 ...
 std::string describe_source(const VXExplainCandidate& candidate);
