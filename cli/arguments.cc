@@ -45,6 +45,24 @@ Words names_of(std::span<const Command* const> commands) {
   return names;
 }
 
+/// The commands named `name`, wherever they stand below the last of `path`.
+void collect_namesakes(const Path& path, std::string_view name, Words& found) {
+  for (const Command* child : path.back()->commands) {
+    Path longer = path;
+    longer.push_back(child);
+    if (child->name == name) found.push_back(in_quotes(full_name(longer)));
+    collect_namesakes(longer, name, found);
+  }
+}
+
+[[noreturn]] void refuse_command(const Path& path, const std::string& word) {
+  Words elsewhere;
+  collect_namesakes({&root_command}, word, elsewhere);
+  const std::string suggestion = elsewhere.empty() ? did_you_mean(word, names_of(path.back()->commands))
+                                                   : fmt::format("; did you mean {}?", alternatives(elsewhere));
+  fail(ExitCode::usage, "\"{}\" has no command {}{}", full_name(path), in_quotes(word), suggestion);
+}
+
 /// The commands below the last of `path` that have an option so spelled.
 void collect_owners(const Path& path, std::string_view spelling, Words& owners) {
   for (const Command* child : path.back()->commands) {
@@ -119,8 +137,7 @@ Arguments::Arguments(std::vector<std::string> words) : path_{&root_command} {
     const Command* const child = find_command(command(), words[0]);
     if (child == nullptr) {
       if (command().run != nullptr) break;
-      fail(ExitCode::usage, "\"{}\" has no command {}{}", full_name(path_), in_quotes(words[0]),
-           did_you_mean(words[0], names_of(command().commands)));
+      refuse_command(path_, words[0]);
     }
     path_.push_back(child);
     words.erase(words.begin());
@@ -178,13 +195,16 @@ void Arguments::adopt(const Option& option, const std::vector<std::string>& text
 }
 
 void Arguments::check_choices() const {
+  const auto check = [](const auto& name, std::span<const std::string_view> choices, const std::string& text) {
+    if (choices.empty() || std::find(choices.begin(), choices.end(), text) != choices.end()) return;
+    fail(ExitCode::usage, "{} {}: it is {}", name, in_quotes(text), alternatives({choices.begin(), choices.end()}));
+  };
   for (const auto& [option, texts] : options_) {
-    if (option->choices.empty()) continue;
-    for (const std::string& text : texts) {
-      if (std::find(option->choices.begin(), option->choices.end(), text) != option->choices.end()) continue;
-      const Words choices(option->choices.begin(), option->choices.end());
-      fail(ExitCode::usage, "{} {}: it is {}", spelled(*option), in_quotes(text), alternatives(choices));
-    }
+    for (const std::string& text : texts) check(spelled(*option), option->choices, text);
+  }
+  const auto& wanted = command().arguments;
+  for (size_t i = 0; i < std::min(wanted.size(), values_.size()); ++i) {
+    check(wanted[i].name, wanted[i].choices, values_[i]);
   }
 }
 

@@ -34,6 +34,7 @@ struct Argument {
   bool required = false;
   bool repeats = false;  // only the last
   Completes completes = Completes::nothing;
+  std::span<const std::string_view> choices = {};  // where there are any, nothing else is accepted
 };
 
 /// As typed behind a prompt, and what that prints. The tests run them.
@@ -41,6 +42,10 @@ struct Example {
   std::string_view line;
   std::string_view output;
 };
+
+/// The variable that names the locale of a command between LC_ALL and LANG: LC_TIME, LC_NUMERIC, or the first of the
+/// two.
+enum class LocaleCategory { time, numeric, both };
 
 struct Command {
   std::string_view name;
@@ -51,6 +56,7 @@ struct Command {
   std::span<const Example> examples = {};
   std::span<const Command* const> commands = {};
   ExitCode (*run)(Invocation&) = nullptr;  // null: only its commands do something
+  LocaleCategory category = LocaleCategory::time;
 };
 
 /// The command `vxnls` itself: all others stand below it. Its options are understood by every command.

@@ -312,7 +312,8 @@ const Command format_number{
     .arguments = number_arguments,
     .options = number_options,
     .examples = number_examples,
-    .run = run_number};
+    .run = run_number,
+    .category = LocaleCategory::numeric};
 
 const Command format_percent{.name = "percent",
                              .summary = "Writes shares of 1 as percentages",
@@ -320,7 +321,8 @@ const Command format_percent{.name = "percent",
                              .arguments = number_arguments,
                              .options = percent_options,
                              .examples = percent_examples,
-                             .run = run_percent};
+                             .run = run_percent,
+                             .category = LocaleCategory::numeric};
 
 const Command format_currency{
     .name = "currency",
@@ -329,7 +331,8 @@ const Command format_currency{
     .arguments = number_arguments,
     .options = currency_options,
     .examples = currency_examples,
-    .run = run_currency};
+    .run = run_currency,
+    .category = LocaleCategory::numeric};
 
 const Command format_integer{
     .name = "integer",
@@ -338,6 +341,7 @@ const Command format_integer{
     .arguments = integer_arguments,
     .options = integer_options,
     .examples = integer_examples,
-    .run = run_integer};
+    .run = run_integer,
+    .category = LocaleCategory::numeric};
 
 }  // namespace vxcli

@@ -385,6 +385,7 @@ const Command locale_show{
     .arguments = arguments,
     .options = command_options,
     .examples = examples,
-    .run = run};
+    .run = run,
+    .category = LocaleCategory::both};
 
 }  // namespace vxcli

@@ -133,7 +133,8 @@ const Command parse_number{
     .arguments = arguments,
     .options = number_options,
     .examples = number_examples,
-    .run = run_number};
+    .run = run_number,
+    .category = LocaleCategory::numeric};
 
 const Command parse_integer{
     .name = "integer",
@@ -142,6 +143,7 @@ const Command parse_integer{
     .arguments = arguments,
     .options = integer_options,
     .examples = integer_examples,
-    .run = run_integer};
+    .run = run_integer,
+    .category = LocaleCategory::numeric};
 
 }  // namespace vxcli

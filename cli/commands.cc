@@ -53,7 +53,7 @@ constexpr Command locale{.name = "locale",
 constexpr const Command* commands[] = {&format,    &parse,       &locale,  &calendar, &zone,
                                        &transcode, &change_case, &compare, &chars,    &help};
 
-constexpr const Option* common_options[] = {&options::locale,     &options::zone, &options::quiet,
+constexpr const Option* common_options[] = {&options::locale,     &options::zone, &options::quiet,  &options::color,
                                             &options::short_help, &options::help, &options::version};
 
 constexpr Example examples[] = {
@@ -78,8 +78,10 @@ const Command root_command{
     .name = "vxnls",
     .summary = "Dates, times and numbers in every locale and time zone",
     .description =
-        "The locale is that of --locale, VXNLS_LOCALE, LC_ALL, LC_TIME or LANG, the first one that is given; the time "
-        "zone that of --zone, VXNLS_ZONE or TZ, or else the system's. Both options may stand before or behind the "
+        "The locale is that of --locale, VXNLS_LOCALE, LC_ALL, LC_TIME or LANG, the first one that is given; for "
+        "numbers "
+        "LC_NUMERIC takes the place of LC_TIME. The time zone is that of --zone, VXNLS_ZONE or TZ, or else the "
+        "system's. Both options may stand before or behind the "
         "command. Everything behind \"--\" is a value.\n"
         "\n"
         "Exit codes: 0 done; 1 finished, but some values could not be read; 2 wrong usage, locale, zone or pattern; 3 "

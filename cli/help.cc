@@ -16,21 +16,23 @@ struct Entry {
 };
 
 /// Names in one column, help in another that begins where the longest name (or the 28th column) ends.
-std::string definitions(std::string_view heading, const std::vector<Entry>& entries) {
+std::string definitions(std::string_view heading, const std::vector<Entry>& entries, Colors colors) {
   if (entries.empty()) return {};
   size_t column = 0;
   for (const Entry& entry : entries) column = std::max(column, std::min<size_t>(entry.name.size() + 4, 28));
-  std::string text = fmt::format("\n{}\n", heading);
+  std::string text = fmt::format("\n{}\n", colors.paint(Tint::heading, heading));
   for (const Entry& entry : entries) {
-    std::string line = "  " + entry.name;
-    if (line.size() + 2 > column) {
-      text += line + '\n';
-      line.clear();
-    }
-    line.resize(column, ' ');
-    text += line + wrapped(entry.help, page_width, column) + '\n';
+    text += "  " + colors.paint(Tint::name, entry.name);
+    const size_t width = entry.name.size() + 2;
+    text += width + 2 > column ? '\n' + std::string(column, ' ') : std::string(column - width, ' ');
+    text += wrapped(entry.help, page_width, column) + '\n';
   }
   return text;
+}
+
+std::string one_of(std::span<const std::string_view> choices) {
+  if (choices.empty()) return {};
+  return ": " + alternatives(std::vector<std::string>(choices.begin(), choices.end()));
 }
 
 Entry entry_of(const Option& option) {
@@ -38,10 +40,7 @@ Entry entry_of(const Option& option) {
   if (!option.name.empty()) name += fmt::format("{}--{}", option.letter != 0 ? ", " : "  ", option.name);
   if (!option.is_flag()) name += fmt::format(" {}", option.value);
   std::string help(option.help);
-  if (!option.choices.empty()) {
-    help += ": " + alternatives(std::vector<std::string>(option.choices.begin(), option.choices.end()));
-  }
-  return {name, help};
+  return {name, help + one_of(option.choices)};
 }
 
 std::vector<Entry> entries_of(std::span<const Option* const> options) {
@@ -50,7 +49,7 @@ std::vector<Entry> entries_of(std::span<const Option* const> options) {
   return entries;
 }
 
-std::string usage_lines(const std::vector<const Command*>& path) {
+std::string usage_lines(const std::vector<const Command*>& path, Colors colors) {
   const Command& command = *path.back();
   const std::string name = full_name(path);
   std::string text;
@@ -62,14 +61,14 @@ std::string usage_lines(const std::vector<const Command*>& path) {
     }
   }
   if (!command.commands.empty()) text += fmt::format("{}{} COMMAND ...", text.empty() ? "" : "\n       ", name);
-  return "Usage: " + text + '\n';
+  return colors.paint(Tint::heading, "Usage:") + ' ' + text + '\n';
 }
 
 }  // namespace
 
-std::string help_text(const std::vector<const Command*>& path, HelpLength length) {
+std::string help_text(const std::vector<const Command*>& path, HelpLength length, Colors colors) {
   const Command& command = *path.back();
-  std::string text = usage_lines(path);
+  std::string text = usage_lines(path, colors);
   text += '\n' + wrapped(fmt::format("{}.", command.summary), page_width) + '\n';
   if (length == HelpLength::whole && !command.description.empty()) {
     text += '\n' + wrapped(command.description, page_width) + '\n';
@@ -77,19 +76,19 @@ std::string help_text(const std::vector<const Command*>& path, HelpLength length
 
   std::vector<Entry> entries;
   for (const Command* one : command.commands) entries.push_back({std::string(one->name), std::string(one->summary)});
-  text += definitions("Commands:", entries);
+  text += definitions("Commands:", entries, colors);
   entries.clear();
   for (const Argument& argument : command.arguments) {
-    entries.push_back({std::string(argument.name), std::string(argument.help)});
+    entries.push_back({std::string(argument.name), std::string(argument.help) + one_of(argument.choices)});
   }
-  text += definitions("Arguments:", entries);
-  if (path.size() > 1) text += definitions("Options:", entries_of(command.options));
-  text += definitions("Options of every command:", entries_of(root_command.options));
+  text += definitions("Arguments:", entries, colors);
+  if (path.size() > 1) text += definitions("Options:", entries_of(command.options), colors);
+  text += definitions("Options of every command:", entries_of(root_command.options), colors);
 
   if (length == HelpLength::whole && !command.examples.empty()) {
-    text += "\nExamples:\n";
+    text += fmt::format("\n{}\n", colors.paint(Tint::heading, "Examples:"));
     for (const Example& example : command.examples) {
-      text += fmt::format("  $ {}\n", example.line);
+      text += fmt::format("  {} {}\n", colors.paint(Tint::faint, "$"), colors.paint(Tint::name, example.line));
       for (size_t at = 0; at < example.output.size();) {
         const size_t end = std::min(example.output.find('\n', at), example.output.size());
         text += fmt::format("  {}\n", example.output.substr(at, end - at));

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/color.h"
 #include "cli/command.h"
 
 namespace vxcli {
@@ -12,7 +13,7 @@ namespace vxcli {
 enum class HelpLength { in_short, whole };
 
 /// The help of the last command of a path that begins at the root.
-std::string help_text(const std::vector<const Command*>& path, HelpLength length);
+std::string help_text(const std::vector<const Command*>& path, HelpLength length, Colors colors = Colors());
 
 }  // namespace vxcli
 

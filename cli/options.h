@@ -10,8 +10,8 @@ inline constexpr Option locale{.name = "locale",
                                .letter = 'l',
                                .value = "NAME",
                                .help =
-                                   "locale, as de_DE or sr-Latn-RS; else that of VXNLS_LOCALE, LC_ALL, LC_TIME or "
-                                   "LANG, the first one that is set",
+                                   "locale, as de_DE or sr-Latn-RS; else that of VXNLS_LOCALE, LC_ALL, LC_TIME (for "
+                                   "numbers LC_NUMERIC) or LANG, the first one that is set",
                                .completes = Completes::locales};
 inline constexpr Option zone{.name = "zone",
                              .letter = 'z',
@@ -19,6 +19,14 @@ inline constexpr Option zone{.name = "zone",
                              .help = "time zone, as Europe/Berlin; else that of VXNLS_ZONE or TZ, or the system's",
                              .completes = Completes::zones};
 inline constexpr Option quiet{.name = "quiet", .letter = 'q', .help = "no notes on standard error"};
+inline constexpr std::string_view color_choices[] = {"auto", "always", "never"};
+inline constexpr Option color{.name = "color",
+                              .value = "WHEN",
+                              .help =
+                                  "colours; auto, as when not given, is on a terminal, and goes by NO_COLOR and "
+                                  "CLICOLOR_FORCE",
+                              .choices = color_choices,
+                              .completes = Completes::choices};
 inline constexpr Option short_help{.name = "", .letter = 'h', .help = "this help, in short"};
 inline constexpr Option help{.name = "help", .help = "this help, with examples"};
 inline constexpr Option version{.name = "version", .help = "the versions of the command and of what stands behind it"};

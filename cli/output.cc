@@ -86,10 +86,12 @@ void Output::give_up(int error) {
   fail(ExitCode::io, "cannot write {}: {}", name_, std::strerror(error));
 }
 
-void Messages::error(std::string_view text) const { to_standard_error(fmt::format("vxnls: {}\n", text)); }
+void Messages::error(std::string_view text) const {
+  to_standard_error(fmt::format("{} {}\n", colors_.paint(Tint::error, "vxnls:"), text));
+}
 
 void Messages::note(std::string_view text) const {
-  if (!quiet_) to_standard_error(fmt::format("vxnls: note: {}\n", text));
+  if (!quiet_) to_standard_error(fmt::format("vxnls: {} {}\n", colors_.paint(Tint::note, "note:"), text));
 }
 
 }  // namespace vxcli

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "cli/color.h"
+
 namespace vxcli {
 
 /// A file descriptor that is closed at the start of a program is given to the next file that is opened, and what the
@@ -50,9 +52,11 @@ class Messages {
   /// Something to know, not a failure; not shown when quiet.
   void note(std::string_view text) const;
   void be_quiet() { quiet_ = true; }
+  void use_colors(Colors colors) { colors_ = colors; }
 
  private:
   bool quiet_ = false;
+  Colors colors_;
 };
 
 }  // namespace vxcli

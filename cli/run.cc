@@ -8,26 +8,46 @@
 #include "cli/help.h"
 #include "cli/options.h"
 #include "cli/session.h"
+#include "vxnls/module.h"
 
 namespace vxcli {
 
 namespace {
 
+/// What follows --color in a command line that may turn out to be wrong.
+std::string_view color_asked_for(const std::vector<std::string>& words) {
+  static constexpr std::string_view option = "--color";
+  std::string_view choice;
+  for (size_t i = 0; i < words.size() && words[i] != "--"; ++i) {
+    const std::string_view word = words[i];
+    if (word.starts_with("--color=")) choice = word.substr(option.size() + 1);
+    if (word == option && i + 1 < words.size()) choice = words[i + 1];
+  }
+  return choice;
+}
+
+std::string version_line(VXHost* host) {
+  VXBuildRecord library;
+  vxvercn1(&library);
+  return fmt::format("vxnls {} (libvxnlsloc {}; {})", VXNLS_VERSION, library.label, vxhostVersions(host));
+}
+
 ExitCode run_command(const Arguments& arguments, const Messages& messages, Output& out) {
+  const Colors colors = colors_for(arguments.value(options::color).value_or(""), STDOUT_FILENO);
   if (arguments.has(options::help) || arguments.has(options::short_help)) {
     const HelpLength length = arguments.has(options::help) ? HelpLength::whole : HelpLength::in_short;
-    out.put(help_text(arguments.path(), length));
+    out.put(help_text(arguments.path(), length, colors));
     return ExitCode::done;
   }
   Session session(arguments, messages);
   if (arguments.has(options::version)) {
-    out.line(fmt::format("vxnls {} ({})", VXNLS_VERSION, vxhostVersions(session.host())));
+    out.line(version_line(session.host()));
     return ExitCode::done;
   }
   // What was asked for by name is never wrong in silence, also where the command has no use for it.
   if (arguments.has(options::locale)) session.locale_name();
   if (arguments.has(options::zone)) session.zone();
-  Invocation invocation{arguments, session, out, messages};
+  Invocation invocation{arguments, session, out, messages, colors};
   return arguments.command().run(invocation);
 }
 
@@ -35,9 +55,11 @@ ExitCode run_command(const Arguments& arguments, const Messages& messages, Outpu
 
 ExitCode run(std::vector<std::string> words) {
   Messages messages;
+  messages.use_colors(colors_for(color_asked_for(words), STDERR_FILENO));
   Output out(STDOUT_FILENO, "standard output");
   try {
     const Arguments arguments(std::move(words));
+    messages.use_colors(colors_for(arguments.value(options::color).value_or(""), STDERR_FILENO));
     if (arguments.has(options::quiet)) messages.be_quiet();
     const ExitCode code = run_command(arguments, messages, out);
     out.finish();

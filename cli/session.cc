@@ -1,7 +1,7 @@
 #include "cli/session.h"
 
-#include <array>
 #include <cstdlib>
+#include <span>
 #include <utility>
 
 #include "cli/options.h"
@@ -12,22 +12,25 @@ namespace vxcli {
 
 namespace {
 
-struct Choice {
-  std::string value;
-  std::string source;  // the variable's name; empty: the command line
-};
-
-/// The first variable that is set and not empty.
-template <size_t N>
-std::optional<Choice> from_environment(const std::array<const char*, N>& variables) {
-  for (const char* variable : variables) {
-    const char* const value = std::getenv(variable);
-    if (value != nullptr && *value != '\0') return Choice{value, variable};
-  }
-  return std::nullopt;
+const char* set_variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value != nullptr && *value != '\0' ? value : nullptr;
 }
 
-std::string in_front(const std::string& source) { return source.empty() ? "" : source + ": "; }
+constexpr const char* variables_for_times[] = {"VXNLS_LOCALE", "LC_ALL", "LC_TIME", "LANG"};
+constexpr const char* variables_for_numbers[] = {"VXNLS_LOCALE", "LC_ALL", "LC_NUMERIC", "LANG"};
+constexpr const char* variables_for_both[] = {"VXNLS_LOCALE", "LC_ALL", "LC_TIME", "LC_NUMERIC", "LANG"};
+
+std::span<const char* const> locale_variables(LocaleCategory category) {
+  if (category == LocaleCategory::numeric) return variables_for_numbers;
+  if (category == LocaleCategory::both) return variables_for_both;
+  return variables_for_times;
+}
+
+/// Where a wrong name stands; the command line goes without saying.
+std::string in_front(const std::string& source) {
+  return source.empty() || source.starts_with("--") ? "" : source + ": ";
+}
 
 int collect(void* names, const char* name) {
   static_cast<std::vector<std::string>*>(names)->emplace_back(name);
@@ -74,18 +77,23 @@ std::string Session::resolve_locale(const std::string& name, const std::string& 
   return canonical;
 }
 
-const std::string& Session::locale_name() {
-  if (!locale_name_) {
-    // A system that names no locale speaks as the C locale does.
-    Choice choice{"C", ""};
-    if (const auto given = arguments_.value(options::locale)) {
-      choice = {*given, ""};
-    } else if (const auto variable = from_environment(std::array{"VXNLS_LOCALE", "LC_ALL", "LC_TIME", "LANG"})) {
-      choice = *variable;
-    }
-    locale_name_ = resolve_locale(choice.value, choice.source);
+Session::Choice Session::ask_for_locale(LocaleCategory category) const {
+  if (auto given = arguments_.value(options::locale)) return {std::move(*given), spelled(options::locale)};
+  for (const char* variable : locale_variables(category)) {
+    if (const char* const value = set_variable(variable)) return {value, variable};
   }
-  return *locale_name_;
+  // A system that names no locale speaks as the C locale does.
+  return {"C", "default"};
+}
+
+const Session::Choice& Session::chosen_locale(LocaleCategory category) {
+  std::optional<Choice>& chosen = locales_[static_cast<size_t>(category)];
+  if (!chosen) {
+    Choice asked = ask_for_locale(category);
+    std::string canonical = resolve_locale(asked.name, asked.source);
+    chosen = Choice{std::move(canonical), std::move(asked.source)};
+  }
+  return *chosen;
 }
 
 Zone Session::open_zone(const std::string& name, const std::string& source) {
@@ -99,14 +107,19 @@ Zone Session::open_zone(const std::string& name, const std::string& source) {
 
 const Zone& Session::zone() {
   if (!zone_) {
+    const auto choose = [&](const std::string& name, const char* source) {
+      zone_.emplace(open_zone(name, source));
+      zone_source_ = source;
+    };
     if (const auto given = arguments_.value(options::zone)) {
-      zone_.emplace(open_zone(*given, ""));
-    } else if (const auto variable = from_environment(std::array{"VXNLS_ZONE"})) {
-      zone_.emplace(open_zone(variable->value, variable->source));
+      choose(*given, "--zone");
+    } else if (const char* const own = set_variable("VXNLS_ZONE")) {
+      choose(own, "VXNLS_ZONE");
     } else if (auto system = Zone::open(host(), nullptr)) {
       zone_.emplace(std::move(*system));
-    } else if (const auto tz = from_environment(std::array{"TZ"})) {
-      zone_.emplace(open_zone(tz->value, tz->source));
+      zone_source_ = std::getenv("TZ") != nullptr ? "TZ" : "system";
+    } else if (const char* const tz = set_variable("TZ")) {
+      choose(tz, "TZ");
     } else {
       fail(ExitCode::usage, "the system does not say which time zone it is in; choose one with --zone");
     }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "cli/arguments.h"
+#include "cli/color.h"
 #include "cli/input.h"
 #include "cli/output.h"
 #include "cli/value.h"
@@ -25,8 +26,15 @@ class Session {
 
   VXHost* host();
   /// The canonical name of the locale whose data is used; says so when that is a substitute.
-  const std::string& locale_name();
+  const std::string& locale_name() { return locale_name(arguments_.command().category); }
+  const std::string& locale_name(LocaleCategory category) { return chosen_locale(category).name; }
+  /// Why it is that one: "--locale", "VXNLS_LOCALE", "LC_ALL", "LC_TIME", "LC_NUMERIC", "LANG", or "default" when
+  /// nothing names a locale.
+  const std::string& locale_source() { return locale_source(arguments_.command().category); }
+  const std::string& locale_source(LocaleCategory category) { return chosen_locale(category).source; }
   const Zone& zone();
+  /// Likewise: "--zone", "VXNLS_ZONE", "TZ" or "system".
+  const std::string& zone_source() { return zone(), zone_source_; }
   /// A locale of its own for this session, whose record may be changed.
   VXLocale* locale() { return locale_ != nullptr ? locale_ : locale_ = locale_called(locale_name()); }
   /// The same of another canonical name, a new one each time.
@@ -34,7 +42,8 @@ class Session {
   VXLocale* locale_called(const std::string& name, const std::string& zone);
   ValueReader& values();
 
-  /// What `name` resolves to. `source` says where the name comes from ("LANG"); empty: from the command line.
+  /// What `name` resolves to. `source` says where the name comes from ("LANG"); empty or an option: from the command
+  /// line.
   std::string resolve_locale(const std::string& name, const std::string& source);
   Zone open_zone(const std::string& name, const std::string& source);
 
@@ -43,11 +52,19 @@ class Session {
     void operator()(VXHost* host) const { vxhostClose(host); }
   };
 
+  struct Choice {
+    std::string name;
+    std::string source;
+  };
+  const Choice& chosen_locale(LocaleCategory category);
+  Choice ask_for_locale(LocaleCategory category) const;
+
   const Arguments& arguments_;
   const Messages& messages_;
   std::unique_ptr<VXHost, CloseHost> host_;
-  std::optional<std::string> locale_name_;
+  std::optional<Choice> locales_[3];  // by category
   std::optional<Zone> zone_;
+  std::string zone_source_;
   std::optional<ValueReader> values_;
   VXLocale* locale_ = nullptr;
 };
@@ -58,6 +75,7 @@ struct Invocation {
   Session& session;
   Output& out;
   const Messages& messages;
+  Colors colors{};  // of standard output
 };
 
 /// The text of a status, with its number, and the exit code `host`.

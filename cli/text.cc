@@ -135,6 +135,10 @@ std::string alternatives(const std::vector<std::string>& words) {
 size_t display_width(std::string_view text) {
   size_t width = 0;
   for (size_t at = 0; at < text.size();) {
+    if (text.substr(at).starts_with("\x1b[")) {
+      at = std::min(text.find('m', at), text.size() - 1) + 1;
+      continue;
+    }
     const size_t start = at;
     const UChar32 c = next_code_point(text, at);
     if (c < 0) at = start + 1;

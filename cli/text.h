@@ -28,7 +28,7 @@ bool contains(std::string_view text, std::string_view part);
 /// "a, b or c"
 std::string alternatives(const std::vector<std::string>& words);
 
-/// Columns that a terminal shows the text in: 2 for wide East Asian characters, 0 for combining ones.
+/// Columns that a terminal shows the text in: 2 for wide East Asian characters, 0 for combining ones and for paint.
 size_t display_width(std::string_view text);
 
 /// Lines of cells, each column as wide as its widest cell; the last column is not filled up.

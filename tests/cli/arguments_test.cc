@@ -66,6 +66,8 @@ TEST(Arguments, Refusals) {
       {{}, R"("vxnls" wants a command: )"},
       {{"format"}, R"("vxnls format" wants a command: )"},
       {{"fromat"}, R"("vxnls" has no command "fromat"; did you mean format?)"},
+      {{"datetime"},
+       R"("vxnls" has no command "datetime"; did you mean "vxnls format datetime" or "vxnls parse datetime"?)"},
       {{"xyz", "date"}, R"("vxnls" has no command "xyz")"},
       {{"format", "dtae"}, R"("vxnls format" has no command "dtae"; did you mean date?)"},
       {{"format", "date", "--patern", "x"}, R"("vxnls format date" has no option "--patern"; did you mean --pattern?)"},
