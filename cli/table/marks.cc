@@ -1,0 +1,57 @@
+#include "cli/table/marks.h"
+
+#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace vxcli::table {
+
+namespace {
+
+#ifdef __SSE2__
+
+uint64_t marks_in(const char* bytes, char a, char b) {
+  const __m128i separator = _mm_set1_epi8(a);
+  const __m128i quote = _mm_set1_epi8(b);
+  const __m128i line_feed = _mm_set1_epi8('\n');
+  uint64_t mask = 0;
+  for (int i = 0; i < 4; ++i) {
+    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + 16 * i));
+    const __m128i found = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(text, separator), _mm_cmpeq_epi8(text, quote)),
+                                       _mm_cmpeq_epi8(text, line_feed));
+    mask |= static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(found))) << (16 * i);
+  }
+  return mask;
+}
+
+#else
+
+uint64_t marks_in(const char* bytes, char a, char b) {
+  uint64_t mask = 0;
+  for (int i = 0; i < 64; ++i) {
+    const bool found = bytes[i] == a || bytes[i] == b || bytes[i] == '\n';
+    mask |= uint64_t{found} << i;
+  }
+  return mask;
+}
+
+#endif
+
+}  // namespace
+
+void Marks::load() {
+  chunk_ = ahead_;
+  const size_t left = text_.size() - chunk_;
+  if (left >= chunk_size) {
+    mask_ = marks_in(text_.data() + chunk_, separator_, quote_);
+  } else {
+    char last[chunk_size] = {};
+    std::memcpy(last, text_.data() + chunk_, left);
+    mask_ = marks_in(last, separator_, quote_) & ((uint64_t{1} << left) - 1);
+  }
+  ahead_ = chunk_ + chunk_size;
+}
+
+}  // namespace vxcli::table

@@ -1,0 +1,345 @@
+#include "cli/table/splitter.h"
+
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <cstring>
+#include <numeric>
+#include <utility>
+
+#include "cli/table/json_members.h"
+
+namespace vxcli::table {
+
+namespace {
+
+constexpr size_t nowhere = std::string_view::npos;
+
+char separator_in(const Dialect& dialect) { return dialect.format == Format::lines ? '\n' : dialect.separator; }
+char quote_in(const Dialect& dialect) { return dialect.format == Format::csv ? '"' : separator_in(dialect); }
+
+constexpr struct {
+  char byte;
+  char letter;
+} tsv_escapes[] = {{'\t', 't'}, {'\n', 'n'}, {'\r', 'r'}, {'\\', '\\'}};
+
+void append_unescaped(std::string_view token, std::string& out) {
+  for (size_t i = 0; i < token.size(); ++i) {
+    const auto meant = std::find_if(std::begin(tsv_escapes), std::end(tsv_escapes), [&](const auto& escape) {
+      return token[i] == '\\' && i + 1 < token.size() && token[i + 1] == escape.letter;
+    });
+    if (meant != std::end(tsv_escapes)) ++i;
+    out += meant != std::end(tsv_escapes) ? meant->byte : token[i];
+  }
+}
+
+void append_escaped(std::string_view value, std::string& out) {
+  for (const char byte : value) {
+    const auto escape = std::find_if(std::begin(tsv_escapes), std::end(tsv_escapes),
+                                     [&](const auto& candidate) { return candidate.byte == byte; });
+    if (escape != std::end(tsv_escapes)) out += '\\';
+    out += escape != std::end(tsv_escapes) ? escape->letter : byte;
+  }
+}
+
+void append_unquoted(std::string_view token, std::string& out) {
+  token.remove_prefix(1);
+  for (;;) {
+    const size_t quote = token.find('"');
+    if (quote == nowhere) break;  // nothing closes it
+    out += token.substr(0, quote);
+    token.remove_prefix(quote + 1);
+    if (!token.starts_with('"')) break;  // closed; what follows stands for itself
+    out += '"';
+    token.remove_prefix(1);
+  }
+  out += token;
+}
+
+void append_quoted(std::string_view value, std::string& out) {
+  out += '"';
+  for (size_t at = 0; at < value.size();) {
+    const size_t behind = std::min(value.find('"', at), value.size() - 1) + 1;
+    out += value.substr(at, behind - at);
+    if (out.back() == '"') out += '"';
+    at = behind;
+  }
+  out += '"';
+}
+
+Kind kind_of(char first) {
+  if (first == '"') return Kind::text;
+  if (first == '{' || first == '[') return Kind::nested;
+  return first == '-' || (first >= '0' && first <= '9') ? Kind::number : Kind::literal;
+}
+
+/// The key of a member, in `scratch` when it was escaped.
+std::string_view key_of(std::string_view token, std::string& scratch) {
+  const std::string_view between = token.substr(1, token.size() - 2);
+  if (between.find('\\') == nowhere || !decode_json_string(token, scratch)) return between;
+  return scratch;
+}
+
+}  // namespace
+
+uint64_t Record::line_of(size_t at) const {
+  const std::string_view before = text.substr(0, at);
+  return line + static_cast<uint64_t>(std::count(before.begin(), before.end(), '\n'));
+}
+
+Splitter::Splitter(const Dialect& dialect, std::vector<Column> columns, size_t expected)
+    : dialect_(dialect),
+      columns_(std::move(columns)),
+      in_order_(columns_.size()),
+      expected_(expected),
+      marks_(separator_in(dialect), quote_in(dialect)) {
+  std::iota(in_order_.begin(), in_order_.end(), size_t{0});
+  std::stable_sort(in_order_.begin(), in_order_.end(),
+                   [&](size_t a, size_t b) { return columns_[a].index < columns_[b].index; });
+}
+
+void Splitter::start(const Block& block) {
+  block_ = block;
+  at_ = 0;
+  line_ = block.line;
+  number_ = block.record;
+  marks_.start(block.text);
+}
+
+bool Splitter::next(Record& record) {
+  if (at_ == block_.text.size()) return false;
+  record.number = number_++;
+  record.line = line_;
+  record.offset = block_.offset + at_;
+  record.cell_count = 0;
+  record.cells.clear();
+  record.flaws.clear();
+  return dialect_.format == Format::json_lines ? next_object(record) : next_delimited(record);
+}
+
+/// The record ends before `end` in the block; its line end was found or is missing.
+void Splitter::end_record(Record& record, size_t end) {
+  record.text = block_.text.substr(at_, end - at_);
+  at_ = end;
+  size_t length = record.text.ends_with('\n') ? 1 : 0;
+  if (record.text.ends_with("\r\n")) length = 2;
+  record.line_end = record.text.substr(record.text.size() - length);
+}
+
+bool Splitter::next_delimited(Record& record) {
+  const std::string_view text = block_.text;
+  size_t cell_begin = at_;
+  size_t next_chosen = 0;
+  bool in_quotes = false, quoted = false, doubled = false;
+  size_t closed = nowhere;  // the quote that closed the cell
+
+  const auto end_cell = [&](size_t end) {
+    if (quoted && closed == nowhere) record.flaws.push_back({Fault::unterminated_quote, cell_begin - at_});
+    if (quoted && closed != nowhere && closed + 1 != end) {
+      record.flaws.push_back({Fault::text_after_quote, closed + 1 - at_});
+    }
+    if (record.cell_count == expected_ && expected_ != 0) {
+      record.flaws.push_back({Fault::too_many_cells, cell_begin - at_});
+    }
+    while (next_chosen < in_order_.size() && columns_[in_order_[next_chosen]].index == record.cell_count) {
+      Cell cell{.column = in_order_[next_chosen++], .begin = cell_begin - at_, .end = end - at_, .quoted = quoted};
+      if (quoted) {
+        cell.escaped = doubled || closed == nowhere || closed + 1 != end;
+      } else if (dialect_.format == Format::tsv_escaped) {
+        cell.escaped = text.substr(cell_begin, end - cell_begin).find('\\') != nowhere;
+      }
+      record.cells.push_back(cell);
+    }
+    ++record.cell_count;
+    quoted = doubled = false;
+    closed = nowhere;
+  };
+
+  for (;;) {
+    const size_t at = marks_.next();
+    if (at == text.size()) {
+      end_cell(at);
+      end_record(record, at);
+      break;
+    }
+    if (text[at] == '\n') {
+      ++line_;
+      if (in_quotes) continue;
+      end_cell(at > cell_begin && text[at - 1] == '\r' ? at - 1 : at);
+      end_record(record, at + 1);
+      break;
+    }
+    if (text[at] == dialect_.separator) {
+      if (in_quotes) continue;
+      end_cell(at);
+      cell_begin = at + 1;
+    } else if (in_quotes) {
+      if (at + 1 < text.size() && text[at + 1] == '"') {
+        marks_.next();
+        doubled = true;
+      } else {
+        in_quotes = false;
+        closed = at;
+      }
+    } else if (at == cell_begin) {
+      in_quotes = quoted = true;
+    }
+  }
+  const bool blank = record.text.size() == record.line_end.size();
+  if (record.cell_count < expected_ && !blank) {
+    record.flaws.push_back({Fault::too_few_cells, record.text.size() - record.line_end.size()});
+  }
+  return true;
+}
+
+bool Splitter::next_object(Record& record) {
+  const void* const line_feed = std::memchr(block_.text.data() + at_, '\n', block_.text.size() - at_);
+  const size_t end = line_feed == nullptr
+                         ? block_.text.size()
+                         : static_cast<size_t>(static_cast<const char*>(line_feed) - block_.text.data()) + 1;
+  if (line_feed != nullptr) ++line_;
+  end_record(record, end);
+  JsonMembers members(record.text);
+  std::string scratch;
+  for (JsonMember member; members.next(member);) {
+    ++record.cell_count;
+    const std::string_view key =
+        key_of(record.text.substr(member.key_begin, member.key_end - member.key_begin), scratch);
+    const auto column =
+        std::find_if(columns_.begin(), columns_.end(), [&](const Column& chosen) { return chosen.name == key; });
+    if (column == columns_.end()) continue;
+    Cell cell{.column = static_cast<size_t>(column - columns_.begin()), .begin = member.begin, .end = member.end};
+    const std::string_view token = record.token(cell);
+    cell.kind = kind_of(token[0]);
+    cell.quoted = cell.kind == Kind::text;
+    cell.escaped = cell.quoted && token.find('\\') != nowhere;
+    const auto before = std::find_if(record.cells.begin(), record.cells.end(),
+                                     [&](const Cell& other) { return other.column == cell.column; });
+    if (before != record.cells.end()) {
+      record.cells.erase(before);
+      record.flaws.push_back({Fault::repeated_key, member.begin});
+    }
+    record.cells.push_back(cell);
+  }
+  if (!members.well_formed()) {
+    record.cells.clear();
+    record.cell_count = 0;
+    record.flaws.assign(1, {Fault::not_an_object, members.broken_at()});
+  }
+  return true;
+}
+
+std::string_view Splitter::value(const Record& record, const Cell& cell, std::string& scratch) const {
+  const std::string_view token = record.token(cell);
+  if (!cell.escaped) return cell.quoted ? token.substr(1, token.size() - 2) : token;
+  scratch.clear();
+  if (dialect_.format == Format::json_lines) return key_of(token, scratch);
+  if (cell.quoted) {
+    append_unquoted(token, scratch);
+  } else {
+    append_unescaped(token, scratch);
+  }
+  return scratch;
+}
+
+bool Splitter::encode(const Cell& cell, std::string_view value, std::string& out) const {
+  const auto holds = [&](const char* bytes) { return value.find_first_of(bytes) != nowhere; };
+  switch (dialect_.format) {
+    case Format::csv:
+      if (cell.quoted || holds("\"\r\n") || value.find(dialect_.separator) != nowhere) {
+        append_quoted(value, out);
+      } else {
+        out += value;
+      }
+      return true;
+    case Format::tsv:
+      if (holds("\r\n") || value.find(dialect_.separator) != nowhere) return false;
+      out += value;
+      return true;
+    case Format::tsv_escaped: append_escaped(value, out); return true;
+    case Format::json_lines:
+      if (cell.kind != Kind::text && is_json_number(value)) {
+        out += value;
+      } else {
+        append_json_string(value, out);
+      }
+      return true;
+    case Format::lines:
+      if (holds("\r\n")) return false;
+      out += value;
+      return true;
+  }
+  return false;
+}
+
+std::vector<std::string> Splitter::names(std::string_view text) const {
+  std::vector<std::string> names;
+  std::string scratch;
+  if (dialect_.format == Format::json_lines) {
+    JsonMembers members(text);
+    for (JsonMember member; members.next(member);) {
+      names.emplace_back(key_of(text.substr(member.key_begin, member.key_end - member.key_begin), scratch));
+    }
+    return names;
+  }
+  Record record;
+  Splitter counter(dialect_);
+  counter.start({.text = text});
+  if (!counter.next(record)) return names;
+  std::vector<Column> all(record.cell_count);
+  for (size_t i = 0; i < all.size(); ++i) all[i].index = i;
+  Splitter splitter(dialect_, std::move(all));
+  splitter.start({.text = text});
+  splitter.next(record);
+  for (const Cell& cell : record.cells) names.emplace_back(value(record, cell, scratch));
+  return names;
+}
+
+Rewriter::Rewriter(const Splitter& splitter, const Block& block, std::string& out)
+    : splitter_(splitter), text_(block.text), out_(out) {}
+
+void Rewriter::copy_to(size_t end) {
+  out_ += text_.substr(copied_, end - copied_);
+  copied_ = end;
+}
+
+void Rewriter::begin(const Record& record) {
+  record_ = record.text;
+  record_begin_ = static_cast<size_t>(record.text.data() - text_.data());
+  out_before_ = out_.size();
+  copied_before_ = copied_;
+}
+
+bool Rewriter::put(const Cell& cell, std::string_view value) {
+  copy_to(record_begin_ + cell.begin);
+  if (!splitter_.encode(cell, value, out_)) return false;
+  copied_ = record_begin_ + cell.end;
+  return true;
+}
+
+void Rewriter::drop() {
+  out_.resize(out_before_);
+  copied_ = copied_before_;
+  copy_to(record_begin_);
+  copied_ = record_begin_ + record_.size();
+}
+
+void Rewriter::finish() { copy_to(text_.size()); }
+
+void Rewriter::finish_before() {
+  drop();
+  copied_ = text_.size();
+}
+
+size_t invalid_utf8(std::string_view text) {
+  const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
+  for (size_t at = 0; at < text.size();) {
+    const size_t begin = at;
+    UChar32 code_point = 0;
+    U8_NEXT(bytes, at, text.size(), code_point);
+    if (code_point < 0) return begin;
+  }
+  return nowhere;
+}
+
+}  // namespace vxcli::table
