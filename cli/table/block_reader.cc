@@ -167,7 +167,7 @@ void BlockReader::cut(HeldBlock& held, size_t end, const RecordEnds::Seen& of_th
   next_.record += of_them.records;
 }
 
-BlockReader::Got BlockReader::read_block(HeldBlock& held, bool wait) {
+BlockReader::Got BlockReader::read_block(HeldBlock& held) {
   head();
   for (;;) {
     follow();
@@ -182,13 +182,13 @@ BlockReader::Got BlockReader::read_block(HeldBlock& held, bool wait) {
       cut(held, held_, {.records = 1});
       return Got::block;
     }
-    if (!wait && !input_ready()) return Got::pause;
+    if (!input_ready()) return Got::pause;
     read_more();
   }
 }
 
-BlockReader::Got BlockReader::next(HeldBlock& held, bool wait) {
-  if (sampled_.empty()) return read_block(held, wait);
+BlockReader::Got BlockReader::next(HeldBlock& held) {
+  if (sampled_.empty()) return read_block(held);
   held = std::move(sampled_.front());
   sampled_.pop_front();
   return Got::block;
@@ -199,13 +199,17 @@ std::span<const Block> BlockReader::sample(uint64_t records) {
   Splitter splitter(dialect_);
   Record record;
   while (records > 0) {
-    // A failure comes when it is the turn of what could not be read.
-    if (failure_ != nullptr && seen_.end == 0) break;
     HeldBlock held;
+    Got got = Got::end;
     try {
-      if (read_block(held, true) == Got::end) break;
+      got = read_block(held);
     } catch (const Failure&) {
-      break;
+      break;  // next() throws it again in its turn
+    }
+    if (got == Got::end) break;
+    if (got == Got::pause) {
+      wait();
+      continue;
     }
     splitter.start(held.block);
     Block counted = held.block;

@@ -83,13 +83,15 @@ class BlockReader {
   std::span<const Block> sample(uint64_t records);
 
   enum class Got { block, pause, end };
-  /// The next block, in the memory of `held`. Where no whole record is there yet and the input would have to be waited
-  /// for: waits if `wait`, else gives `pause`. A failure to read comes after all whole records that were read before
-  /// it: throws Failure (ExitCode::io).
-  Got next(HeldBlock& held, bool wait);
+  /// The next block, in the memory of `held`. `pause`, and `held` is left alone, where no whole record is there yet and
+  /// the input would have to be waited for. A failure to read comes after all whole records that were read before it:
+  /// throws Failure (ExitCode::io), also from head().
+  Got next(HeldBlock& held);
 
-  /// Whether next() would give something without waiting.
+  /// Whether next() would give something else than a pause.
   bool ready() const;
+  /// Waits for the input and reads some of it; what next() gives after it may still be a pause.
+  void wait() { read_more(); }
 
   uint64_t bytes_read() const { return read_bytes_; }
   /// Of a regular file, else 0.
@@ -97,7 +99,7 @@ class BlockReader {
   const std::string& name() const { return name_; }
 
  private:
-  Got read_block(HeldBlock& held, bool wait);
+  Got read_block(HeldBlock& held);
   void read_more();
   void follow();
   bool input_ready() const;

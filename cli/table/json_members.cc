@@ -9,130 +9,136 @@ namespace vxcli::table {
 
 namespace {
 
-bool is_digit(char byte) { return byte >= '0' && byte <= '9'; }
+/// Steps over the parts of a text. Each skip is false where there is no such part; `at` is then the byte that breaks
+/// it.
+struct Scan {
+  std::string_view text;
+  size_t at = 0;
 
-}  // namespace
-
-void JsonMembers::skip_blanks() {
-  while (at_ < line_.size() && std::string_view(" \t\r\n").find(line_[at_]) != std::string_view::npos) ++at_;
-}
-
-bool JsonMembers::take(char byte) {
-  if (at_ == line_.size() || line_[at_] != byte) return false;
-  ++at_;
-  return true;
-}
-
-bool JsonMembers::give_up() {
-  broken_ = true;
-  return false;
-}
-
-bool JsonMembers::skip_string() {
-  if (!take('"')) return false;
-  while (at_ < line_.size() && static_cast<unsigned char>(line_[at_]) >= 0x20) {
-    const char byte = line_[at_++];
-    if (byte == '"') return true;
-    if (byte == '\\' && at_ < line_.size()) ++at_;
+  bool ended() const { return at == text.size(); }
+  /// NUL, which begins nothing, at the end.
+  char here() const { return ended() ? '\0' : text[at]; }
+  bool take(char byte) {
+    if (ended() || text[at] != byte) return false;
+    ++at;
+    return true;
   }
-  return false;
-}
+  void skip_blanks() {
+    while (here() == ' ' || here() == '\t' || here() == '\r' || here() == '\n') ++at;
+  }
+  bool skip_digits() {
+    const size_t begin = at;
+    while (here() >= '0' && here() <= '9') ++at;
+    return at > begin;
+  }
 
-bool JsonMembers::skip_number() {
-  const auto skip_digits = [&] {
-    const size_t begin = at_;
-    while (at_ < line_.size() && is_digit(line_[at_])) ++at_;
-    return at_ > begin;
-  };
-  take('-');
-  if (!take('0') && !skip_digits()) return false;
-  if (take('.') && !skip_digits()) return false;
-  if (take('e') || take('E')) {
+  bool skip_string() {
+    if (!take('"')) return false;
+    while (static_cast<unsigned char>(here()) >= 0x20) {
+      const char byte = text[at++];
+      if (byte == '"') return true;
+      if (byte == '\\' && static_cast<unsigned char>(here()) >= 0x20) ++at;
+    }
+    return false;
+  }
+
+  bool skip_number() {
+    take('-');
+    if (!take('0') && !skip_digits()) return false;
+    if (take('.') && !skip_digits()) return false;
+    if (!take('e') && !take('E')) return true;
     if (!take('+')) take('-');
     return skip_digits();
   }
-  return true;
-}
 
-bool JsonMembers::skip_literal() {
-  for (const std::string_view word : {"true", "false", "null"}) {
-    if (!line_.substr(at_).starts_with(word)) continue;
-    at_ += word.size();
+  bool skip_literal() {
+    for (const std::string_view word : {"true", "false", "null"}) {
+      if (!text.substr(at).starts_with(word)) continue;
+      at += word.size();
+      return true;
+    }
+    return false;
+  }
+
+  bool skip_nested() {
+    std::string closers;
+    do {
+      skip_blanks();
+      const char byte = here();
+      if (byte == '"') {
+        if (!skip_string()) return false;
+        continue;
+      }
+      if (byte == '{' || byte == '[') {
+        closers += byte == '{' ? '}' : ']';
+      } else if (byte == '}' || byte == ']') {
+        if (closers.back() != byte) return false;
+        closers.pop_back();
+      } else if (static_cast<unsigned char>(byte) < 0x20) {
+        return false;
+      }
+      ++at;
+    } while (!closers.empty());
     return true;
   }
-  return false;
-}
 
-bool JsonMembers::skip_nested() {
-  std::string closers;
-  do {
+  bool skip_value() {
+    switch (here()) {
+      case '"': return skip_string();
+      case '{':
+      case '[': return skip_nested();
+      case 't':
+      case 'f':
+      case 'n': return skip_literal();
+      default: return skip_number();
+    }
+  }
+
+  bool skip_end() {
+    if (!take('}')) return false;
     skip_blanks();
-    if (at_ == line_.size()) return false;
-    const char byte = line_[at_];
-    if (byte == '"') {
-      if (!skip_string()) return false;
-      continue;
-    }
-    if (byte == '{' || byte == '[') {
-      closers += byte == '{' ? '}' : ']';
-    } else if (byte == '}' || byte == ']') {
-      if (closers.back() != byte) return false;
-      closers.pop_back();
-    } else if (static_cast<unsigned char>(byte) < 0x20) {
-      return false;
-    }
-    ++at_;
-  } while (!closers.empty());
-  return true;
-}
+    return ended();
+  }
 
-bool JsonMembers::skip_value() {
-  const char byte = at_ < line_.size() ? line_[at_] : '\0';
-  if (byte == '"') return skip_string();
-  if (byte == '{' || byte == '[') return skip_nested();
-  if (byte == '-' || is_digit(byte)) return skip_number();
-  return skip_literal();
-}
+  bool skip_member(JsonMember& member) {
+    skip_blanks();
+    member.key_begin = at;
+    if (!skip_string()) return false;
+    member.key_end = at;
+    skip_blanks();
+    if (!take(':')) return false;
+    skip_blanks();
+    member.begin = at;
+    if (!skip_value()) return false;
+    member.end = at;
+    skip_blanks();
+    return true;
+  }
+};
+
+}  // namespace
 
 bool JsonMembers::next(JsonMember& member) {
-  if (broken_) return false;
-  skip_blanks();
-  if (!begun_) {
-    begun_ = true;
-    if (at_ == line_.size()) return false;
-    if (!take('{')) return give_up();
-    skip_blanks();
-    if (take('}')) {
-      skip_blanks();
-      return at_ == line_.size() ? false : give_up();
-    }
-  } else if (take('}')) {
-    skip_blanks();
-    return at_ == line_.size() ? false : give_up();
-  } else if (take(',')) {
-    skip_blanks();
-  } else {
-    return at_ == line_.size() && !line_.empty() ? give_up() : give_up();
+  if (ended_) return false;
+  Scan scan{line_, at_};
+  const bool first = at_ == 0;
+  if (first) scan.skip_blanks();
+  if (first && scan.ended()) {
+    ended_ = true;  // a blank line
+    return false;
   }
-  member.key_begin = at_;
-  if (!skip_string()) return give_up();
-  member.key_end = at_;
-  skip_blanks();
-  if (!take(':')) return give_up();
-  skip_blanks();
-  member.begin = at_;
-  if (!skip_value()) return give_up();
-  member.end = at_;
-  return true;
+  well_formed_ = !first || scan.take('{');
+  if (first) scan.skip_blanks();
+  const bool more = well_formed_ && (first ? scan.here() != '}' : scan.take(','));
+  if (well_formed_) well_formed_ = more ? scan.skip_member(member) : scan.skip_end();
+  ended_ = !more || !well_formed_;
+  at_ = scan.at;
+  return !ended_;
 }
 
 bool is_json_number(std::string_view text) {
-  // The grammar stands in one place: a number is what a member may have as its value.
-  const std::string object = fmt::format("{{\"\":{}}}", text);
-  JsonMember member;
-  JsonMembers members(object);
-  return members.next(member) && (text.starts_with('-') || (!text.empty() && is_digit(text[0]))) &&
-         member.end - member.begin == text.size() && !members.next(member) && members.well_formed();
+  Scan scan{text};
+  return scan.skip_number() && scan.ended();
 }
 
 bool decode_json_string(std::string_view token, std::string& value) {
@@ -143,11 +149,13 @@ bool decode_json_string(std::string_view token, std::string& value) {
 }
 
 void append_json_string(std::string_view value, std::string& out) {
+  static constexpr std::string_view bytes = "\"\\\b\f\n\r\t";
+  static constexpr std::string_view letters = "\"\\bfnrt";
   out += '"';
   for (const char byte : value) {
-    if (byte == '"' || byte == '\\') {
+    if (const size_t escape = bytes.find(byte); escape != std::string_view::npos) {
       out += '\\';
-      out += byte;
+      out += letters[escape];
     } else if (static_cast<unsigned char>(byte) >= 0x20) {
       out += byte;
     } else {

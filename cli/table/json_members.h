@@ -23,24 +23,15 @@ class JsonMembers {
   /// False at the end of the object, at the end of a line that is blank, and where the line is not an object.
   bool next(JsonMember& member);
   /// After the end: whether all was well.
-  bool well_formed() const { return !broken_; }
+  bool well_formed() const { return well_formed_; }
   /// Where it is not: the first byte that cannot stand there, or the end.
   size_t broken_at() const { return at_; }
 
  private:
-  void skip_blanks();
-  bool take(char byte);
-  bool skip_string();
-  bool skip_number();
-  bool skip_literal();
-  bool skip_nested();
-  bool skip_value();
-  bool give_up();
-
   std::string_view line_;
   size_t at_ = 0;
-  bool begun_ = false;
-  bool broken_ = false;
+  bool ended_ = false;
+  bool well_formed_ = true;
 };
 
 /// Whether the whole text is a number by JSON's grammar.

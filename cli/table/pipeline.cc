@@ -122,13 +122,15 @@ void run_slots(BlockReader& reader, unsigned threads, const SlotStages& stages) 
   Crew crew(threads, stages);
   std::exception_ptr failure;  // of reading: its turn comes after all that was read before
   bool ended = false;
-  for (;;) {
+  while (!ended || !crew.idle()) {
     while (!ended && crew.has_room()) {
-      const bool wait = crew.idle();
-      if (wait && stages.before_waiting && !reader.ready()) stages.before_waiting();
+      if (crew.idle() && !reader.ready()) {
+        if (stages.before_waiting) stages.before_waiting();
+        reader.wait();
+      }
       BlockReader::Got got = BlockReader::Got::end;
       try {
-        got = reader.next(crew.free_block(), wait);
+        got = reader.next(crew.free_block());
       } catch (...) {
         failure = std::current_exception();
       }
@@ -136,8 +138,7 @@ void run_slots(BlockReader& reader, unsigned threads, const SlotStages& stages) 
       ended = got == BlockReader::Got::end;
       if (!ended) crew.give();
     }
-    if (crew.idle()) break;
-    if (!crew.consume()) return;
+    if (!crew.idle() && !crew.consume()) return;
   }
   if (failure != nullptr) std::rethrow_exception(failure);
 }
