@@ -35,7 +35,7 @@ function(vx_link_library)
   target_link_options(vxnlsloc PRIVATE
     -Wl,--version-script=${PROJECT_BINARY_DIR}/vxnlsloc.map -Wl,-Bsymbolic-functions
     -Wl,--dynamic-list=${PROJECT_BINARY_DIR}/vxnlsloc.dynamic
-    -Wl,-z,relro,-z,now -Wl,-z,noexecstack -static-libgcc)
+    -static-libgcc)
   if(NOT VXNLS_SANITIZE)
     target_link_options(vxnlsloc PRIVATE -Wl,-z,defs)
   endif()
