@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "unicode/transcode.h"
+
 using namespace vxnls;
 using enum std::endian;
 
@@ -117,7 +119,5 @@ int32_t isLegalUTF8(const uint8_t* bytes, int64_t length, int64_t* good_length) 
 }
 
 int64_t GET_UTF8_LEN_FROM_VXCHAR(const VXChar* text, int64_t count) {
-  int64_t bytes = 0;
-  for (int64_t i = 0; i < count; ++i) bytes += Utf8Text::units(text[i]);
-  return bytes;
+  return count > 0 ? transcoders().utf8_length(text, count) : 0;
 }

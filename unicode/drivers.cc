@@ -1,20 +1,15 @@
 // The drivers run a decoder and an encoder over a buffer. Pairs of the library's own coders are known by their
-// addresses and take a body of their own, which gives the same outputs, counts and status as the one step a character.
+// addresses and take a body of their own (unicode/transcode.h), which gives the same outputs, counts and status as the
+// one step a character.
 #include <algorithm>
-#include <type_traits>
 
 #include "unicode/coders.h"
+#include "unicode/transcode.h"
 
 using namespace vxnls;
 using enum std::endian;
 
 namespace {
-
-/// How far a driver came.
-struct Converted {
-  int64_t count;  // characters written to UTF-32, bytes written from it
-  VXStatus status;
-};
 
 // One step a character
 // ---------------------------------------------------------------------------------------------------
@@ -72,119 +67,49 @@ Converted step_from_utf32(const uint8_t* in, int64_t characters, uint8_t* out, i
   return {bytes, 0};
 }
 
-// Bodies of known pairs
-// --------------------------------------------------------------------------------------------------
-
-constexpr int64_t block = 8;  // characters of ASCII that are taken at once
-
-bool ascii_block(const uint8_t* bytes) {
-  uint64_t eight;
-  std::memcpy(&eight, bytes, sizeof eight);
-  return (eight & 0x8080808080808080u) == 0;
-}
-
-template <std::endian order>
-bool ascii_block_utf32(const uint8_t* units) {
-  uint32_t all = 0;
-  for (int64_t i = 0; i < block; ++i) all |= load32<order>(units + 4 * i);
-  return all < 0x80;
-}
-
-/// The pure ASCII at the front of both buffers, in whole blocks.
-template <std::endian order>
-int64_t ascii_to_utf32(const uint8_t* in, int64_t most, uint8_t* out) {
-  int64_t done = 0;
-  for (; most - done >= block && ascii_block(in + done); done += block) {
-    for (int64_t i = done; i < done + block; ++i) store32<order>(in[i], out + 4 * i);
-  }
-  return done;
-}
-
-template <std::endian order>
-int64_t ascii_from_utf32(const uint8_t* in, int64_t most, uint8_t* out) {
-  int64_t done = 0;
-  for (; most - done >= block && ascii_block_utf32<order>(in + 4 * done); done += block) {
-    for (int64_t i = done; i < done + block; ++i) out[i] = static_cast<uint8_t>(load32<order>(in + 4 * i));
-  }
-  return done;
-}
-
-template <class Source, std::endian order>
-Converted body_to_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t capacity) {
-  int64_t count = 0;
-  while (length > 0 && count < capacity) {
-    if constexpr (std::is_same_v<Source, Utf8Source>) {
-      const int64_t ascii = ascii_to_utf32<order>(in, std::min(length, capacity - count), out + 4 * count);
-      in += ascii;
-      length -= ascii;
-      count += ascii;
-      if (length == 0 || count == capacity) break;
-    }
-    const Decoded c = Source::decode(in, length);
-    if (c.status != 0) return {count, c.status};
-    in += c.consumed;
-    length -= c.consumed;
-    store32<order>(c.code_point, out + 4 * count);
-    ++count;
-  }
-  return {count, 0};
-}
-
-template <class Sink, std::endian order>
-Converted body_from_utf32(const uint8_t* in, int64_t characters, uint8_t* out, int64_t room) {
-  int64_t bytes = 0;
-  int64_t at = 0;
-  while (at < characters && bytes < room) {
-    if constexpr (std::is_same_v<Sink, Utf8Sink>) {
-      const int64_t ascii = ascii_from_utf32<order>(in + 4 * at, std::min(characters - at, room - bytes), out + bytes);
-      at += ascii;
-      bytes += ascii;
-      if (at == characters || bytes == room) break;
-    }
-    const Encoded e = Sink::encode(load32<order>(in + 4 * at), out + bytes, room - bytes);
-    if (e.status != 0) return {bytes, e.status};
-    bytes += e.written;
-    ++at;
-  }
-  return {bytes, 0};
-}
+// Known pairs
+// ---------------------------------------------------------------------------------------------------------
 
 struct PairToUtf32 {
   VXDecoder decoder;
   VXEncoder encoder;
-  Converted (*body)(const uint8_t* in, int64_t length, uint8_t* out, int64_t capacity);
+  ByOrder<ToUtf32Body> Transcoders::*form;
+  ToUtf32Body* ByOrder<ToUtf32Body>::*order;
 };
 
-const PairToUtf32 pairs_to_utf32[] = {
-    {&UTF8_UTF32, &COPY_UTF32_SWAP, &body_to_utf32<Utf8Source, little>},
-    {&UTF8_UTF32, &COPY_UTF32, &body_to_utf32<Utf8Source, big>},
-    {&UTF16_UTF32_SWAP, &COPY_UTF32_SWAP, &body_to_utf32<Utf16Source<little>, little>},
-    {&UTF16_UTF32_SWAP, &COPY_UTF32, &body_to_utf32<Utf16Source<little>, big>},
-    {&UTF16_UTF32, &COPY_UTF32_SWAP, &body_to_utf32<Utf16Source<big>, little>},
-    {&UTF16_UTF32, &COPY_UTF32, &body_to_utf32<Utf16Source<big>, big>},
-    {&COPY_UTF32b_SWAP, &COPY_UTF32_SWAP, &body_to_utf32<Utf32Source<little>, little>},
-    {&COPY_UTF32b_SWAP, &COPY_UTF32, &body_to_utf32<Utf32Source<little>, big>},
-    {&COPY_UTF32b, &COPY_UTF32_SWAP, &body_to_utf32<Utf32Source<big>, little>},
-    {&COPY_UTF32b, &COPY_UTF32, &body_to_utf32<Utf32Source<big>, big>},
+constexpr auto to_little = &ByOrder<ToUtf32Body>::little, to_big = &ByOrder<ToUtf32Body>::big;
+constexpr PairToUtf32 pairs_to_utf32[] = {
+    {&UTF8_UTF32, &COPY_UTF32_SWAP, &Transcoders::from_utf8, to_little},
+    {&UTF8_UTF32, &COPY_UTF32, &Transcoders::from_utf8, to_big},
+    {&UTF16_UTF32_SWAP, &COPY_UTF32_SWAP, &Transcoders::from_utf16_little, to_little},
+    {&UTF16_UTF32_SWAP, &COPY_UTF32, &Transcoders::from_utf16_little, to_big},
+    {&UTF16_UTF32, &COPY_UTF32_SWAP, &Transcoders::from_utf16_big, to_little},
+    {&UTF16_UTF32, &COPY_UTF32, &Transcoders::from_utf16_big, to_big},
+    {&COPY_UTF32b_SWAP, &COPY_UTF32_SWAP, &Transcoders::from_utf32_little, to_little},
+    {&COPY_UTF32b_SWAP, &COPY_UTF32, &Transcoders::from_utf32_little, to_big},
+    {&COPY_UTF32b, &COPY_UTF32_SWAP, &Transcoders::from_utf32_big, to_little},
+    {&COPY_UTF32b, &COPY_UTF32, &Transcoders::from_utf32_big, to_big},
 };
 
 struct PairFromUtf32 {
   VXEncoder encoder;
   VXReader reader;
-  Converted (*body)(const uint8_t* in, int64_t characters, uint8_t* out, int64_t room);
+  ByOrder<FromUtf32Body> Transcoders::*form;
+  FromUtf32Body* ByOrder<FromUtf32Body>::*order;
 };
 
-const PairFromUtf32 pairs_from_utf32[] = {
-    {&UTF32_UTF8, &Byte2DWord, &body_from_utf32<Utf8Sink, little>},
-    {&UTF32_UTF8, &Byte2DWord_swap, &body_from_utf32<Utf8Sink, big>},
-    {&UTF32_UTF16s, &Byte2DWord, &body_from_utf32<Utf16Sink<little>, little>},
-    {&UTF32_UTF16s, &Byte2DWord_swap, &body_from_utf32<Utf16Sink<little>, big>},
-    {&UTF32_UTF16s_SWAP, &Byte2DWord, &body_from_utf32<Utf16Sink<big>, little>},
-    {&UTF32_UTF16s_SWAP, &Byte2DWord_swap, &body_from_utf32<Utf16Sink<big>, big>},
-    {&COPY_UTF32_SWAP, &Byte2DWord, &body_from_utf32<Utf32Sink<little>, little>},
-    {&COPY_UTF32_SWAP, &Byte2DWord_swap, &body_from_utf32<Utf32Sink<little>, big>},
-    {&COPY_UTF32, &Byte2DWord, &body_from_utf32<Utf32Sink<big>, little>},
-    {&COPY_UTF32, &Byte2DWord_swap, &body_from_utf32<Utf32Sink<big>, big>},
+constexpr auto from_little = &ByOrder<FromUtf32Body>::little, from_big = &ByOrder<FromUtf32Body>::big;
+constexpr PairFromUtf32 pairs_from_utf32[] = {
+    {&UTF32_UTF8, &Byte2DWord, &Transcoders::to_utf8, from_little},
+    {&UTF32_UTF8, &Byte2DWord_swap, &Transcoders::to_utf8, from_big},
+    {&UTF32_UTF16s, &Byte2DWord, &Transcoders::to_utf16_little, from_little},
+    {&UTF32_UTF16s, &Byte2DWord_swap, &Transcoders::to_utf16_little, from_big},
+    {&UTF32_UTF16s_SWAP, &Byte2DWord, &Transcoders::to_utf16_big, from_little},
+    {&UTF32_UTF16s_SWAP, &Byte2DWord_swap, &Transcoders::to_utf16_big, from_big},
+    {&COPY_UTF32_SWAP, &Byte2DWord, &Transcoders::to_utf32_little, from_little},
+    {&COPY_UTF32_SWAP, &Byte2DWord_swap, &Transcoders::to_utf32_little, from_big},
+    {&COPY_UTF32, &Byte2DWord, &Transcoders::to_utf32_big, from_little},
+    {&COPY_UTF32, &Byte2DWord_swap, &Transcoders::to_utf32_big, from_big},
 };
 
 Converted to_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t room, VXDecoder decoder,
@@ -192,7 +117,9 @@ Converted to_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t room
   if (length <= 0 || room < 4) return {0, 0};
   if (in == nullptr || out == nullptr || decoder == nullptr || encoder == nullptr) return {0, VX_E_NULL};
   for (const PairToUtf32& pair : pairs_to_utf32) {
-    if (pair.decoder == decoder && pair.encoder == encoder) return pair.body(in, length, out, room / 4);
+    if (pair.decoder == decoder && pair.encoder == encoder) {
+      return (transcoders().*pair.form.*pair.order)(in, length, out, room / 4);
+    }
   }
   return step_to_utf32(in, length, out, room, decoder, encoder);
 }
@@ -202,7 +129,9 @@ Converted from_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t ro
   if (length < 4 || room <= 0) return {0, 0};
   if (in == nullptr || out == nullptr || encoder == nullptr || reader == nullptr) return {0, VX_E_NULL};
   for (const PairFromUtf32& pair : pairs_from_utf32) {
-    if (pair.encoder == encoder && pair.reader == reader) return pair.body(in, length / 4, out, room);
+    if (pair.encoder == encoder && pair.reader == reader) {
+      return (transcoders().*pair.form.*pair.order)(in, length / 4, out, room);
+    }
   }
   return step_from_utf32(in, length / 4, out, room, encoder, reader);
 }
