@@ -13,31 +13,7 @@ namespace vxcli {
 
 namespace {
 
-using Path = std::vector<const Command*>;
 using Words = std::vector<std::string>;
-
-constexpr std::string_view end_of_options = "--";
-
-/// Negative numbers are values.
-bool looks_like_option(std::string_view word) {
-  return word.size() > 1 && word[0] == '-' && word[1] != '.' && (word[1] < '0' || word[1] > '9');
-}
-
-std::vector<const Option*> options_of(const Path& path) {
-  std::vector<const Option*> all;
-  for (const Command* command : path) {
-    for (const Option* option : command->options) {
-      if (std::find(all.begin(), all.end(), option) == all.end()) all.push_back(option);
-    }
-  }
-  return all;
-}
-
-const Command* find_command(const Command& parent, std::string_view name) {
-  const auto found = std::find_if(parent.commands.begin(), parent.commands.end(),
-                                  [&](const Command* one) { return one->name == name; });
-  return found == parent.commands.end() ? nullptr : *found;
-}
 
 Words names_of(std::span<const Command* const> commands) {
   Words names;
@@ -46,16 +22,16 @@ Words names_of(std::span<const Command* const> commands) {
 }
 
 /// The commands named `name`, wherever they stand below the last of `path`.
-void collect_namesakes(const Path& path, std::string_view name, Words& found) {
+void collect_namesakes(const CommandPath& path, std::string_view name, Words& found) {
   for (const Command* child : path.back()->commands) {
-    Path longer = path;
+    CommandPath longer = path;
     longer.push_back(child);
     if (child->name == name) found.push_back(in_quotes(full_name(longer)));
     collect_namesakes(longer, name, found);
   }
 }
 
-[[noreturn]] void refuse_command(const Path& path, const std::string& word) {
+[[noreturn]] void refuse_command(const CommandPath& path, const std::string& word) {
   Words elsewhere;
   collect_namesakes({&root_command}, word, elsewhere);
   const std::string suggestion = elsewhere.empty() ? did_you_mean(word, names_of(path.back()->commands))
@@ -64,9 +40,9 @@ void collect_namesakes(const Path& path, std::string_view name, Words& found) {
 }
 
 /// The commands below the last of `path` that have an option so spelled.
-void collect_owners(const Path& path, std::string_view spelling, Words& owners) {
+void collect_owners(const CommandPath& path, std::string_view spelling, Words& owners) {
   for (const Command* child : path.back()->commands) {
-    Path longer = path;
+    CommandPath longer = path;
     longer.push_back(child);
     if (std::any_of(child->options.begin(), child->options.end(),
                     [&](const Option* option) { return spelled(*option) == spelling; })) {
@@ -76,7 +52,7 @@ void collect_owners(const Path& path, std::string_view spelling, Words& owners) 
   }
 }
 
-[[noreturn]] void refuse_option(const Path& path, std::string_view word) {
+[[noreturn]] void refuse_option(const CommandPath& path, std::string_view word) {
   const std::string spelling(word.substr(0, word.find('=')));
   Words owners;
   collect_owners(path, spelling, owners);
@@ -108,7 +84,39 @@ void collect_owners(const Path& path, std::string_view spelling, Words& owners) 
 
 }  // namespace
 
-std::string full_name(const std::vector<const Command*>& path) {
+bool looks_like_option(std::string_view word) {
+  return word.size() > 1 && word[0] == '-' && word[1] != '.' && (word[1] < '0' || word[1] > '9');
+}
+
+std::vector<const Option*> options_of(const CommandPath& path) {
+  std::vector<const Option*> all;
+  for (const Command* command : path) {
+    for (const Option* option : command->options) {
+      if (std::find(all.begin(), all.end(), option) == all.end()) all.push_back(option);
+    }
+  }
+  return all;
+}
+
+const Command* find_command(const Command& parent, std::string_view name) {
+  const auto found = std::find_if(parent.commands.begin(), parent.commands.end(),
+                                  [&](const Command* one) { return one->name == name; });
+  return found == parent.commands.end() ? nullptr : *found;
+}
+
+void for_each_command(const std::function<void(const CommandPath&)>& each) {
+  const std::function<void(const CommandPath&)> walk = [&](const CommandPath& path) {
+    each(path);
+    for (const Command* child : path.back()->commands) {
+      CommandPath longer = path;
+      longer.push_back(child);
+      walk(longer);
+    }
+  };
+  walk({&root_command});
+}
+
+std::string full_name(const CommandPath& path) {
   std::string name;
   for (const Command* command : path) name += (name.empty() ? "" : " ") + std::string(command->name);
   return name;

@@ -14,7 +14,7 @@ namespace vxcli {
 struct Invocation;
 
 /// What the values of an option or argument are, for completion.
-enum class Completes { nothing, choices, locales, zones, files };
+enum class Completes { nothing, choices, locales, zones, files, commands };
 
 /// An option is known by its address: commands that share one refer to the same constant.
 struct Option {

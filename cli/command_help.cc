@@ -23,7 +23,10 @@ constexpr Example examples[] = {
      "\n"
      "Lists the time zones, a line each."}};
 
-constexpr Argument arguments[] = {{.name = "COMMAND", .help = "the words of a command: format date", .repeats = true}};
+constexpr Argument arguments[] = {{.name = "COMMAND",
+                                   .help = "the words of a command: format date",
+                                   .repeats = true,
+                                   .completes = Completes::commands}};
 
 }  // namespace
 

@@ -27,6 +27,7 @@ extern const Command locale_show;
 extern const Command locale_check;
 extern const Command calendar;
 extern const Command zone;
+extern const Command completion;
 extern const Command help;
 
 }  // namespace vxcli

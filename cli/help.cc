@@ -49,7 +49,7 @@ std::vector<Entry> entries_of(std::span<const Option* const> options) {
   return entries;
 }
 
-std::string usage_lines(const std::vector<const Command*>& path, Colors colors) {
+std::string usage_lines(const CommandPath& path, Colors colors) {
   const Command& command = *path.back();
   const std::string name = full_name(path);
   std::string text;
@@ -66,7 +66,7 @@ std::string usage_lines(const std::vector<const Command*>& path, Colors colors) 
 
 }  // namespace
 
-std::string help_text(const std::vector<const Command*>& path, HelpLength length, Colors colors) {
+std::string help_text(const CommandPath& path, HelpLength length, Colors colors) {
   const Command& command = *path.back();
   std::string text = usage_lines(path, colors);
   text += '\n' + wrapped(fmt::format("{}.", command.summary), page_width) + '\n';

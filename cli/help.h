@@ -3,17 +3,16 @@
 #define VXNLS_CLI_HELP_H
 
 #include <string>
-#include <vector>
 
+#include "cli/arguments.h"
 #include "cli/color.h"
-#include "cli/command.h"
 
 namespace vxcli {
 
 enum class HelpLength { in_short, whole };
 
 /// The help of the last command of a path that begins at the root.
-std::string help_text(const std::vector<const Command*>& path, HelpLength length, Colors colors = Colors());
+std::string help_text(const CommandPath& path, HelpLength length, Colors colors = Colors());
 
 }  // namespace vxcli
 

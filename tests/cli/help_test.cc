@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,19 +13,8 @@
 namespace {
 
 using namespace vxcli;
-using Path = std::vector<const Command*>;
-
-void for_each_command(const Path& path, const std::function<void(const Path&)>& each) {
-  each(path);
-  for (const Command* child : path.back()->commands) {
-    Path longer = path;
-    longer.push_back(child);
-    for_each_command(longer, each);
-  }
-}
-
 TEST(Help, SaysEverythingWithin80Columns) {
-  for_each_command({&root_command}, [](const Path& path) {
+  for_each_command([](const CommandPath& path) {
     SCOPED_TRACE(full_name(path));
     const Command& command = *path.back();
     const std::string in_short = help_text(path, HelpLength::in_short);
@@ -49,7 +37,7 @@ TEST(Help, SaysEverythingWithin80Columns) {
 }
 
 TEST(Help, EveryCommandHasThreeExamplesThatPrintWhatTheySay) {
-  for_each_command({&root_command}, [](const Path& path) {
+  for_each_command([](const CommandPath& path) {
     EXPECT_GE(path.back()->examples.size(), 3U) << full_name(path);
     for (const Example& example : path.back()->examples) {
       SCOPED_TRACE(example.line);
