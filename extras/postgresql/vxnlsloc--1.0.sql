@@ -16,7 +16,7 @@ COMMENT ON FUNCTION vx_format_date(date, text, text) IS
 CREATE FUNCTION vx_parse_number(value text, locale text) RETURNS double precision
   AS 'MODULE_PATHNAME' LANGUAGE C STABLE STRICT PARALLEL SAFE COST 5;
 COMMENT ON FUNCTION vx_parse_number(text, text) IS
-  'reads a number; a missing value (".", "._", ".A" to ".Z") is null';
+  'reads a number; a missing value ("._", ".A" to ".Z") is null';
 
 CREATE FUNCTION vx_format_number(value double precision, locale text) RETURNS text
   AS 'MODULE_PATHNAME' LANGUAGE C STABLE STRICT PARALLEL SAFE COST 5;
