@@ -54,7 +54,8 @@ void ExtensionLoader::GiveUp::operator()(Loaded* loaded) const {
 }
 
 ExtensionLoader::ExtensionLoader(std::string own_folder, const SearchPath& path) {
-  folders_.push_back(std::move(own_folder));
+  folders_.push_back(own_folder);
+  folders_.push_back(std::move(own_folder) + '/' + private_folder);
   for (std::string_view rest = path.folders; !rest.empty();) {
     const size_t end = rest.find(':');
     const std::string folder(rest.substr(0, end));

@@ -22,9 +22,14 @@ struct SearchPath {
   static SearchPath of_environment();
 };
 
-/// An extension is looked for in the host's own folder, then in the folders of the search path. Folders of the path
-/// that are not absolute are refused, and in a privileged process all of them, because there the caller's environment
-/// must not choose the code. A name is 1 to 32 characters of a-z, 0-9 and "_": it cannot leave its folder.
+/// Where an installed host has its extensions, below the folder of the libraries; a host of another major version has
+/// its own.
+inline constexpr const char* private_folder = "vxnls-6";
+
+/// An extension is looked for in the host's own folder, in the private folder below it, then in the folders of the
+/// search path. Folders of the path that are not absolute are refused, and in a privileged process all of them, because
+/// there the caller's environment must not choose the code. A name is 1 to 32 characters of a-z, 0-9 and "_": it cannot
+/// leave its folder.
 class ExtensionLoader {
  public:
   ExtensionLoader(std::string own_folder, const SearchPath& path);

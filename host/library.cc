@@ -1,6 +1,7 @@
 #include "host/library.h"
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <map>
 #include <memory>
@@ -26,13 +27,15 @@ Function entry(void* image, const char* name) {
 }
 
 Library::Image load(const std::string& folder, std::string& why) {
-  for (const char* const file : {"/libvxnlsloc.so", "/libvxnlsloc.so.6"}) {
-    if (Library::Image image{dlopen((folder + file).c_str(), RTLD_NOW | RTLD_LOCAL)}) return image;
-    if (!why.empty()) continue;  // the first file's reason is the one to tell
+  // By the name that says its major version; a folder put together by hand may have only the other.
+  std::string file = folder + "/libvxnlsloc.so.6";
+  if (access(file.c_str(), F_OK) != 0) file = folder + "/libvxnlsloc.so";
+  Library::Image image{dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)};
+  if (image == nullptr) {
     const char* const reason = dlerror();
-    why = reason != nullptr ? reason : folder + file + " cannot be loaded";
+    why = reason != nullptr ? reason : file + " cannot be loaded";
   }
-  return nullptr;
+  return image;
 }
 
 }  // namespace

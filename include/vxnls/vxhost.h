@@ -34,9 +34,10 @@ extern "C" {
 typedef struct VXHost VXHost;
 
 /// Loads libvxnlsloc.so and makes a host that is ready to give out locales.
-///   folder  where libvxnlsloc.so and the extensions vxnlsldb.so, vxnlsudb.so, vxemsg.so lie; null: where libvxhost.so
-///           lies. Extensions are also looked for in the absolute folders of VXHOST_PATH (separated by ':'), after it;
-///           a relative one is refused with a journal entry, and all are in a set-user-id process.
+///   folder  where libvxnlsloc.so lies and, there or in its folder vxnls-6, the extensions vxnlsldb.so, vxnlsudb.so,
+///           vxemsg.so; null: where libvxhost.so lies. Extensions are also looked for in the absolute folders of
+///           VXHOST_PATH (separated by ':'), after it; a relative one is refused with a journal entry, and all are in
+///           a set-user-id process.
 ///   host    receives the host; null on failure
 /// Returns 0, or:
 ///   0x803fc002  memory exhausted

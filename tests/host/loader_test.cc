@@ -76,7 +76,7 @@ TEST(Loader, RefusesWhatIsNoExtension) {
   }
 }
 
-TEST(Loader, TakesItsOwnFolderBeforeTheSearchPath) {
+TEST(Loader, TakesItsOwnFoldersBeforeTheSearchPath) {
   const vxtest::TemporaryFolder own;
   const vxtest::TemporaryFolder further;
   own.write("vxnlsudb.so", "broken");
@@ -86,6 +86,17 @@ TEST(Loader, TakesItsOwnFolderBeforeTheSearchPath) {
   ASSERT_NE(found, nullptr);
   found->ops->destroy(found);
   EXPECT_EQ(load(loader, "vxnlsudb"), nullptr) << "a broken one of its own is not passed over";
+
+  // Where an installed host has them: broken there, whole further on.
+  fs::create_directory(own.file("vxnls-6"));
+  own.write("vxnls-6/vxnlsldb.so", "broken");
+  EXPECT_EQ(load(loader, "vxnlsldb"), nullptr);
+  fs::remove(own.file("vxnls-6/vxnlsldb.so"));
+  own.link(libraries + "/vxnlsldb.so", "vxnls-6/vxnlsldb.so");
+  vxhost::ExtensionLoader installed(own.path(), {"", false});
+  VXExtension* const there = load(installed, "vxnlsldb");
+  ASSERT_NE(there, nullptr);
+  there->ops->destroy(there);
 }
 
 TEST(Loader, RefusesRelativeFoldersAndAllOfThemWithPrivileges) {
