@@ -64,16 +64,15 @@ Family read(const std::string& path) {
   const json& context = all.at("context");
   Family family{context.at("family"), context.at("date"), {}};
   for (const auto& [key, value] : context.items()) {
-    if (!key.starts_with("row ")) continue;
+    if (!key.starts_with("row ")) continue;  // "row 007 ID", sorted
     const auto parts = split(value.get<std::string>(), '\t');
     Row row;
-    row.id = key.substr(4);
+    row.id = key.substr(8);
     row.title = parts.at(0);
     row.reach = std::stod(parts.at(1));
     row.bytes = std::stod(parts.at(2));
     family.rows.push_back(row);
   }
-  std::vector<std::string> order;  // the context is sorted; rows stand in the order of their declaration
   for (const json& run : all.at("benchmarks")) {
     if (run.value("aggregate_name", "") != "median") continue;
     const std::string name = run.at("run_name");
@@ -81,7 +80,6 @@ Family read(const std::string& path) {
     const std::string id = name.substr(0, slash);
     const auto row = std::find_if(family.rows.begin(), family.rows.end(), [&](const Row& r) { return r.id == id; });
     if (row == family.rows.end()) throw std::runtime_error(path + ": " + id + " is not declared");
-    if (std::find(order.begin(), order.end(), id) == order.end()) order.push_back(id);
     const Contender contender{name.substr(slash + 1), in_nanoseconds(run)};
     if (contender.name == "vxnlsloc") {
       row->ours = contender;
@@ -93,8 +91,6 @@ Family read(const std::string& path) {
   for (Row& row : family.rows) {
     std::sort(row.peers.begin(), row.peers.end(), [](const auto& a, const auto& b) { return a.time < b.time; });
   }
-  const auto place = [&](const Row& row) { return std::find(order.begin(), order.end(), row.id); };
-  std::sort(family.rows.begin(), family.rows.end(), [&](const Row& a, const Row& b) { return place(a) < place(b); });
   return family;
 }
 

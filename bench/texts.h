@@ -44,11 +44,11 @@ inline std::string text_of(const Kind& kind, size_t bytes, Random& random) {
   return text;
 }
 
-/// Slices of `bytes` bytes, together 1 MiB.
+/// Slices of `bytes` bytes, together more than 50,000 characters of any kind.
 inline std::vector<std::string> slices_of(const Kind& kind, size_t bytes) {
   Random random = random_of(kind.id);
   std::vector<std::string> slices;
-  for (size_t total = 0; total < (size_t{1} << 20); total += bytes) slices.push_back(text_of(kind, bytes, random));
+  for (size_t total = 0; total < (size_t{192} << 10); total += bytes) slices.push_back(text_of(kind, bytes, random));
   return slices;
 }
 
