@@ -39,6 +39,7 @@ function(vx_link_library)
   if(NOT VXNLS_SANITIZE)
     target_link_options(vxnlsloc PRIVATE -Wl,-z,defs)
   endif()
-  set_target_properties(vxnlsloc PROPERTIES LINKER_LANGUAGE C VERSION 6.1.0 SOVERSION 6
+  set_target_properties(vxnlsloc PROPERTIES LINKER_LANGUAGE C
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
     LINK_DEPENDS "${PROJECT_BINARY_DIR}/vxnlsloc.map;${PROJECT_BINARY_DIR}/vxnlsloc.dynamic")
 endfunction()
