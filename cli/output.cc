@@ -51,6 +51,11 @@ Output::Output(int descriptor, std::string name, Write write)
     : descriptor_(descriptor), name_(std::move(name)), write_(write) {}
 
 void Output::put(std::string_view text) {
+  if (text.size() >= buffer_size) {
+    flush();
+    write_all(text);  // as it is, without a copy
+    return;
+  }
   buffer_ += text;
   if (buffer_.size() >= buffer_size) flush();
 }
@@ -61,7 +66,11 @@ void Output::line(std::string_view text) {
 }
 
 void Output::flush() {
-  std::string_view rest = buffer_;
+  write_all(buffer_);
+  buffer_.clear();
+}
+
+void Output::write_all(std::string_view rest) {
   while (!rest.empty()) {
     const ssize_t count = write_(descriptor_, rest.data(), rest.size());
     if (count > 0) {
@@ -72,7 +81,6 @@ void Output::flush() {
       give_up(errno);
     }
   }
-  buffer_.clear();
 }
 
 void Output::finish() {

@@ -37,6 +37,7 @@ class Output {
   void finish();
 
  private:
+  void write_all(std::string_view rest);
   [[noreturn]] void give_up(int error);
 
   const int descriptor_;

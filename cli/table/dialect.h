@@ -24,10 +24,10 @@ enum class Format {
 
 struct Dialect {
   Format format = Format::csv;
-  char separator = ',';  ///< of CSV and TSV
+  char separator = ',';  ///< of CSV; TSV has tabs
   bool header = true;    ///< the first record names the columns; CSV and TSV only
 
-  /// The dialect that a format has when nothing else is said: a comma for CSV, a tab for TSV; a header line for both.
+  /// The dialect that a format has when nothing else is said.
   static Dialect of(Format format);
   bool delimited() const;
   bool has_header() const { return header && delimited(); }

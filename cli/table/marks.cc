@@ -12,7 +12,7 @@ namespace {
 
 #ifdef __SSE2__
 
-uint64_t marks_in(const char* bytes, char a, char b) {
+uint64_t marks_in_chunk(const char* bytes, char a, char b) {
   const __m128i separator = _mm_set1_epi8(a);
   const __m128i quote = _mm_set1_epi8(b);
   const __m128i line_feed = _mm_set1_epi8('\n');
@@ -28,7 +28,7 @@ uint64_t marks_in(const char* bytes, char a, char b) {
 
 #else
 
-uint64_t marks_in(const char* bytes, char a, char b) {
+uint64_t marks_in_chunk(const char* bytes, char a, char b) {
   uint64_t mask = 0;
   for (int i = 0; i < 64; ++i) {
     const bool found = bytes[i] == a || bytes[i] == b || bytes[i] == '\n';
@@ -41,17 +41,11 @@ uint64_t marks_in(const char* bytes, char a, char b) {
 
 }  // namespace
 
-void Marks::load() {
-  chunk_ = ahead_;
-  const size_t left = text_.size() - chunk_;
-  if (left >= chunk_size) {
-    mask_ = marks_in(text_.data() + chunk_, separator_, quote_);
-  } else {
-    char last[chunk_size] = {};
-    std::memcpy(last, text_.data() + chunk_, left);
-    mask_ = marks_in(last, separator_, quote_) & ((uint64_t{1} << left) - 1);
-  }
-  ahead_ = chunk_ + chunk_size;
+uint64_t Marks::marks_in(std::string_view text, char separator, char quote) {
+  if (text.size() >= chunk_size) return marks_in_chunk(text.data(), separator, quote);
+  char last[chunk_size] = {};
+  std::memcpy(last, text.data(), text.size());
+  return marks_in_chunk(last, separator, quote) & ((uint64_t{1} << text.size()) - 1);
 }
 
 }  // namespace vxcli::table

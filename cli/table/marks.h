@@ -25,7 +25,9 @@ class Marks {
   size_t next() {
     while (mask_ == 0) {
       if (ahead_ >= text_.size()) return text_.size();
-      load();
+      chunk_ = ahead_;
+      ahead_ += chunk_size;
+      mask_ = marks_in(text_.substr(chunk_), separator_, quote_);
     }
     const size_t at = chunk_ + static_cast<size_t>(__builtin_ctzll(mask_));
     mask_ &= mask_ - 1;
@@ -35,7 +37,8 @@ class Marks {
  private:
   static constexpr size_t chunk_size = 64;
 
-  void load();
+  /// Of the first chunk of a text.
+  static uint64_t marks_in(std::string_view text, char separator, char quote);
 
   char separator_;
   char quote_;

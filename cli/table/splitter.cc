@@ -15,7 +15,10 @@ namespace {
 
 constexpr size_t nowhere = std::string_view::npos;
 
-char separator_in(const Dialect& dialect) { return dialect.format == Format::lines ? '\n' : dialect.separator; }
+char separator_in(const Dialect& dialect) {
+  if (dialect.format == Format::csv) return dialect.separator;
+  return dialect.format == Format::lines ? '\n' : '\t';
+}
 char quote_in(const Dialect& dialect) { return dialect.format == Format::csv ? '"' : separator_in(dialect); }
 
 constexpr struct {
@@ -89,10 +92,11 @@ uint64_t Record::line_of(size_t at) const {
 
 Splitter::Splitter(const Dialect& dialect, std::vector<Column> columns, size_t expected)
     : dialect_(dialect),
+      separator_(separator_in(dialect)),
       columns_(std::move(columns)),
       in_order_(columns_.size()),
       expected_(expected),
-      marks_(separator_in(dialect), quote_in(dialect)) {
+      marks_(separator_, quote_in(dialect)) {
   std::iota(in_order_.begin(), in_order_.end(), size_t{0});
   std::stable_sort(in_order_.begin(), in_order_.end(),
                    [&](size_t a, size_t b) { return columns_[a].index < columns_[b].index; });
@@ -126,69 +130,74 @@ void Splitter::end_record(Record& record, size_t end) {
   record.line_end = record.text.substr(record.text.size() - length);
 }
 
+void Splitter::take_cell(Record& record, size_t begin, size_t end, Quotes quotes) const {
+  const std::string_view token = block_.text.substr(begin, end - begin);
+  const bool escaped = quotes != Quotes::none ? quotes == Quotes::with_escapes
+                                              : dialect_.format == Format::tsv_escaped && token.find('\\') != nowhere;
+  for (size_t i = record.cells.size(); i < in_order_.size() && index_at(i) == record.cell_count; ++i) {
+    record.cells.push_back({.column = in_order_[i],
+                            .begin = begin - at_,
+                            .end = end - at_,
+                            .quoted = quotes != Quotes::none,
+                            .escaped = escaped});
+  }
+}
+
 bool Splitter::next_delimited(Record& record) {
   const std::string_view text = block_.text;
-  size_t cell_begin = at_;
-  size_t next_chosen = 0;
-  bool in_quotes = false, quoted = false, doubled = false;
-  size_t closed = nowhere;  // the quote that closed the cell
-
-  const auto end_cell = [&](size_t end) {
-    if (quoted && closed == nowhere) record.flaws.push_back({Fault::unterminated_quote, cell_begin - at_});
-    if (quoted && closed != nowhere && closed + 1 != end) {
-      record.flaws.push_back({Fault::text_after_quote, closed + 1 - at_});
-    }
-    if (record.cell_count == expected_ && expected_ != 0) {
-      record.flaws.push_back({Fault::too_many_cells, cell_begin - at_});
-    }
-    while (next_chosen < in_order_.size() && columns_[in_order_[next_chosen]].index == record.cell_count) {
-      Cell cell{.column = in_order_[next_chosen++], .begin = cell_begin - at_, .end = end - at_, .quoted = quoted};
-      if (quoted) {
-        cell.escaped = doubled || closed == nowhere || closed + 1 != end;
-      } else if (dialect_.format == Format::tsv_escaped) {
-        cell.escaped = text.substr(cell_begin, end - cell_begin).find('\\') != nowhere;
+  const char* const bytes = text.data();
+  Marks marks = marks_;  // a copy stays in registers
+  size_t begin = at_;    // of the cell
+  size_t count = 0;      // of cells
+  size_t chosen = index_at(0);
+  for (;; ++count) {
+    size_t at = marks.next();
+    Quotes quotes = Quotes::none;
+    size_t closed = nowhere;
+    if (at == begin && at < text.size() && bytes[at] == '"' && dialect_.format == Format::csv) {
+      quotes = Quotes::plain;
+      for (at = marks.next(); at < text.size(); at = marks.next()) {
+        if (bytes[at] == '\n') ++line_;
+        if (bytes[at] != '"') continue;
+        if (at + 1 == text.size() || bytes[at + 1] != '"') {
+          closed = at;
+          at = marks.next();
+          break;
+        }
+        marks.next();
+        quotes = Quotes::with_escapes;
       }
-      record.cells.push_back(cell);
     }
-    ++record.cell_count;
-    quoted = doubled = false;
-    closed = nowhere;
-  };
+    while (at < text.size() && bytes[at] != separator_ && bytes[at] != '\n') at = marks.next();  // a quote
 
-  for (;;) {
-    const size_t at = marks_.next();
-    if (at == text.size()) {
-      end_cell(at);
-      end_record(record, at);
-      break;
-    }
-    if (text[at] == '\n') {
-      ++line_;
-      if (in_quotes) continue;
-      end_cell(at > cell_begin && text[at - 1] == '\r' ? at - 1 : at);
-      end_record(record, at + 1);
-      break;
-    }
-    if (text[at] == dialect_.separator) {
-      if (in_quotes) continue;
-      end_cell(at);
-      cell_begin = at + 1;
-    } else if (in_quotes) {
-      if (at + 1 < text.size() && text[at + 1] == '"') {
-        marks_.next();
-        doubled = true;
+    const bool last = at == text.size() || bytes[at] == '\n';
+    size_t end = at;
+    if (last && at < text.size() && at > begin && bytes[at - 1] == '\r') --end;
+    if (quotes != Quotes::none && closed + 1 != end) {
+      quotes = Quotes::with_escapes;
+      if (closed == nowhere) {
+        record.flaws.push_back({Fault::unterminated_quote, begin - at_});
       } else {
-        in_quotes = false;
-        closed = at;
+        record.flaws.push_back({Fault::text_after_quote, closed + 1 - at_});
       }
-    } else if (at == cell_begin) {
-      in_quotes = quoted = true;
     }
+    if (count == expected_ && count != 0) record.flaws.push_back({Fault::too_many_cells, begin - at_});
+    if (count == chosen) {
+      record.cell_count = count;
+      take_cell(record, begin, end, quotes);
+      chosen = index_at(record.cells.size());
+    }
+    if (last) {
+      line_ += at < text.size() ? 1 : 0;
+      end_record(record, std::min(at + 1, text.size()));
+      break;
+    }
+    begin = at + 1;
   }
-  const bool blank = record.text.size() == record.line_end.size();
-  if (record.cell_count < expected_ && !blank) {
-    record.flaws.push_back({Fault::too_few_cells, record.text.size() - record.line_end.size()});
-  }
+  marks_ = marks;
+  record.cell_count = count + 1;
+  const size_t filled = record.text.size() - record.line_end.size();
+  if (record.cell_count < expected_ && filled > 0) record.flaws.push_back({Fault::too_few_cells, filled});
   return true;
 }
 
@@ -243,17 +252,18 @@ std::string_view Splitter::value(const Record& record, const Cell& cell, std::st
 }
 
 bool Splitter::encode(const Cell& cell, std::string_view value, std::string& out) const {
-  const auto holds = [&](const char* bytes) { return value.find_first_of(bytes) != nowhere; };
+  const auto breaks = [&](char byte) { return byte == separator_ || byte == '\r' || byte == '\n'; };
   switch (dialect_.format) {
     case Format::csv:
-      if (cell.quoted || holds("\"\r\n") || value.find(dialect_.separator) != nowhere) {
+      if (cell.quoted || std::any_of(value.begin(), value.end(), [&](char b) { return b == '"' || breaks(b); })) {
         append_quoted(value, out);
       } else {
         out += value;
       }
       return true;
     case Format::tsv:
-      if (holds("\r\n") || value.find(dialect_.separator) != nowhere) return false;
+    case Format::lines:
+      if (std::any_of(value.begin(), value.end(), breaks)) return false;
       out += value;
       return true;
     case Format::tsv_escaped: append_escaped(value, out); return true;
@@ -263,10 +273,6 @@ bool Splitter::encode(const Cell& cell, std::string_view value, std::string& out
       } else {
         append_json_string(value, out);
       }
-      return true;
-    case Format::lines:
-      if (holds("\r\n")) return false;
-      out += value;
       return true;
   }
   return false;

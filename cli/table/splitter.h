@@ -81,11 +81,17 @@ class Splitter {
   const std::vector<Column>& columns() const { return columns_; }
 
  private:
+  enum class Quotes : uint8_t { none, plain, with_escapes };
+
+  /// The place of the i-th chosen column in a record, in order of place.
+  size_t index_at(size_t i) const { return i < in_order_.size() ? columns_[in_order_[i]].index : SIZE_MAX; }
+  void take_cell(Record& record, size_t begin, size_t end, Quotes quotes) const;
   void end_record(Record& record, size_t end);
   bool next_delimited(Record& record);
   bool next_object(Record& record);
 
   Dialect dialect_;
+  char separator_;
   std::vector<Column> columns_;
   std::vector<size_t> in_order_;  // indices of columns_, by their place in the record
   size_t expected_;
