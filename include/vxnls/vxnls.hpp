@@ -165,7 +165,7 @@ class buffer {
 
 /// Room that is always enough: for dates, times, datetimes and integers; for doubles, percentages and amounts.
 inline constexpr std::size_t text_room = 512;
-inline constexpr std::size_t double_room = 2400;
+inline constexpr std::size_t double_room = 2048;
 
 /* what is asked for ------------------------------------------------------------------------------------ */
 
@@ -501,7 +501,7 @@ class locale {
   ///   VX_E_OVERFLOW, VX_E_UNDERFLOW  the number is too large, too small
   ///   VX_E_TRUNCATED  a fraction other than 0 was dropped (see `reading`): the integer
   ///   VX_E_NULL       the locale is empty
-  /// A missing value (".", ".A") and an empty text are a NaN with status 0. An instant that a change of offset makes
+  /// A missing value (".A", "._") and an empty text are a NaN with status 0. An instant that a change of offset makes
   /// ambiguous is the first of the two.
   template <class T>
   result<T> parse(std::string_view text, const reading& how = {}) const {
@@ -1036,7 +1036,7 @@ class code_points : public std::ranges::view_base {
   std::basic_string_view<Unit> text_;
 };
 template <class Text>
-code_points(const Text& text) -> code_points<typename decltype(std::basic_string_view(text))::value_type>;
+code_points(const Text& text) -> code_points<std::remove_cvref_t<decltype(text[0])>>;
 
 /// Units at the start of a text that are well-formed; all of them in well-formed text.
 template <class Unit>
