@@ -19,7 +19,7 @@ struct Kind {
 inline constexpr Kind kinds[] = {
     {"ascii", "ASCII", 'a', 'z', 100},          {"latin", "Latin", 0xC0, 0x17F, 85},
     {"cyrillic", "Cyrillic", 0x430, 0x44F, 15}, {"cjk", "CJK", 0x4E00, 0x9FA5, 5},
-    {"emoji", "emoji", 0x1F300, 0x1F5FF, 5},
+    {"emoji", "emoji", 0x1F300, 0x1F5FF, 20},
 };
 
 inline void append_utf8(std::string& text, uint32_t c) {

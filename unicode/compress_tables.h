@@ -69,6 +69,21 @@ inline constexpr auto one_to_four_bytes = [] {
   return table;
 }();
 
+/// 4 double words of the bytes first, middle, last, 0. Two bits each: whether the first byte is left out (the higher),
+/// and the middle one too.
+inline constexpr auto one_to_three_bytes = [] {
+  ShuffleTable<256, 16> table{};
+  for (unsigned mask = 0; mask < 256; ++mask) {
+    unsigned n = 0;
+    for (unsigned lane = 0; lane < 4; ++lane) {
+      const unsigned left_out = (mask >> 2 * lane & 1) + (mask >> (2 * lane + 1) & 1);
+      for (unsigned byte = left_out; byte < 3; ++byte) table.row[mask][n++] = static_cast<uint8_t>(4 * lane + byte);
+    }
+    while (n < 16) table.row[mask][n++] = no_byte;
+  }
+  return table;
+}();
+
 /// 4 double words that hold one word, or (bit set) two.
 inline constexpr auto one_or_two_words = [] {
   ShuffleTable<16, 16> table{};

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <type_traits>
 
 #include "unicode/coders.h"
 #include "unicode/compress_tables.h"
@@ -63,7 +62,6 @@ Vector compressed_dwords(Vector v, uint32_t mask) {
   return _mm256_permutevar8x32_epi32(v, _mm256_cvtepu8_epi32(load_quarter(lanes_of_mask.row[mask])));
 }
 __m128i shuffled(__m128i v, const uint8_t (&row)[16]) { return _mm_shuffle_epi8(v, load_half(row)); }
-
 /// Copies `bytes` bytes, nothing more, by blocks that overlap at the end.
 void copy(uint8_t* out, const uint8_t* from, int64_t bytes) {
   if (bytes >= 32) {
@@ -126,10 +124,17 @@ struct Utf8 {
             static_cast<uint32_t>(announced >> 32), four != 0 ? Block::full : Block::basic};
   }
 
+  /// Whether the next 64 bytes are ASCII alone.
+  static bool all_plain(const uint8_t* in) { return top_bits(_mm256_or_si256(load(in), load(in + vector_bytes))) == 0; }
+  template <std::endian order>
+  static void write_plain(const uint8_t* in, uint8_t* out) {
+    for (int i = 0; i < 32; i += 8) store_dwords<order>(out + 4 * i, _mm256_cvtepu8_epi32(load_quarter(in + i)));
+  }
+
   template <std::endian order>
   static int64_t write(const uint8_t* in, const Block& block, uint8_t* out) {
     if (block.kind == Block::plain) {
-      for (int i = 0; i < 32; i += 8) store_dwords<order>(out + 4 * i, _mm256_cvtepu8_epi32(load_quarter(in + i)));
+      write_plain<order>(in, out);
     } else if (block.kind == Block::basic) {
       write_basic<order>(in, block.leads, out);
     } else {
@@ -197,14 +202,27 @@ struct Utf16 {
     return {~lows & 0xFFFF, (announced & 0xFFFF) ^ lows, announced >> 16, Block::full};
   }
 
+  /// Whether the next 64 bytes have no surrogates.
+  static bool all_plain(const uint8_t* in) {
+    const Vector bits = every_word(input == little ? 0xF800 : 0x00F8),
+                 surrogate = every_word(input == little ? 0xD800 : 0x00D8);
+    const Vector a = _mm256_cmpeq_epi16(_mm256_and_si256(load(in), bits), surrogate);
+    const Vector b = _mm256_cmpeq_epi16(_mm256_and_si256(load(in + vector_bytes), bits), surrogate);
+    return top_bits(_mm256_or_si256(a, b)) == 0;
+  }
+  template <std::endian order>
+  static void write_plain(const uint8_t* in, uint8_t* out) {
+    for (int i = 0; i < 16; i += 8) store_dwords<order>(out + 4 * i, wide(in + 2 * i));
+  }
+
   template <std::endian order>
   static int64_t write(const uint8_t* in, const Block& block, uint8_t* out) {
+    if (block.kind == Block::plain) {
+      write_plain<order>(in, out);
+      return positions;
+    }
     for (int i = 0; i < 16; i += 8) {
       const Vector unit32 = wide(in + 2 * i);
-      if (block.kind == Block::plain) {
-        store_dwords<order>(out + 4 * i, unit32);
-        continue;
-      }
       // What a pair gives at its first unit, and what any other unit gives.
       constexpr uint32_t bias = 0x10000u - (0xD800u << 10) - 0xDC00u;
       const Vector pair =
@@ -262,24 +280,32 @@ Converted to_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t capa
   constexpr int64_t ahead = 2 * vector_bytes;
   int64_t count = 0;
   for (;;) {
-    if (length >= ahead && capacity - count >= ahead) {
-      Block block = Form::scan(in, 0);
-      uint32_t carried = 0;
-      if (block.errors == 0) {
-        do {
-          const Block next = Form::scan(in + vector_bytes, block.carry);
-          if (next.errors != 0) break;
-          count += Form::template write<order>(in, block, out + 4 * count);
-          carried = block.carry;
-          in += vector_bytes;
-          length -= vector_bytes;
-          block = next;
-        } while (length >= ahead && capacity - count >= ahead);
+    int64_t carried = 0;
+    Block block{};
+    for (bool scanned = false; length >= ahead && capacity - count >= ahead;) {
+      if (!scanned) {
+        if (Form::all_plain(in)) {  // needs no looking ahead
+          Form::template write_plain<order>(in, out + 4 * count);
+          Form::template write_plain<order>(in + vector_bytes, out + 4 * (count + Form::positions));
+          count += 2 * Form::positions;
+          in += ahead;
+          length -= ahead;
+          continue;
+        }
+        block = Form::scan(in, 0);
+        if (block.errors != 0) break;
       }
-      const int64_t skipped = Form::unit * count_bits(carried);
-      in += skipped;
-      length -= skipped;
+      const Block next = Form::scan(in + vector_bytes, block.carry);
+      if (next.errors != 0) break;
+      count += Form::template write<order>(in, block, out + 4 * count);
+      carried = count_bits(block.carry);
+      in += vector_bytes;
+      length -= vector_bytes;
+      scanned = block.kind != Block::plain || next.kind != Block::plain;
+      block = next;
     }
+    in += Form::unit * carried;
+    length -= Form::unit * carried;
     while (length > 0 && count < capacity) {
       const int64_t taken = convert_window<Form, order>(in, length, out + 4 * count, capacity - count, &count);
       in += taken;
@@ -301,21 +327,32 @@ Converted to_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t capa
 
 struct ToUtf8 {
   using Sink = Utf8Sink;
+  static constexpr int64_t shortest = 1;  // bytes of a character
+
+  /// Whether the next 32 characters are ASCII, which are then written.
+  template <std::endian order>
+  static bool write_plain(const uint8_t* in, uint8_t* out) {
+    const Vector a = load_dwords<order>(in), b = load_dwords<order>(in + 32), c = load_dwords<order>(in + 64),
+                 d = load_dwords<order>(in + 96);
+    const Vector all = _mm256_or_si256(_mm256_or_si256(a, b), _mm256_or_si256(c, d));
+    if (!none(all, every_dword(~0x7Fu))) return false;
+    const Vector quarters = _mm256_packus_epi16(_mm256_packus_epi32(a, b), _mm256_packus_epi32(c, d));
+    store(out, _mm256_permutevar8x32_epi32(quarters, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
+    return true;
+  }
 
   /// Writes 16 characters; what lies up to 12 bytes behind them is overwritten too.
   template <std::endian order>
   static int64_t write(const uint8_t* in, uint8_t* out) {
     const Vector a = load_dwords<order>(in), b = load_dwords<order>(in + vector_bytes);
     const Vector all = _mm256_or_si256(a, b);
-    if (!none(all, every_dword(~0x7FFu))) return write_four(b, out, write_four(a, out, 0));
-    // Lanes 0-3 and 8-11, 4-7 and 12-15 lie together until the end.
-    const Vector words = _mm256_packus_epi32(a, b);
+    if (!none(all, every_dword(~0xFFFFu))) return write_four(b, out, write_four(a, out, 0));
+    const Vector ordered = _mm256_permute4x64_epi64(_mm256_packus_epi32(a, b), 0xD8);
+    if (!none(all, every_dword(~0x7FFu))) return write_three(ordered, out);
     if (none(all, every_dword(~0x7Fu))) {
-      const Vector ordered = _mm256_permute4x64_epi64(words, 0xD8);
       store_half(out, _mm_packus_epi16(_mm256_castsi256_si128(ordered), _mm256_extracti128_si256(ordered, 1)));
       return 16;
     }
-    const Vector ordered = _mm256_permute4x64_epi64(words, 0xD8);
     const Vector is_one = _mm256_cmpgt_epi16(every_word(0x80), ordered);
     const Vector lead = _mm256_srli_epi16(ordered, 6);
     const Vector tail = _mm256_slli_epi16(_mm256_and_si256(ordered, every_word(0x3F)), 8);
@@ -331,6 +368,32 @@ struct ToUtf8 {
 
  private:
   static Vector field(Vector shifted, uint32_t mask) { return _mm256_and_si256(shifted, every_dword(mask)); }
+
+  /// 16 characters below U+10000.
+  static int64_t write_three(Vector c, uint8_t* out) {
+    const Vector zero = _mm256_setzero_si256();
+    const Vector one = _mm256_cmpeq_epi16(_mm256_srli_epi16(c, 7), zero);
+    const Vector at_most_two = _mm256_cmpeq_epi16(_mm256_srli_epi16(c, 11), zero);
+    // A character is the bytes first, middle, last, of which shorter ones have the last two or one.
+    const Vector middle = _mm256_and_si256(_mm256_slli_epi16(c, 2), every_word(0x3F00));
+    const Vector first = _mm256_or_si256(_mm256_srli_epi16(c, 12), every_word(0x80E0));
+    const Vector lead_of_two = _mm256_and_si256(at_most_two, every_word(0x4000));
+    const Vector front = _mm256_or_si256(_mm256_or_si256(first, middle), lead_of_two);
+    const Vector last = _mm256_or_si256(_mm256_and_si256(c, every_word(0x3F)), every_word(0x80));
+    const Vector back = _mm256_blendv_epi8(last, c, one);
+    const Vector bytes[] = {_mm256_unpacklo_epi16(front, back), _mm256_unpackhi_epi16(front, back)};
+    // Two bits a character, so that a byte of the mask is four characters.
+    uint32_t shorter = top_bits(_mm256_packs_epi16(_mm256_unpacklo_epi16(one, at_most_two),  //
+                                                   _mm256_unpackhi_epi16(one, at_most_two)));
+    const int64_t length = 48 - count_bits(shorter);
+    for (int i = 0; i < 4; ++i, shorter >>= 8) {
+      const Vector v = bytes[i % 2];
+      const __m128i four = i < 2 ? _mm256_castsi256_si128(v) : _mm256_extracti128_si256(v, 1);
+      store_half(out, shuffled(four, one_to_three_bytes.row[shorter & 0xFF]));
+      out += 12 - count_bits(shorter & 0xFF);
+    }
+    return length;
+  }
 
   /// Eight characters of any length, behind `bytes` bytes; gives the bytes then.
   static int64_t write_four(Vector c, uint8_t* out, int64_t bytes) {
@@ -363,12 +426,28 @@ struct ToUtf8 {
 template <std::endian output>
 struct ToUtf16 {
   using Sink = Utf16Sink<output>;
+  static constexpr int64_t shortest = 2;  // bytes of a character
+
+  /// Whether the next 32 characters are single units, which are then written.
+  template <std::endian order>
+  static bool write_plain(const uint8_t* in, uint8_t* out) {
+    const Vector a = load_dwords<order>(in), b = load_dwords<order>(in + 32), c = load_dwords<order>(in + 64),
+                 d = load_dwords<order>(in + 96);
+    const Vector all = _mm256_or_si256(_mm256_or_si256(a, b), _mm256_or_si256(c, d));
+    if (!none(all, every_dword(~0xFFFFu))) return false;
+    for (const Vector mixed : {_mm256_packus_epi32(a, b), _mm256_packus_epi32(c, d)}) {
+      const Vector words = _mm256_permute4x64_epi64(mixed, 0xD8);
+      store(out, output == little ? words : swapped_words(words));
+      out += 32;
+    }
+    return true;
+  }
 
   /// Writes 16 characters; what lies up to 8 bytes behind them is overwritten too.
   template <std::endian order>
   static int64_t write(const uint8_t* in, uint8_t* out) {
     const Vector a = load_dwords<order>(in), b = load_dwords<order>(in + vector_bytes);
-    if (!none(_mm256_or_si256(a, b), every_dword(0xFFFF0000))) return write_pairs(b, out, write_pairs(a, out, 0));
+    if (!none(_mm256_or_si256(a, b), every_dword(~0xFFFFu))) return write_pairs(b, out, write_pairs(a, out, 0));
     const Vector words = _mm256_permute4x64_epi64(_mm256_packus_epi32(a, b), 0xD8);
     store(out, output == little ? words : swapped_words(words));
     return 32;
@@ -396,8 +475,19 @@ Converted from_utf32(const uint8_t* in, int64_t characters, uint8_t* out, int64_
   constexpr int64_t at_once = 16, longest = 4;
   int64_t bytes = 0;
   // As many characters again must be sure to follow, since their bytes cover what a block leaves behind it.
-  while (characters >= 2 * at_once && room - bytes >= 2 * at_once * longest) {
-    bytes += Form::template write<order>(in, out + bytes);
+  for (bool plain = true; characters >= 2 * at_once && room - bytes >= 2 * at_once * longest;) {
+    if (plain) {
+      plain = Form::template write_plain<order>(in, out + bytes);
+      if (plain) {
+        bytes += 2 * at_once * Form::shortest;
+        in += 8 * at_once;
+        characters -= 2 * at_once;
+        continue;
+      }
+    }
+    const int64_t made = Form::template write<order>(in, out + bytes);
+    plain = made == at_once * Form::shortest;
+    bytes += made;
     in += 4 * at_once;
     characters -= at_once;
   }
@@ -406,8 +496,7 @@ Converted from_utf32(const uint8_t* in, int64_t characters, uint8_t* out, int64_
     alignas(32) uint8_t beside[longest * at_once + vector_bytes];
     const int64_t there = std::min(characters, at_once);
     const uint8_t* const from = there < at_once ? padded.of(in, 4 * there) : in;
-    constexpr int64_t of_padding = std::is_same_v<typename Form::Sink, Utf8Sink> ? 1 : 2;
-    const int64_t made = Form::template write<order>(from, beside) - of_padding * (at_once - there);
+    const int64_t made = Form::template write<order>(from, beside) - Form::shortest * (at_once - there);
     if (made > room - bytes) break;
     copy(out + bytes, beside, made);
     bytes += made;
