@@ -55,3 +55,19 @@ foreach(name vxnlsloc vxnlshost)
   configure_file(packaging/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endforeach()
+
+# The command writes its own completion scripts.
+set(completions ${PROJECT_BINARY_DIR}/completions)
+add_custom_command(OUTPUT ${completions}/vxnls ${completions}/_vxnls ${completions}/vxnls.fish
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${completions}
+  COMMAND vxnls completion bash > ${completions}/vxnls
+  COMMAND vxnls completion zsh > ${completions}/_vxnls
+  COMMAND vxnls completion fish > ${completions}/vxnls.fish
+  DEPENDS vxnls VERBATIM)
+add_custom_target(completions ALL DEPENDS ${completions}/vxnls ${completions}/_vxnls ${completions}/vxnls.fish)
+foreach(place vxnls:bash-completion/completions _vxnls:zsh/vendor-completions vxnls.fish:fish/vendor_completions.d)
+  string(REPLACE ":" ";" place ${place})
+  list(GET place 0 file)
+  list(GET place 1 folder)
+  install(FILES ${completions}/${file} DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder} COMPONENT command)
+endforeach()
