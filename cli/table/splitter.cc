@@ -121,12 +121,12 @@ bool Splitter::next(Record& record) {
   return dialect_.format == Format::json_lines ? next_object(record) : next_delimited(record);
 }
 
-/// The record ends before `end` in the block; its line end was found or is missing.
-void Splitter::end_record(Record& record, size_t end) {
+/// The record ends before `end` in the block. `complete`: with a line feed that ends it.
+void Splitter::end_record(Record& record, size_t end, bool complete) {
   record.text = block_.text.substr(at_, end - at_);
   at_ = end;
-  size_t length = record.text.ends_with('\n') ? 1 : 0;
-  if (record.text.ends_with("\r\n")) length = 2;
+  size_t length = complete ? 1 : 0;
+  if (complete && record.text.ends_with("\r\n")) length = 2;
   record.line_end = record.text.substr(record.text.size() - length);
 }
 
@@ -188,8 +188,9 @@ bool Splitter::next_delimited(Record& record) {
       chosen = index_at(record.cells.size());
     }
     if (last) {
-      line_ += at < text.size() ? 1 : 0;
-      end_record(record, std::min(at + 1, text.size()));
+      const bool complete = at < text.size();
+      line_ += complete ? 1 : 0;
+      end_record(record, complete ? at + 1 : at, complete);
       break;
     }
     begin = at + 1;
@@ -207,7 +208,7 @@ bool Splitter::next_object(Record& record) {
                          ? block_.text.size()
                          : static_cast<size_t>(static_cast<const char*>(line_feed) - block_.text.data()) + 1;
   if (line_feed != nullptr) ++line_;
-  end_record(record, end);
+  end_record(record, end, line_feed != nullptr);
   JsonMembers members(record.text);
   std::string scratch;
   for (JsonMember member; members.next(member);) {

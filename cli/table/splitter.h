@@ -66,8 +66,8 @@ class Splitter {
   bool next(Record& record);
 
   /// What a cell says, without quotes and escapes; of a JSON number, literal or nested value the bytes. Leads into the
-  /// record, or into `scratch` where something was escaped. An escape of JSON that means nothing (a lone surrogate)
-  /// leaves the whole string as it was written.
+  /// record, or into `scratch` where something was escaped. An escape of JSON that means nothing (a lone surrogate),
+  /// or one beside bytes that are not UTF-8, leaves the whole string as it was written.
   std::string_view value(const Record& record, const Cell& cell, std::string& scratch) const;
 
   /// Appends `value` as the cell should have it: in quotes if it was so, or if it must be; a JSON string stays a
@@ -86,7 +86,7 @@ class Splitter {
   /// The place of the i-th chosen column in a record, in order of place.
   size_t index_at(size_t i) const { return i < in_order_.size() ? columns_[in_order_[i]].index : SIZE_MAX; }
   void take_cell(Record& record, size_t begin, size_t end, Quotes quotes) const;
-  void end_record(Record& record, size_t end);
+  void end_record(Record& record, size_t end, bool complete);
   bool next_delimited(Record& record);
   bool next_object(Record& record);
 

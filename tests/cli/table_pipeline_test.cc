@@ -163,7 +163,7 @@ TEST(Pipeline, EveryFailureOfReadingComesAfterWhatWasRead) {
   const std::string_view text = "a,b\n1,2\n\"3\n\",4\n5,6\n7";
   for (const unsigned threads : {1u, 4u}) {
     for (const size_t block_size : {size_t{1}, size_t{7}, size_t{100}}) {
-      for (const uint64_t sampled : {0, 1, 2, 10}) {
+      for (const uint64_t sampled : {0u, 1u, 2u, 10u}) {
         int failures = 0;
         for (int call = 1;; ++call) {
           device = {.text = {}, .failing_call = call};
