@@ -1,6 +1,5 @@
 #include "number_format/digits.h"
 
-#include <bit>
 #include <cstring>
 
 #include "unicode/text_flavour.h"
@@ -18,14 +17,6 @@ constexpr uint64_t chunk = 10'000'000'000'000'000'000u;
 void put_pair(uint8_t* out, uint64_t number) { std::memcpy(out, Utf8Text::digit_pairs.of[number], 2); }
 
 }  // namespace
-
-BinaryParts binary_parts(double value) {
-  const auto bits = std::bit_cast<uint64_t>(value);
-  const auto biased = static_cast<int32_t>(bits >> 52 & 0x7FF);
-  const uint64_t fraction = bits & 0xFFFFFFFFFFFFFu;
-  if (biased == 0) return {fraction, -1074};
-  return {fraction | 1ull << 52, biased - 1075};
-}
 
 void write_digits(uint8_t* out, int32_t count, uint64_t value) {
   for (; count >= 2; count -= 2, value /= 100) put_pair(out + count - 2, value % 100);

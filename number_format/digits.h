@@ -2,6 +2,7 @@
 #ifndef VXNLS_NUMBER_FORMAT_DIGITS_H
 #define VXNLS_NUMBER_FORMAT_DIGITS_H
 
+#include <bit>
 #include <cstdint>
 
 namespace vxnls {
@@ -14,7 +15,14 @@ struct BinaryParts {
   uint64_t mantissa;
   int32_t exponent;
 };
-BinaryParts binary_parts(double value);
+
+constexpr BinaryParts binary_parts(double value) {
+  const auto bits = std::bit_cast<uint64_t>(value);
+  const auto biased = static_cast<int32_t>(bits >> 52 & 0x7FF);
+  const uint64_t fraction = bits & 0xFFFFFFFFFFFFFu;
+  if (biased == 0) return {fraction, -1074};
+  return {fraction | 1ull << 52, biased - 1075};
+}
 
 /// Writes the digits of the integer part of |value|, without leading zeros; gives their count, 0 for a value below 1.
 /// `out` has room for most_integer_digits. `value` is finite.

@@ -5,8 +5,9 @@
 #include <cstring>
 
 #include "number_format/digits.h"
+#include "number_format/draft.h"
 #include "number_format/exponent_form.h"
-#include "number_format/layout.h"
+#include "number_format/short_decimal.h"
 #include "vxnls/journal.h"
 #include "vxnls/number_parse.h"
 
@@ -449,13 +450,58 @@ VXStatus DoubleField<Flavour>::free(int32_t width, int32_t decimals, bool best, 
   return status;
 }
 
-template <class Flavour>
-VXStatus format_double(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags,
-                       typename Flavour::Unit* buffer, int64_t size, int64_t* length, const NLSDoubleExOpts* extended,
-                       double value) {
-  if (buffer == nullptr || length == nullptr) return VX_E_NULL;
-  if (size < 0) size = 0;
+/// floor(fraction * 10^decimals) of a value from 0 to below 1, exactly, for at most 15 decimals.
+uint64_t scaled_fraction(double fraction, int64_t decimals) {
+  __extension__ using Wide = unsigned __int128;
+  const auto [mantissa, exponent] = binary_parts(fraction);
+  return static_cast<uint64_t>(static_cast<Wide>(mantissa) * powers_of_ten[decimals] >>
+                               (exponent < -127 ? 127 : -exponent));
+}
 
+/// The short road of a fixed field: a value whose digits, as many as the field asks for, are at most its 15 significant
+/// ones, and fit. Everything is exact in 64 bits then, but for the rounding, which is the long road's. Gives false,
+/// with nothing written, when the value has to take that one.
+template <class Flavour>
+bool put_short_fixed(const VXLocale* locale, int64_t field, int32_t decimals, bool grouped,
+                     typename Flavour::Unit* buffer, double value) {
+  constexpr double limit = 1e15;
+  const double magnitude = std::fabs(value);
+  const Separators separators(locale);
+  if (!(magnitude < limit) || Flavour::units(separators.decimal_point) != 1) return false;
+  if (grouped && !has_plain_groups<Flavour>(locale)) return false;
+  double rounded = magnitude;
+  auto whole = static_cast<int64_t>(rounded);
+  const bool integral = rounded == static_cast<double>(whole);
+  if (!integral) {
+    rounded = (magnitude + halves[decimals]) * nudge;
+    whole = static_cast<int64_t>(rounded);
+  }
+  const auto digits = static_cast<uint64_t>(whole);
+  const int32_t count = count_digits(digits);
+  // Also where the digits before rounding were too many: it takes none away.
+  if (!integral && decimals > significant_digits - count) return false;
+  const int64_t shown = count > 0 ? count : 1;
+  const int64_t separated = grouped ? (shown - 1) / 3 : 0;
+  if ((value < 0) + shown + separated + (decimals > 0 ? 1 + decimals : 0) > field) return false;
+
+  Draft<Flavour> draft;
+  auto* end = draft.point();
+  if (decimals > 0) {
+    const uint64_t fraction = integral ? 0 : scaled_fraction(rounded - static_cast<double>(whole), decimals);
+    end = draft.put_fraction(fraction, decimals, separators.decimal_point);
+  }
+  auto* first = draft.point() - shown - separated;
+  if (grouped) draft.template put_grouped<significant_digits>(digits, separators.group);
+  else draft.template put_whole<significant_digits>(digits);
+  first = draft.put_sign(first, value < 0 ? '-' : '\0');
+  copy_units(buffer, draft.pad(first, end, field), field);
+  return true;
+}
+
+template <class Flavour>
+[[gnu::noinline]] VXStatus format_double_long(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags,
+                                              typename Flavour::Unit* buffer, int64_t size, int64_t* length,
+                                              const NLSDoubleExOpts* extended, double value) {
   bool fixed = (flags & (flag_fixed | flag_fixed_exponent)) != 0;
   bool reports = (flags & flag_fixed) != 0;  // the fixed-field mode proper
   bool exponent = (flags & flag_fixed_exponent) != 0;
@@ -479,11 +525,125 @@ VXStatus format_double(VXLocale* locale, int32_t width, int32_t decimals, uint32
   return fixed ? field.fixed(width, places, best, exponent, reports, value) : field.free(width, decimals, best, value);
 }
 
+/// Sixteen digits in ASCII, in two registers.
+struct SixteenDigits {
+  Eight first, second;
+
+  /// What begins at digit `start`, from 0 to 15, and zeros; in instructions that do not depend on it.
+  SixteenDigits from(int32_t start) const {
+    const bool far = start >= 8;
+    const int32_t bits = start % 8 * 8;
+    const Eight low = far ? second : first, high = far ? 0 : second;
+    return {low >> bits | high << 1 << (63 - bits), high >> bits};
+  }
+  template <class Unit>
+  void put(Unit* out) const {
+    put_eight(out, first);
+    put_eight(out + 8, second);
+  }
+};
+
+/// The short road of the general form without trailing zeros, for at most 16 digits. Gives the units of the field; 0,
+/// with nothing written, when the value has to take the long road or does not fit.
+template <class Flavour>
+int64_t put_short_general(const VXLocale* locale, int64_t width, int32_t precision, typename Flavour::Unit* buffer,
+                          int64_t size, double value) {
+  constexpr uint64_t block = 100'000'000;
+  const VXChar decimal_point = Separators(locale).decimal_point;
+  if (Flavour::units(decimal_point) != 1) return 0;
+  ShortDecimal number{0, 0};
+  if (value != 0 && !short_decimal(std::fabs(value), precision, &number)) return 0;
+
+  // The digits in a register, with all their zeros; the first one lowest.
+  const Eight high = eight_digits(number.digits / block), low = eight_digits(number.digits % block);
+  const Eight last = low != 0 ? low : high;
+  const int32_t zeros = (std::countl_zero(last | 1) + (low != 0 ? 0 : 64)) / 8;
+  const int32_t count = number.digits != 0 ? precision - zeros : 1;
+  const SixteenDigits all = SixteenDigits{high | eight_of('0'), low | eight_of('0')}.from(16 - precision);
+
+  // They are written from `digits` on, and once more, one unit on, after the decimal point.
+  Draft<Flavour> draft;
+  const bool scientific = number.exponent < -4 || number.exponent >= precision;
+  const int32_t whole = scientific ? 1 : number.exponent + 1;
+  auto* const digits = draft.point();
+  auto* first = digits;
+  auto* end = digits + count;
+  if (whole > 0) {
+    all.put(digits);
+    all.from(whole < 16 ? whole : 15).put(digits + whole + 1);
+    digits[whole] = static_cast<typename Flavour::Unit>(decimal_point);
+    end = digits + (count > whole ? count + 1 : whole);
+  } else {
+    first += whole - 2;
+    put_eight(first, eight_of('0'));
+    first[1] = static_cast<typename Flavour::Unit>(decimal_point);
+    all.put(digits);
+  }
+  if (scientific) {
+    const int32_t magnitude = number.exponent < 0 ? -number.exponent : number.exponent;
+    const Eight text = three_digits.of[magnitude] >> (magnitude > 99 ? 8 : 16);
+    const Eight sign = number.exponent < 0 ? minus : plus;
+    put_eight(end, text << 16 | sign << 8 | 'E');
+    end += magnitude > 99 ? 5 : 4;
+  }
+  first = draft.put_sign(first, value < 0 ? '-' : '\0');
+  const int64_t units = end - first;
+  const int64_t field = width > units ? width : units;
+  if (field > size) return 0;
+  constexpr int64_t usual = most_short_digits + 8;  // sign, point, exponent
+  put_units<usual>(buffer, size, draft.pad(first, end, field), field);
+  return field;
+}
+
+template <class Flavour>
+VXStatus format_double(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags,
+                       typename Flavour::Unit* buffer, int64_t size, int64_t* length, const NLSDoubleExOpts* extended,
+                       double value) {
+  if (buffer == nullptr || length == nullptr) return VX_E_NULL;
+  if (size < 0) size = 0;
+  const bool plain_field = (flags & ~flag_group) == flag_fixed && width >= 1 && width <= widest_field && size > 0;
+  if (plain_field && decimals >= 0 && decimals <= significant_digits) {
+    const int64_t field = width < size ? width : size;
+    if (put_short_fixed<Flavour>(locale, field, decimals, (flags & flag_group) != 0, buffer, value)) {
+      *length = field;
+      return 0;
+    }
+  }
+  const bool plain_general = (flags & ~flag_general) == 0 && width >= 0 && width <= widest_field;
+  if (plain_general && decimals > 0 && decimals <= most_short_digits) {
+    if (const int64_t units = put_short_general<Flavour>(locale, width, decimals, buffer, size, value)) {
+      *length = units;
+      return 0;
+    }
+  }
+  return format_double_long<Flavour>(locale, width, decimals, flags, buffer, size, length, extended, value);
+}
+
 constexpr int64_t host_units = 1024;  // more than any number takes
 
 VXBDConv* host_conversion() {
   VXBDConv* const table = vxGetBDConv();
   return table != nullptr && table->enabled != 0 && table->format_double != nullptr ? table : nullptr;
+}
+
+/// A number in UTF-8 by way of the host's table, which writes UTF-32.
+[[gnu::noinline]] VXStatus by_host(const VXBDConv* table, VXLocale* locale, int32_t width, int32_t decimals,
+                                   uint32_t flags, uint8_t* buffer, int64_t size, int64_t* length,
+                                   const NLSDoubleExOpts* extended, double value) {
+  if (buffer == nullptr || length == nullptr) return VX_E_NULL;
+  VXChar text[host_units];
+  int64_t units = 0;
+  const VXStatus status = table->format_double(locale, width, decimals, flags, text,
+                                               size < host_units ? size : host_units, &units, extended, value);
+  if (units < 0) units = 0;
+  if (units > host_units) units = host_units;
+  *length = 0;
+  for (int64_t i = 0, at = 0; i < units; ++i) {
+    if (at + Utf8Text::units(text[i]) > size) return VX_E_TRUNCATED;
+    at += Utf8Text::append(text[i], buffer + at);
+    ++*length;  // counts units of the host's text, not bytes: kept on purpose
+  }
+  return status;
 }
 
 }  // namespace
@@ -519,26 +679,10 @@ VXStatus NLSDoubleFormatWithExOpts(VXLocale* locale, int32_t width, int32_t deci
 
 VXStatus NLSDoubleFormatUWithExOpts(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags, uint8_t* buffer,
                                     int64_t size, int64_t* length, const NLSDoubleExOpts* extended, double value) {
-  VXBDConv* const table = vxnls::host_conversion();
-  if (table == nullptr) {
-    return vxnls::NLSDoubleFormatUWithExOptsLegacy(locale, width, decimals, flags, buffer, size, length, extended,
-                                                   value);
+  if (const VXBDConv* const table = vxnls::host_conversion()) {
+    return vxnls::by_host(table, locale, width, decimals, flags, buffer, size, length, extended, value);
   }
-  if (buffer == nullptr || length == nullptr) return VX_E_NULL;
-  VXChar text[vxnls::host_units];
-  int64_t units = 0;
-  const VXStatus status =
-      table->format_double(locale, width, decimals, flags, text, size < vxnls::host_units ? size : vxnls::host_units,
-                           &units, extended, value);
-  if (units < 0) units = 0;
-  if (units > vxnls::host_units) units = vxnls::host_units;
-  *length = 0;
-  for (int64_t i = 0, at = 0; i < units; ++i) {
-    if (at + vxnls::Utf8Text::units(text[i]) > size) return VX_E_TRUNCATED;
-    at += vxnls::Utf8Text::append(text[i], buffer + at);
-    ++*length;  // counts units of the host's text, not bytes: kept on purpose
-  }
-  return status;
+  return vxnls::NLSDoubleFormatUWithExOptsLegacy(locale, width, decimals, flags, buffer, size, length, extended, value);
 }
 
 VXStatus vxzIDblToBuff(double value, VXChar* buffer, int64_t size, int64_t* count, int64_t* aux) {
