@@ -63,7 +63,11 @@ BlockReader::BlockReader(int descriptor, std::string name, const Dialect& dialec
       block_size_(std::max<size_t>(block_size, 1)),
       ends_(dialect) {
   struct stat status {};
-  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) size_ = static_cast<uint64_t>(status.st_size);
+  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
+    // A file may be handed over with its first part already read.
+    const off_t begin = std::max<off_t>(lseek(descriptor, 0, SEEK_CUR), 0);
+    size_ = static_cast<uint64_t>(std::max<off_t>(status.st_size - begin, 0));
+  }
 }
 
 bool BlockReader::input_ready() const {

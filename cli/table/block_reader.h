@@ -94,7 +94,7 @@ class BlockReader {
   void wait() { read_more(); }
 
   uint64_t bytes_read() const { return read_bytes_; }
-  /// Of a regular file, else 0.
+  /// Of a regular file, from where reading began; else 0.
   uint64_t size() const { return size_; }
   const std::string& name() const { return name_; }
 

@@ -17,11 +17,11 @@ uint64_t marks_in_chunk(const char* bytes, char a, char b) {
   const __m128i quote = _mm_set1_epi8(b);
   const __m128i line_feed = _mm_set1_epi8('\n');
   uint64_t mask = 0;
-  for (int i = 0; i < 4; ++i) {
-    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + 16 * i));
+  for (size_t i = 0; i < 64; i += 16) {
+    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
     const __m128i found = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(text, separator), _mm_cmpeq_epi8(text, quote)),
                                        _mm_cmpeq_epi8(text, line_feed));
-    mask |= static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(found))) << (16 * i);
+    mask |= static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(found))) << i;
   }
   return mask;
 }

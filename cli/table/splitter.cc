@@ -339,12 +339,20 @@ void Rewriter::finish_before() {
 }
 
 size_t invalid_utf8(std::string_view text) {
+  constexpr uint64_t high_bits = 0x8080808080808080;
   const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
   for (size_t at = 0; at < text.size();) {
-    const size_t begin = at;
-    UChar32 code_point = 0;
-    U8_NEXT(bytes, at, text.size(), code_point);
-    if (code_point < 0) return begin;
+    uint64_t eight = 0;
+    for (; at + sizeof eight <= text.size(); at += sizeof eight) {
+      std::memcpy(&eight, bytes + at, sizeof eight);
+      if ((eight & high_bits) != 0) break;
+    }
+    for (const size_t stop = std::min(at + sizeof eight, text.size()); at < stop;) {
+      const size_t begin = at;
+      UChar32 code_point = 0;
+      U8_NEXT(bytes, at, text.size(), code_point);
+      if (code_point < 0) return begin;
+    }
   }
   return nowhere;
 }

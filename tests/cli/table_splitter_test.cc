@@ -360,13 +360,19 @@ TEST(Dialect, ColumnsByNameAndNumber) {
 }
 
 TEST(Utf8, TheFirstInvalidByte) {
+  constexpr size_t none = std::string::npos;
   static const struct {
     std::string text;
     size_t at;
-  } cases[] = {
-      {"", std::string::npos}, {"aé😀\0"s, std::string::npos}, {"é\xC3", 2},   {"a\x80", 1}, {"12345678\xED\xA0\x80", 8},
-      {"\xC0\x80", 0},         {"\xF4\x90\x80\x80", 0},       {"\xE2\x82", 0}};
-  for (const auto& c : cases) EXPECT_EQ(invalid_utf8(c.text), c.at) << testing::PrintToString(c.text);
+  } cases[] = {{"", none},      {"aé😀\0"s, none},        {"é\xC3", 2},   {"\x80", 0}, {"\xED\xA0\x80", 0},
+               {"\xC0\x80", 0}, {"\xF4\x90\x80\x80", 0}, {"\xE2\x82", 0}};
+  for (const auto& c : cases) {
+    for (size_t before = 0; before < 20; ++before) {
+      const std::string text = std::string(before, 'x') + c.text;
+      EXPECT_EQ(invalid_utf8(text), c.at == none ? none : before + c.at) << testing::PrintToString(text);
+      EXPECT_EQ(invalid_utf8(text + "\xFF"), before + std::min(c.at, c.text.size())) << testing::PrintToString(text);
+    }
+  }
 }
 
 }  // namespace
