@@ -71,3 +71,19 @@ foreach(place vxnls:bash-completion/completions _vxnls:zsh/vendor-completions vx
   list(GET place 1 folder)
   install(FILES ${completions}/${file} DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder} COMPONENT command)
 endforeach()
+
+# Manual pages, packed as Debian has them where there is gzip.
+set(pages ${PROJECT_BINARY_DIR}/man)
+find_program(VXNLS_GZIP gzip)
+if(TARGET man_pages AND VXNLS_GZIP)
+  add_custom_command(OUTPUT ${pages}-packed/written DEPENDS man_pages ${pages}/man1/vxnls.1
+    COMMAND ${CMAKE_COMMAND} -E rm -rf ${pages}-packed
+    COMMAND ${CMAKE_COMMAND} -E copy_directory ${pages} ${pages}-packed/man
+    COMMAND ${VXNLS_GZIP} -9nr ${pages}-packed/man
+    COMMAND ${CMAKE_COMMAND} -E touch ${pages}-packed/written VERBATIM)
+  add_custom_target(packed_man_pages ALL DEPENDS ${pages}-packed/written)
+  set(pages ${pages}-packed/man)
+endif()
+if(TARGET man_pages)
+  install(DIRECTORY ${pages}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT command)
+endif()

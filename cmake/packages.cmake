@@ -1,6 +1,5 @@
 # Debian packages, one a component of the installation: `cpack --config BUILD/CPackConfig.cmake`, or script/package.
 # Where the tools of Debian are missing there are none.
-find_program(VXNLS_GZIP gzip)
 find_program(VXNLS_SHLIBDEPS dpkg-shlibdeps)
 if(NOT VXNLS_GZIP OR NOT VXNLS_SHLIBDEPS)
   message(STATUS "No Debian packages: gzip or dpkg-shlibdeps is missing")

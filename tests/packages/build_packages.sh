@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Makes the packages twice, a moment apart and under another umask, and holds them against each other.
+#   build_packages.sh BUILD WORK      leaves them in WORK/packages
+set -euo pipefail
+build=$1 work=$2
+rm -rf "$work"
+mkdir -p "$work"
+make() { cpack --config "$build/CPackConfig.cmake" -B "$work/$1" >"$work/$1.log" || { cat "$work/$1.log" >&2; exit 1; }; }
+make packages
+(umask 077 && make again)
+rm -rf "$work"/*/_CPack_Packages
+[ "$(ls "$work"/packages/*.deb | wc -l)" -eq 4 ]
+diff -r "$work/packages" "$work/again"

@@ -1,0 +1,89 @@
+#!/usr/bin/env bash
+# The packages in an empty root: nothing is there but what they depend on, from Debian's own archive. The command runs;
+# with the compilers unpacked beside it, another project is built and runs; removing the packages leaves nothing.
+#   root_test.sh PACKAGES WORK        ends with 77 where that cannot be tried
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+. "$here/consume.sh"
+packages=$1 work=$2
+skip() {
+  echo "skipped: $*" >&2
+  exit 77
+}
+
+if [ "$(id -u)" -ne 0 ]; then
+  unshare --map-root-user true 2>/dev/null || skip "this user may not change the root folder"
+  exec unshare --map-root-user "$0" "$@"
+fi
+rm -rf "$work"
+root=$work/root
+mkdir -p "$work/cache/archives/partial" "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
+mkdir -p "$root/usr/bin" "$root/usr/sbin" "$root/usr/lib" "$root/usr/lib64" "$root/tmp" "$root/dev"
+for folder in bin sbin lib lib64; do ln -s "usr/$folder" "$root/$folder"; done
+mknod -m 666 "$root/dev/null" c 1 3 2>/dev/null || touch "$root/dev/null"
+database=$root/var/lib/dpkg
+: >"$database/status"
+: >"$database/available"
+
+# What apt adds for these packages to those in the root, downloaded and unpacked. Their scripts are not run: to dpkg
+# they are installed.
+add_for() {
+  rm -f "$work"/cache/archives/*.deb
+  apt-get -y -qq --no-install-recommends --download-only -o Dir::Cache="$work/cache" -o Dir::State::status="$database/status" \
+    -o Debug::NoLocking=1 -o APT::Sandbox::User=root install "$@" >"$work/log" 2>&1 || {
+    grep -q -e "Unable to locate" -e "Failed to fetch" -e "no installation candidate" "$work/log" &&
+      skip "Debian's archive cannot be reached: $(tail -n 3 "$work/log")"
+    fail "$(cat "$work/log")"
+  }
+  find "$work/cache/archives" -name '*.deb' -print0 | xargs -0 -n 1 -P 2 sh -c 'dpkg-deb -x "$1" "$0"' "$root"
+  local package name
+  for package in "$work"/cache/archives/*.deb; do
+    dpkg-deb -f "$package" >>"$database/status"
+    printf 'Status: install ok installed\n\n' >>"$database/status"
+    name=$(dpkg-deb -W --showformat='${Package}' "$package")
+    [ "$(dpkg-deb -f "$package" Multi-Arch)" = same ] && name=$name:$(dpkg-deb -f "$package" Architecture)
+    : >"$database/info/$name.list"
+  done
+}
+files() { find "$root" -path "$database" -prune -o -printf '%P %y %m %s %l\n' | grep -v '^tmp' | sort; }
+chroot=$(command -v chroot)
+inside() { env -i PATH=/usr/bin:/bin LC_ALL=C "$chroot" "$root" "$@"; }
+chroot "$root" /nothing 2>&1 | grep -q "Operation not permitted" && skip "the root folder cannot be changed here"
+
+install_and_remove() {
+  local with=$1
+  shift
+  files | sed 's/ [0-9]*\( *[^ ]*\)$/\1/' >"$work/before"
+  dpkg --root="$root" --install "$@" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+  "$with"
+  # shellcheck disable=SC2046
+  dpkg --root="$root" --purge $(for package; do dpkg-deb -f "$package" Package; done) >"$work/log" 2>&1 ||
+    fail "$(cat "$work/log")"
+  files | sed 's/ [0-9]*\( *[^ ]*\)$/\1/' >"$work/after"
+  diff "$work/before" "$work/after" || fail "removing the packages leaves something"
+}
+
+run_command() {
+  must_print "21 listopada 2026" inside vxnls format date 2026-11-21 --locale pl_PL --style long
+  must_print "2026-11-21 19:35:09" \
+    inside vxnls format datetime 2026-11-21T14:05:09Z --zone Asia/Kolkata --pattern '%Y-%m-%d %H:%M:%S'
+  local page
+  for page in man/man1/vxnls.1.gz bash-completion/completions/vxnls zsh/vendor-completions/_vxnls fish/vendor_completions.d/vxnls.fish; do
+    [ -s "$root/usr/share/$page" ] || fail "no $page"
+  done
+}
+
+build_and_run() {
+  cp -r "$here/consumer" "$root/tmp/consumer"
+  cp "$here/consume.sh" "$root/tmp/consume.sh"
+  inside bash -c '. /tmp/consume.sh && consume /tmp/consumer' || fail "the consumer project"
+}
+
+command=("$packages"/libvxnlsloc6_*.deb "$packages"/libvxhost6_*.deb "$packages"/vxnls_*.deb)
+development=("${command[@]}" "$packages"/libvxnlsloc-dev_*.deb)
+add_for "${command[@]}"
+install_and_remove run_command "${command[@]}"
+add_for "${development[@]}" bash coreutils cmake g++ make pkgconf
+ln -sf bash "$root/bin/sh"
+install_and_remove build_and_run "${development[@]}"
+rm -rf "$work"
