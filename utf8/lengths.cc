@@ -1,4 +1,5 @@
 #include "utf8/characters.h"
+#include "utf8/runs.h"
 #include "utf8/steps.h"
 #include "vxnls/utf8.h"
 
@@ -45,7 +46,18 @@ int64_t vxzsu8CharSize(const uint8_t* ch, uint8_t* valid) {
 
 uint8_t* vxzsu8NextChar(const uint8_t* ch) { return const_cast<uint8_t*>(ch) + _U8CharSize(ch, nullptr); }
 
-int64_t vxzsu8NumChars(const uint8_t* text, int64_t n) { return count_characters<CheckingStep>(bytes_of(text, n)); }
+int64_t vxnls::count_by_runs(ByteView text, const Utf8Runs& runs) {
+  int64_t count = 0;
+  for (int64_t at = 0; at < text.length;) {
+    at += runs.count(text.bytes + at, text.length - at, &count);
+    // Where the text is broken a run gives little; a good deal of steps before the next one costs less.
+    const int64_t steps_end = std::min(at + 64, text.length);
+    for (; at < steps_end; ++count) at += CheckingStep::length(text.bytes + at, text.length - at);
+  }
+  return count;
+}
+
+int64_t vxzsu8NumChars(const uint8_t* text, int64_t n) { return count_by_runs(bytes_of(text, n), utf8_runs()); }
 
 int64_t vxzsu8ByteLength(const uint8_t* text, int64_t characters) {
   int64_t length = 0;
@@ -56,6 +68,6 @@ int64_t vxzsu8ByteLength(const uint8_t* text, int64_t characters) {
 void vxzsu8Lengths(const uint8_t* text, int64_t* characters, int64_t* bytes) {
   if (text == nullptr) return;
   const ByteView whole = terminated(text);
-  if (characters != nullptr) *characters = count_characters<CheckingStep>(whole);
+  if (characters != nullptr) *characters = count_by_runs(whole, utf8_runs());
   if (bytes != nullptr) *bytes = whole.length;
 }
