@@ -72,20 +72,36 @@ constexpr Example examples[] = {
      "abbreviation  CEST\n"
      "summer time   yes"}};
 
+constexpr Definition variables[] = {
+    {"VXNLS_LOCALE", "the locale"},
+    {"LC_ALL, LC_TIME, LC_NUMERIC, LANG",
+     "the locale, where VXNLS_LOCALE is not set: the first one that is, LC_TIME for dates and times, LC_NUMERIC for "
+     "numbers; C when none is"},
+    {"VXNLS_ZONE", "the time zone"},
+    {"TZ", "the time zone, where VXNLS_ZONE is not set; without it the system's"},
+    {"TZDIR", "where the tz database lies, if not in /usr/share/zoneinfo"},
+    {"NO_COLOR", "when set and not empty: no colours, unless --color asks for them"},
+    {"CLICOLOR_FORCE", "when set, neither empty nor 0: colours also where the output goes to no terminal"},
+    {"VXHOST_JOURNAL", "stderr: the host's notices go to standard error"},
+    {"VXHOST_PATH", "folders with extensions of the host, separated by colons, besides the one it lies in"}};
+
+constexpr Definition codes[] = {{"0", "done"},
+                                {"1", "finished, but some values could not be read"},
+                                {"2", "wrong usage, locale, zone or pattern"},
+                                {"3", "reading or writing failed"},
+                                {"4", "the host failed"}};
+
 }  // namespace
+
+const std::span<const Definition> environment = variables;
+const std::span<const Definition> exit_codes = codes;
 
 const Command root_command{
     .name = "vxnls",
     .summary = "Dates, times and numbers in every locale and time zone",
     .description =
-        "The locale is that of --locale, VXNLS_LOCALE, LC_ALL, LC_TIME or LANG, the first one that is given; for "
-        "numbers "
-        "LC_NUMERIC takes the place of LC_TIME. The time zone is that of --zone, VXNLS_ZONE or TZ, or else the "
-        "system's. Both options may stand before or behind the "
-        "command. Everything behind \"--\" is a value.\n"
-        "\n"
-        "Exit codes: 0 done; 1 finished, but some values could not be read; 2 wrong usage, locale, zone or pattern; 3 "
-        "reading or writing failed; 4 the host failed.",
+        "--locale and --zone choose the locale and the time zone; without them the environment does. Both may stand "
+        "before or behind the command, as all options of every command. Everything behind \"--\" is a value.",
     .options = common_options,
     .examples = examples,
     .commands = commands};

@@ -30,6 +30,14 @@ extern const Command zone;
 extern const Command completion;
 extern const Command help;
 
+/// A name that the help explains.
+struct Definition {
+  std::string_view name;
+  std::string_view meaning;
+};
+extern const std::span<const Definition> environment;
+extern const std::span<const Definition> exit_codes;
+
 }  // namespace vxcli
 
 #endif

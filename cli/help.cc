@@ -1,6 +1,7 @@
 #include "cli/help.h"
 
 #include "cli/arguments.h"
+#include "cli/commands.h"
 #include "cli/options.h"
 #include "cli/text.h"
 
@@ -30,11 +31,6 @@ std::string definitions(std::string_view heading, const std::vector<Entry>& entr
   return text;
 }
 
-std::string one_of(std::span<const std::string_view> choices) {
-  if (choices.empty()) return {};
-  return ": " + alternatives(std::vector<std::string>(choices.begin(), choices.end()));
-}
-
 Entry entry_of(const Option& option) {
   std::string name = option.letter != 0 ? fmt::format("-{}", option.letter) : "  ";
   if (!option.name.empty()) name += fmt::format("{}--{}", option.letter != 0 ? ", " : "  ", option.name);
@@ -46,6 +42,12 @@ Entry entry_of(const Option& option) {
 std::vector<Entry> entries_of(std::span<const Option* const> options) {
   std::vector<Entry> entries;
   for (const Option* option : options) entries.push_back(entry_of(*option));
+  return entries;
+}
+
+std::vector<Entry> entries_of(std::span<const Definition> definitions) {
+  std::vector<Entry> entries;
+  for (const Definition& one : definitions) entries.push_back({std::string(one.name), std::string(one.meaning)});
   return entries;
 }
 
@@ -66,6 +68,11 @@ std::string usage_lines(const CommandPath& path, Colors colors) {
 
 }  // namespace
 
+std::string one_of(std::span<const std::string_view> choices) {
+  if (choices.empty()) return {};
+  return ": " + alternatives(std::vector<std::string>(choices.begin(), choices.end()));
+}
+
 std::string help_text(const CommandPath& path, HelpLength length, Colors colors) {
   const Command& command = *path.back();
   std::string text = usage_lines(path, colors);
@@ -84,6 +91,11 @@ std::string help_text(const CommandPath& path, HelpLength length, Colors colors)
   text += definitions("Arguments:", entries, colors);
   if (path.size() > 1) text += definitions("Options:", entries_of(command.options), colors);
   text += definitions("Options of every command:", entries_of(root_command.options), colors);
+
+  if (length == HelpLength::whole && path.size() == 1) {
+    text += definitions("Environment:", entries_of(environment), colors);
+    text += definitions("Exit codes:", entries_of(exit_codes), colors);
+  }
 
   if (length == HelpLength::whole && !command.examples.empty()) {
     text += fmt::format("\n{}\n", colors.paint(Tint::heading, "Examples:"));

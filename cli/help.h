@@ -14,6 +14,9 @@ enum class HelpLength { in_short, whole };
 /// The help of the last command of a path that begins at the root.
 std::string help_text(const CommandPath& path, HelpLength length, Colors colors = Colors());
 
+/// ": a, b or c", or nothing.
+std::string one_of(std::span<const std::string_view> choices);
+
 }  // namespace vxcli
 
 #endif

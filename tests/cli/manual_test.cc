@@ -1,0 +1,82 @@
+// The manual pages against the table of commands, as the programs show them that people read them with.
+#include "cli/manual.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <unicode/bytestream.h>
+#include <unicode/normalizer2.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "cli/commands.h"
+#include "cli/help.h"
+#include "tests/cli/command_line.h"
+
+namespace {
+
+using namespace vxcli;
+namespace fs = std::filesystem;
+
+/// In UTF-8, and wide enough that nothing is broken into lines but what has to be.
+std::string shown(const fs::path& page) {
+  const auto result = vxtest::run_line(fmt::format(
+      R"(export LC_ALL=C.UTF-8 MANWIDTH=2000 MAN_KEEP_FORMATTING=1
+         man --warnings=w --nh --nj -E UTF-8 -P cat -l {} | sed -E 's/\x1b\[[0-9;]*m//g; s/.\x08//g')",
+      page.string()));
+  EXPECT_EQ(result.err, "");
+  return result.out;
+}
+
+/// Blanks of every kind are one, and so are texts that are canonically equivalent: the formatter takes U+1F75 for
+/// U+03AE.
+std::string in_one_line(std::string_view text) {
+  UErrorCode error = U_ZERO_ERROR;
+  std::string line;
+  icu::StringByteSink<std::string> sink(&line);
+  icu::Normalizer2::getNFCInstance(error)->normalizeUTF8(0, text, sink, nullptr, error);
+  const auto is_blank = [](char c) { return c == ' ' || c == '\n' || c == '\t'; };
+  std::replace_if(line.begin(), line.end(), is_blank, ' ');
+  line.erase(std::unique(line.begin(), line.end(), [](char a, char b) { return a == ' ' && b == ' '; }), line.end());
+  return line;
+}
+
+TEST(Manual, SaysWhatTheTableOfCommandsSays) {
+  const fs::path folder = fs::temp_directory_path() / fmt::format("vxnls-manual-{}", getpid());
+  fs::create_directory(folder);
+  for_each_command([&](const CommandPath& path) {
+    SCOPED_TRACE(full_name(path));
+    const fs::path file = folder / (manual_name(path) + ".1");
+    std::ofstream(file) << manual_page(path);
+    const std::string page = shown(file);
+    const std::string text = in_one_line(page);
+    const auto expect = [&](std::string_view wanted) {
+      EXPECT_NE(text.find(in_one_line(wanted)), std::string::npos) << wanted << " is not in\n" << page;
+    };
+    const Command& command = *path.back();
+    expect(fmt::format("{} - {}", manual_name(path), command.summary));
+    expect(command.description);
+    for (const Option* option : options_of(path)) {
+      std::string head = option->letter == 0 ? "" : fmt::format("-{}", option->letter);
+      if (!option->name.empty()) head += fmt::format("{}--{}", head.empty() ? "" : ", ", option->name);
+      if (!option->is_flag()) head += fmt::format(" {}", option->value);
+      expect(fmt::format(" {} {}{} ", head, option->help, one_of(option->choices)));
+    }
+    for (const Argument& argument : command.arguments) {
+      expect(fmt::format(" {} {}{} ", argument.name, argument.help, one_of(argument.choices)));
+    }
+    for (const Command* child : command.commands) expect(fmt::format(" {} {} ", child->name, child->summary));
+    for (const auto& list : {environment, exit_codes}) {
+      for (const Definition& one : list) expect(fmt::format(" {} {} ", one.name, one.meaning));
+    }
+    for (const Example& example : command.examples) expect(fmt::format("$ {}\n{}", example.line, example.output));
+  });
+  const auto lint = vxtest::run_line(fmt::format("mandoc -Tlint -W warning {}/*.1", folder.string()));
+  EXPECT_EQ(lint.out + lint.err, "");
+  fs::remove_all(folder);
+}
+
+}  // namespace
