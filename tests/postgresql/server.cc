@@ -44,10 +44,6 @@ void give_away(const fs::path& folder) {
 pid_t start(std::vector<std::string> words, const fs::path& log, const std::string& library_folder) {
   const passwd* const user = server_user();
   std::vector<std::string> variables{"PATH=/usr/bin:/bin", "LC_ALL=C", "TZ=UTC", "LD_LIBRARY_PATH=" + library_folder};
-  if (std::string_view(VX_PRELOAD) != "") {
-    variables.emplace_back("LD_PRELOAD=" VX_PRELOAD);
-    variables.emplace_back("ASAN_OPTIONS=detect_leaks=0");
-  }
   const auto pointers = [](std::vector<std::string>& texts) {
     std::vector<char*> result;
     for (std::string& text : texts) result.push_back(text.data());
