@@ -113,6 +113,7 @@ const struct Sample {
     {Format::csv, true,
      "\xEF\xBB\xBFwhen,\"a\r\nb\"\r\n1,\"2,\n\"\"3\"\"\"\r\n\"\",\"\"\r\n\r\n4,x\"5\n\"6\"\"\",7\n8"},
     {Format::csv, false, "\"a\"x\",1\n\"\"\"\",2\n3\n4,\"5\n6\n\"\"7\n"},
+    {Format::csv, false, "\"a\"\"\nb\",\"\"\"\n\"\"\"\n1,2"},
     {Format::csv, true, "a,b\r\n"},
     {Format::csv, true, "\"a,b\n1,2\n"},
     {Format::csv, true, ""},
