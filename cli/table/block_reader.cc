@@ -200,30 +200,33 @@ BlockReader::Got BlockReader::next(HeldBlock& held) {
 
 std::span<const Block> BlockReader::sample(uint64_t records) {
   head();
+  sample_.clear();
   Splitter splitter(dialect_);
   Record record;
-  while (records > 0) {
-    HeldBlock held;
-    Got got = Got::end;
-    try {
-      got = read_block(held);
-    } catch (const Failure&) {
-      break;  // next() throws it again in its turn
-    }
-    if (got == Got::end) break;
-    if (got == Got::pause) {
-      wait();
-      continue;
-    }
-    splitter.start(held.block);
-    Block counted = held.block;
+  for (size_t i = 0; records > 0; ++i) {
+    if (i == sampled_.size() && !sample_more()) break;
+    Block counted = sampled_[i].block;
+    splitter.start(counted);
     size_t bytes = 0;
     for (; records > 0 && splitter.next(record); --records) bytes += record.text.size();
     counted.text = counted.text.substr(0, bytes);
     sample_.push_back(counted);
-    sampled_.push_back(std::move(held));
   }
   return sample_;
+}
+
+/// Adds a block to the sample, waiting for it. False at the end, and where reading fails: next() tells it in its turn.
+bool BlockReader::sample_more() {
+  HeldBlock held;
+  try {
+    Got got = read_block(held);
+    for (; got == Got::pause; got = read_block(held)) wait();
+    if (got == Got::end) return false;
+  } catch (const Failure&) {
+    return false;
+  }
+  sampled_.push_back(std::move(held));
+  return true;
 }
 
 }  // namespace vxcli::table

@@ -78,8 +78,9 @@ class BlockReader {
   const Head& head();
 
   /// The first `records` records, or all when there are fewer, waiting for them as long as it takes. They are held in
-  /// memory, and next() gives them again. At most one call, before the first next(). The views stay until next() gives
-  /// the end. When reading fails there are fewer, and next() throws after having given them.
+  /// memory, and next() gives them again. Before the first next(), as often as it is wanted; each call begins at
+  /// the first record, and its views stay until the next call, or next(). When reading fails there are fewer, and
+  /// next() throws after having given them.
   std::span<const Block> sample(uint64_t records);
 
   enum class Got { block, pause, end };
@@ -100,6 +101,7 @@ class BlockReader {
 
  private:
   Got read_block(HeldBlock& held);
+  bool sample_more();
   void read_more();
   void follow();
   bool input_ready() const;

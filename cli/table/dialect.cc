@@ -64,7 +64,10 @@ Column find_column(const Dialect& dialect, const Head& head, const std::string& 
 
 }  // namespace
 
-Dialect Dialect::of(Format format) { return {.format = format}; }
+Dialect Dialect::of(Format format) {
+  const bool tabs = format == Format::tsv || format == Format::tsv_escaped;
+  return {.format = format, .separator = tabs ? '\t' : ','};
+}
 
 bool Dialect::delimited() const { return format != Format::json_lines && format != Format::lines; }
 

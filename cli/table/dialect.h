@@ -24,10 +24,10 @@ enum class Format {
 
 struct Dialect {
   Format format = Format::csv;
-  char separator = ',';  ///< of CSV; TSV has tabs
+  char separator = ',';  ///< of CSV and TSV
   bool header = true;    ///< the first record names the columns; CSV and TSV only
 
-  /// The dialect that a format has when nothing else is said.
+  /// The dialect that a format has when nothing else is said: tabs in TSV, commas in CSV.
   static Dialect of(Format format);
   bool delimited() const;
   bool has_header() const { return header && delimited(); }

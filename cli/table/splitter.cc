@@ -15,10 +15,7 @@ namespace {
 
 constexpr size_t nowhere = std::string_view::npos;
 
-char separator_in(const Dialect& dialect) {
-  if (dialect.format == Format::csv) return dialect.separator;
-  return dialect.format == Format::lines ? '\n' : '\t';
-}
+char separator_in(const Dialect& dialect) { return dialect.delimited() ? dialect.separator : '\n'; }
 char quote_in(const Dialect& dialect) { return dialect.format == Format::csv ? '"' : separator_in(dialect); }
 
 constexpr struct {
@@ -267,7 +264,10 @@ bool Splitter::encode(const Cell& cell, std::string_view value, std::string& out
       if (std::any_of(value.begin(), value.end(), breaks)) return false;
       out += value;
       return true;
-    case Format::tsv_escaped: append_escaped(value, out); return true;
+    case Format::tsv_escaped:
+      if (separator_ != '\t' && value.find(separator_) != nowhere) return false;
+      append_escaped(value, out);
+      return true;
     case Format::json_lines:
       if (cell.kind != Kind::text && is_json_number(value)) {
         out += value;

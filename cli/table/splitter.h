@@ -72,7 +72,8 @@ class Splitter {
 
   /// Appends `value` as the cell should have it: in quotes if it was so, or if it must be; a JSON string stays a
   /// string, anything else of JSON becomes a number when the value is one by JSON's grammar, else a string. False, and
-  /// nothing appended, where the format has no way to write the value: a tab or line end in plain TSV or lines.
+  /// nothing appended, where the format has no way to write the value: a line end in lines, that or a
+  /// separator in plain TSV, a separator other than the tab in escaped TSV.
   [[nodiscard]] bool encode(const Cell& cell, std::string_view value, std::string& out) const;
 
   /// The names in a record: the values of its cells, or the keys of its members.

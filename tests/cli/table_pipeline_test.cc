@@ -269,10 +269,16 @@ TEST(BlockReader, HeadAndSample) {
   device = {.text = "\xEF\xBB\xBF\"a \"\"b\"\"\",c\r\n1,2\n3,4\n5,6"};
   BlockReader reader(never_waiting, "device", Dialect::of(Format::csv), give, 10);
   EXPECT_EQ(reader.head().names, (std::vector<std::string>{"a \"b\"", "c"}));
-  std::string sampled;
-  for (const Block& block : reader.sample(2)) sampled += block.text;
-  EXPECT_EQ(sampled, "1,2\n3,4\n");
+  const auto sampled = [&](uint64_t records) {
+    std::string all;
+    for (const Block& block : reader.sample(records)) all += block.text;
+    return all;
+  };
+  EXPECT_EQ(sampled(1), "1,2\n");
+  EXPECT_EQ(sampled(2), "1,2\n3,4\n");
   EXPECT_GT(device.text.size(), 0u);
+  EXPECT_EQ(sampled(1), "1,2\n");
+  EXPECT_EQ(sampled(9), "1,2\n3,4\n5,6");
 
   for (const std::string_view utf16 : {"\xFF\xFE,", "\xFE\xFF,"}) {
     device = {.text = utf16};
