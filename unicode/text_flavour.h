@@ -73,15 +73,27 @@ struct Utf8Text {
   static constexpr int64_t units(VXChar c) { return 1 + (c >= 0x80) + (c >= 0x800) + (c >= 0x10000); }
   /// Code points above U+10FFFF are not refused; their lead byte overflows.
   static constexpr int64_t append(VXChar c, Unit* out) {
-    const int64_t length = units(c);
-    if (length == 1) {
-      *out = static_cast<Unit>(c);
+    constexpr auto tail = [](VXChar bits) { return static_cast<Unit>(0x80 | (bits & 0x3F)); };
+    if (c < 0x80) {
+      out[0] = static_cast<Unit>(c);
       return 1;
     }
-    constexpr VXChar lead[] = {0, 0, 0xC0, 0xE0, 0xF0};
-    for (int64_t i = length - 1; i > 0; --i, c >>= 6) out[i] = static_cast<Unit>(0x80 | (c & 0x3F));
-    *out = static_cast<Unit>(lead[length] + c);
-    return length;
+    if (c < 0x800) {
+      out[0] = static_cast<Unit>(0xC0 | c >> 6);
+      out[1] = tail(c);
+      return 2;
+    }
+    if (c < 0x10000) {
+      out[0] = static_cast<Unit>(0xE0 | c >> 12);
+      out[1] = tail(c >> 6);
+      out[2] = tail(c);
+      return 3;
+    }
+    out[0] = static_cast<Unit>(0xF0 + (c >> 18));
+    out[1] = tail(c >> 12);
+    out[2] = tail(c >> 6);
+    out[3] = tail(c);
+    return 4;
   }
   static int64_t append_name(TextView name, Unit* out) {
     Unit* at = out;
@@ -98,9 +110,11 @@ struct Utf8Text {
     const int64_t length = bytesFromUTF8[lead];
     if (valid_1st_utf8[lead] != 0) {
       if (remaining < length) return cut_short(remaining);
-      VXChar value = lead & utf8_mask[length];
-      for (int64_t i = 1; i < length; ++i) value = value << 6 | (at[i] & 0x3Fu);
-      return {value, length, 0};
+      const VXChar two = (lead & 0x3Fu) << 6 | (at[1] & 0x3Fu);
+      if (length == 2) return {two, 2, 0};
+      const VXChar three = two << 6 | (at[2] & 0x3Fu);
+      if (length == 3) return {three & 0xFFFF, 3, 0};
+      return {(three << 6 | (at[3] & 0x3Fu)) & 0x1FFFFF, 4, 0};
     }
     int64_t consumed = 1;
     while (consumed < length && consumed < remaining && is_continuation(at[consumed])) ++consumed;

@@ -32,9 +32,6 @@ inline constexpr ByteTable valid_1st_utf8 =
 inline constexpr ByteTable valid_2nd_utf8 =
     byte_table([](unsigned byte) { return byte >= 0x80 && byte <= 0xBF ? 1 : 0; });
 
-/// The bits of a lead that belong to the code point, by the length of the sequence.
-inline constexpr uint16_t utf8_mask[8] = {0x00, 0x7F, 0x1F, 0x0F, 0x07, 0x03, 0x01, 0x00};
-
 }  // namespace vxnls
 
 #endif

@@ -5,6 +5,7 @@
 #include "module/host_services.h"
 #include "unicode/case_mapping.h"
 #include "utf8/ascii_case.h"
+#include "utf8/runs.h"
 
 namespace vxnls {
 
@@ -13,12 +14,16 @@ enum class CaseUse : uint32_t { comparing = 0, casing = 1 };
 
 struct LowerCase {
   static constexpr uint8_t ascii(uint8_t byte) { return ascii_lower(byte); }
+  static constexpr uint64_t eight(uint64_t bytes) { return turn_eight<'A'>(bytes); }
+  static constexpr auto run = &Utf8Runs::lower;
   static constexpr VXChar by_tables(VXChar c) { return lower_by_tables(c); }
   static VXChar by_host(VXCharData* data, VXChar c, uint32_t flag) { return host::lower(data, c, flag); }
 };
 
 struct UpperCase {
   static constexpr uint8_t ascii(uint8_t byte) { return ascii_upper(byte); }
+  static constexpr uint64_t eight(uint64_t bytes) { return turn_eight<'a'>(bytes); }
+  static constexpr auto run = &Utf8Runs::upper;
   static constexpr VXChar by_tables(VXChar c) { return upper_by_tables(c); }
   static VXChar by_host(VXCharData* data, VXChar c, uint32_t flag) { return host::upper(data, c, flag); }
 };
