@@ -15,8 +15,8 @@
 
 namespace vxcli::column {
 
-/// Gives a private locale by canonical name, one that nobody else uses or changes; its zone makes no difference. Called
-/// by constructors only.
+/// Gives a private locale by canonical name, one that nobody else uses or changes. Its zone counts only where a
+/// datetime with an offset is written by a pattern. Called by constructors and Profiler::report only.
 using LocaleMaker = std::function<VXLocale*(const std::string& name)>;
 
 /// The locales that "auto" tries, most spoken first.
@@ -62,6 +62,8 @@ class Profiler {
 
   /// Values in their order.
   void add(std::string_view value, const Place& place);
+  /// Forgets all values, as if nothing had been added.
+  void clear();
   /// Adds what another one, made with the same options, was fed with: values that come after all of this one's. The
   /// result is the same however the values are split.
   void merge(const Profiler& later);
@@ -69,8 +71,9 @@ class Profiler {
   /// Decides and counts. May be called at any time.
   ColumnReport report(const std::string& column) const;
 
+  struct State;  ///< inside only
+
  private:
-  struct State;
   std::unique_ptr<State> state_;
 };
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli/column/outcome.h"
 #include "cli/column/profile.h"
 #include "cli/column/profiler.h"
 
@@ -21,14 +22,6 @@ namespace vxcli::column {
 struct OutputChoice {
   std::string to_pattern;
   std::string to_locale;  ///< canonical
-};
-
-enum class Outcome : uint8_t {
-  read,
-  empty,       ///< nothing, or blanks only; `text` is empty
-  unread,      ///< no form of the decision reads it
-  ambiguous,   ///< it reads in two ways, and the column decides for neither
-  contradicts  ///< it reads only against what was decided
 };
 
 /// Of anything but `read` and `empty`: where and why.
@@ -48,7 +41,7 @@ class Reader {
   Reader(Reader&&) noexcept;
   Reader& operator=(Reader&&) noexcept;
 
-  /// Reads a value. On `read`, text() is what to write.
+  /// Reads a value. On `read`, text() is what to write. The value must stay where it is until refusal() is done.
   Outcome read(std::string_view value);
   /// Until the next read. Of `text` columns the value itself.
   std::string_view text() const;

@@ -1,0 +1,312 @@
+#include "cli/column/library.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <span>
+
+#include "cli/column/clean.h"
+#include "cli/text.h"
+#include "vxnls/locale_blocks.h"
+
+namespace vxcli::column {
+
+namespace {
+
+constexpr uint32_t strictly = 0;
+constexpr uint32_t leniently = 0x44;  // the main pattern alone
+constexpr uint32_t any_time = 4;
+constexpr uint32_t kind_of_length[] = {16, 8, 128};  // by PeriodForm::Length
+
+const uint8_t* bytes(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
+int64_t size_of(std::string_view text) { return static_cast<int64_t>(text.size()); }
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+/// The longest run of digits.
+size_t longest_number(std::string_view text) {
+  size_t longest = 0, run = 0;
+  for (const char c : text) {
+    run = is_digit(c) ? run + 1 : 0;
+    longest = std::max(longest, run);
+  }
+  return longest;
+}
+
+bool right_year(const Piece& piece, std::string_view read) {
+  if (piece.year_digits == 0) return true;
+  return piece.year_digits == 4 ? longest_number(read) >= 4 : longest_number(read) <= 2;
+}
+
+void store(NLSName& name, std::string_view text) {
+  const auto units = utf32(text);
+  if (!units || units->size() > std::size(name.text)) return;
+  std::copy(units->begin(), units->end(), name.text);
+  name.length = static_cast<int64_t>(units->size());
+}
+
+/// Only what counts of it.
+void copy(NLSName& to, const NLSName& from) {
+  to.length = from.length;
+  std::memcpy(to.text, from.text, static_cast<size_t>(from.length) * sizeof(VXChar));
+}
+
+/// Names as they stand in cleaned texts.
+void clean_names(std::span<NLSName> names) {
+  for (NLSName& name : names) {
+    Cleaned cleaned;
+    const std::string text = utf8(name);
+    cleaned.set(text, false);
+    store(name, cleaned.text());
+  }
+}
+
+void clean_record(VXLocaleData& data) {
+  clean_names(data.dayNames);
+  clean_names(data.altDayNames);
+  clean_names(data.monthNames);
+  clean_names(data.altMonthNames);
+  clean_names(data.quarterNames);
+  clean_names({&data.amMarker, 1});
+  clean_names({&data.pmMarker, 1});
+}
+
+std::string folded(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 0x20);
+  }
+  return lower;
+}
+
+std::chrono::sys_days days_of(const Day& day) {
+  return std::chrono::year(day.year) / std::chrono::month(static_cast<unsigned>(day.month)) /
+         std::chrono::day(static_cast<unsigned>(day.day));
+}
+
+}  // namespace
+
+bool exists(const Day& day) {
+  constexpr int8_t lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  if (day.month < 1 || day.month > 12 || day.day < 1) return false;
+  const bool leap = day.year % 4 == 0 && (day.year % 100 != 0 || day.year % 400 == 0);
+  return day.day <= lengths[day.month - 1] + (leap && day.month == 2 ? 1 : 0);
+}
+
+bool move_into_century(Day& day, int32_t first_year) {
+  day.year = first_year + ((day.year - first_year) % 100 + 100) % 100;
+  return exists(day);
+}
+
+int weekday_of(const Day& day) { return static_cast<int>(std::chrono::weekday(days_of(day)).c_encoding()); }
+
+Week week_of(const Day& day) {
+  using namespace std::chrono;
+  const sys_days thursday = days_of(day) + days(4) - days(weekday(days_of(day)).iso_encoding());
+  const year_month_day in_year(thursday);
+  const sys_days first = in_year.year() / January / 1;
+  return {static_cast<int32_t>(static_cast<int>(in_year.year())),
+          static_cast<int32_t>((thursday - first).count() / 7 + 1)};
+}
+
+Library::Library(const LocaleMaker& make_locale, const std::string& locale, bool strict) {
+  for (VXLocale*& each : locales_) each = make_locale(locale);
+  VXLocaleData& alone = *locales_[1]->localeData;
+  const auto& texts = *reinterpret_cast<const VXLocaleTexts*>(alone.block9);
+  std::copy(std::begin(texts.standaloneMonths), std::end(texts.standaloneMonths), alone.monthNames);
+  std::copy(std::begin(texts.standaloneAltMonths), std::end(texts.standaloneAltMonths), alone.altMonthNames);
+  std::copy(std::begin(texts.standaloneDays), std::end(texts.standaloneDays), alone.dayNames);
+  std::copy(std::begin(texts.standaloneAltDays), std::end(texts.standaloneAltDays), alone.altDayNames);
+  std::copy(std::begin(alone.names14336), std::end(alone.names14336), alone.quarterNames);
+  store(alone.amMarker, "AM");
+  store(alone.pmMarker, "PM");
+  if (!strict) {
+    for (VXLocale* each : locales_) clean_record(*each->localeData);
+  }
+  const VXLocaleData& data = *locales_[0]->localeData;
+  for (size_t i = 0; i < 7; ++i) {
+    weekdays_[i] = folded(utf8(data.dayNames[i]));
+    weekdays_[7 + i] = folded(utf8(data.altDayNames[i]));
+  }
+  weekday_piece_ = make_date_form("%A", strict).pieces[0];
+  offset_piece_ = make_time_form("%z", strict).piece;
+}
+
+void Library::set_date(size_t names, const Piece& piece) {
+  if (date_[names] == piece.id) return;
+  copy(locales_[names]->localeData->datePattern, piece.units);
+  date_[names] = piece.id;
+}
+
+void Library::set_time(size_t names, const Piece& piece) {
+  if (time_[names] == piece.id) return;
+  copy(locales_[names]->localeData->timePattern, piece.units);
+  time_[names] = piece.id;
+}
+
+void Library::set_period(size_t names, const PeriodForm& form) {
+  VXLocaleData& data = *locales_[names]->localeData;
+  using Length = PeriodForm::Length;
+  NLSName* const first = form.length == Length::week      ? &data.weekPattern1
+                         : form.length == Length::quarter ? &data.quarterPattern1
+                                                          : &data.monthYearPattern1;
+  NLSName* const second = form.length == Length::week      ? &data.weekPattern2
+                          : form.length == Length::quarter ? &data.quarterPattern2
+                                                           : &data.monthYearPattern2;
+  copy(*first, form.piece.units);
+  copy(*second, form.piece.units);
+}
+
+bool Library::date(const Piece& piece, std::string_view text, Day& day, size_t& consumed) {
+  const size_t last = piece.names ? 2 : 1;
+  for (size_t names = 0; names < last; ++names) {
+    set_date(names, piece);
+    uint32_t m = 0, d = 0, y = 0;
+    int64_t used = 0;
+    const VXStatus status = NLSBufToDateU(locales_[names], bytes(text), size_of(text),
+                                          piece.lenient ? leniently : strictly, &m, &d, &y, &used);
+    if (status != 0) continue;
+    day = {static_cast<int32_t>(y), static_cast<int32_t>(m), static_cast<int32_t>(d)};
+    consumed = static_cast<size_t>(used);
+    if (y != 0 && exists(day) && right_year(piece, text.substr(0, consumed))) return true;
+  }
+  return false;
+}
+
+bool Library::weekday(std::string_view text, size_t& consumed) {
+  for (size_t names = 0; names < 2; ++names) {
+    set_date(names, weekday_piece_);
+    uint32_t m = 0, d = 0, y = 0;
+    int64_t used = 0;
+    if (NLSBufToDateU(locales_[names], bytes(text), size_of(text), leniently, &m, &d, &y, &used) != 0) continue;
+    consumed = static_cast<size_t>(used);
+    return true;
+  }
+  return false;
+}
+
+bool Library::names_other_weekday(std::string_view text, int weekday) const {
+  const std::string name = folded(text);
+  bool other = false;
+  for (size_t i = 0; i < weekdays_.size(); ++i) {
+    if (weekdays_[i] != name) continue;
+    if (static_cast<int>(i % 7) == weekday) return false;
+    other = true;
+  }
+  return other;
+}
+
+bool Library::time(const TimeForm& form, std::string_view text, int32_t& seconds, size_t& consumed) {
+  const size_t last = form.names ? 2 : 1;
+  for (size_t names = 0; names < last; ++names) {
+    set_time(names, form.piece);
+    double value = 0;
+    int64_t used = 0;
+    const uint32_t kind = form.marker_first ? any_time : strictly;
+    if (NLSBufToTimeU(locales_[names], bytes(text), size_of(text), kind, &value, &used) != 0) continue;
+    if (!(value >= 0 && value < 86400)) continue;  // 12 and more hours with a marker
+    seconds = static_cast<int32_t>(value);
+    consumed = static_cast<size_t>(used);
+    return true;
+  }
+  return false;
+}
+
+bool Library::offset(std::string_view text, int32_t& seconds) {
+  if (text == "Z" || text == "z" || text == "UTC" || text == "GMT") {
+    seconds = 0;
+    return true;
+  }
+  if (text.empty() || (text[0] != '+' && text[0] != '-')) return false;
+  if (text == offset_text_) {
+    seconds = offset_value_;
+    return true;
+  }
+  VXExplanation told;
+  explain_offset(text, told);
+  if (told.status != 0 || told.consumed != size_of(text)) return false;
+  seconds = told.match.fields.offset;
+  if (text.size() <= 6) {
+    offset_text_ = text;
+    offset_value_ = seconds;
+  }
+  return true;
+}
+
+bool Library::clock(const TimeForm& form, std::string_view text, Clock& clock) {
+  size_t at = 0;
+  clock = {};
+  if (!time(form, text, clock.seconds, at)) return false;
+  if (at == text.size()) return true;
+  if ((text[at] == '.' || text[at] == ',') && form.pattern.ends_with("%S")) {
+    size_t end = at + 1;
+    while (end < text.size() && is_digit(text[end])) ++end;
+    if (end == at + 1) return false;
+    clock.fraction = text.substr(at + 1, end - at - 1);
+    at = end;
+    if (at == text.size()) return true;
+  }
+  while (at < text.size() && text[at] == ' ') ++at;
+  clock.has_offset = true;
+  return offset(text.substr(at), clock.offset);
+}
+
+bool Library::period(const PeriodForm& form, std::string_view text, Day& first) {
+  const size_t last = form.piece.names ? 2 : 1;
+  for (size_t names = 0; names < last; ++names) {
+    set_period(names, form);
+    uint32_t m = 0, d = 0, y = 0;
+    int64_t used = 0;
+    const uint32_t kind = kind_of_length[static_cast<size_t>(form.length)];
+    if (NLSBufToDateU(locales_[names], bytes(text), size_of(text), kind, &m, &d, &y, &used) != 0) continue;
+    if (used != size_of(text) || y == 0 || !right_year(form.piece, text)) continue;
+    first = {static_cast<int32_t>(y), static_cast<int32_t>(m), static_cast<int32_t>(d)};
+    return true;
+  }
+  return false;
+}
+
+VXStatus Library::number(std::string_view text, VXChar decimal_point, VXChar group_separator) {
+  VXLocaleData& data = *locales_[0]->localeData;
+  data.decimalPoint = decimal_point;
+  data.groupSeparator = group_separator;
+  double value = 0;
+  int64_t used = 0;
+  return NLSBufToDoubleU(locales_[0], bytes(text), static_cast<int32_t>(text.size()), &value, &used);
+}
+
+void Library::explain_date(const Piece& piece, std::string_view text, VXExplanation& told) {
+  set_date(0, piece);
+  told.size = sizeof told;
+  vxnlsExplain(locales_[0], VX_EXPLAIN_DATE, piece.lenient ? leniently : strictly, bytes(text), size_of(text), &told);
+}
+
+void Library::explain_time(const TimeForm& form, std::string_view text, VXExplanation& told) {
+  set_time(0, form.piece);
+  told.size = sizeof told;
+  vxnlsExplain(locales_[0], VX_EXPLAIN_TIME, strictly, bytes(text), size_of(text), &told);
+}
+
+void Library::explain_offset(std::string_view text, VXExplanation& told) {
+  set_time(0, offset_piece_);
+  told.size = sizeof told;
+  vxnlsExplain(locales_[0], VX_EXPLAIN_TIME, strictly, bytes(text), size_of(text), &told);
+}
+
+void Library::explain_period(const PeriodForm& form, std::string_view text, VXExplanation& told) {
+  set_period(0, form);
+  told.size = sizeof told;
+  vxnlsExplain(locales_[0], VX_EXPLAIN_DATE, kind_of_length[static_cast<size_t>(form.length)], bytes(text),
+               size_of(text), &told);
+}
+
+void Library::explain_number(std::string_view text, VXChar decimal_point, VXChar group_separator,
+                             VXNumberReading& reading) {
+  VXLocaleData& data = *locales_[0]->localeData;
+  data.decimalPoint = decimal_point;
+  data.groupSeparator = group_separator;
+  vxnlsExplainNumber(locales_[0], bytes(text), size_of(text), VX_NUMBER_DOUBLE, 0, &reading);
+}
+
+}  // namespace vxcli::column
