@@ -91,9 +91,13 @@ constexpr Argument datetime_arguments[] = {
              "line of standard input is one",
      .repeats = true}};
 
-constexpr const Option* date_options[] = {&style::date, &pattern, &options::json};
-constexpr const Option* time_options[] = {&style::time, &pattern, &options::json};
-constexpr const Option* datetime_options[] = {&style::date, &time_style_of_datetime, &pattern, &options::json};
+constexpr const Option* date_options[] = {
+    &style::date, &pattern, &options::json, &options::unread, &options::ok_unread, &options::chunk_header};
+constexpr const Option* time_options[] = {
+    &style::time, &pattern, &options::json, &options::unread, &options::ok_unread, &options::chunk_header};
+constexpr const Option* datetime_options[] = {&style::date,          &time_style_of_datetime, &pattern,
+                                              &options::json,        &options::unread,        &options::ok_unread,
+                                              &options::chunk_header};
 
 constexpr Example date_examples[] = {
     {"vxnls format date 2026-11-21 --locale de_DE --style long", "21. November 2026"},

@@ -277,12 +277,28 @@ constexpr const Option* number_options[] = {&decimals,
                                             &fraction_only.option,
                                             &missing,
                                             &flags,
-                                            &options::json};
-constexpr const Option* percent_options[] = {&decimals, &width, &parentheses.option, &options::json};
-constexpr const Option* currency_options[] = {&decimals, &width, &integer_only.option, &options::json};
+                                            &options::json,
+                                            &options::unread,
+                                            &options::ok_unread,
+                                            &options::chunk_header};
+constexpr const Option* percent_options[] = {&decimals,
+                                             &width,
+                                             &parentheses.option,
+                                             &options::json,
+                                             &options::unread,
+                                             &options::ok_unread,
+                                             &options::chunk_header};
+constexpr const Option* currency_options[] = {&decimals,
+                                              &width,
+                                              &integer_only.option,
+                                              &options::json,
+                                              &options::unread,
+                                              &options::ok_unread,
+                                              &options::chunk_header};
 constexpr const Option* integer_options[] = {
-    &width,      &precision,        &group.option, &plus.option,   &blank.option, &left.option,  &zero_pad.option,
-    &hex.option, &hex_upper.option, &octal.option, &prefix.option, &flags,        &options::json};
+    &width,           &precision,       &group.option,       &plus.option,          &blank.option,  &left.option,
+    &zero_pad.option, &hex.option,      &hex_upper.option,   &octal.option,         &prefix.option, &flags,
+    &options::json,   &options::unread, &options::ok_unread, &options::chunk_header};
 
 constexpr Example number_examples[] = {
     {"vxnls format number 1234567.891 --locale de_DE --decimals 2 --group", "1.234.567,89"},

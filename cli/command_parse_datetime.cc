@@ -290,12 +290,39 @@ constexpr Argument arguments[] = {
      .help = "what is read; without one, every line of standard input, one line out for every line in",
      .repeats = true}};
 
-constexpr const Option* date_options[] = {&lenient,    &style::date, &as,      &pattern,      &rest,
-                                          &to_pattern, &to_locale,   &explain, &options::json};
-constexpr const Option* time_options[] = {&lenient,    &style::time, &pattern, &rest,
-                                          &to_pattern, &to_locale,   &explain, &options::json};
-constexpr const Option* datetime_options[] = {&lenient,   &pattern, &rest,         &to_pattern,
-                                              &to_locale, &explain, &options::json};
+constexpr const Option* date_options[] = {&lenient,
+                                          &style::date,
+                                          &as,
+                                          &pattern,
+                                          &rest,
+                                          &to_pattern,
+                                          &to_locale,
+                                          &explain,
+                                          &options::json,
+                                          &options::unread,
+                                          &options::ok_unread,
+                                          &options::chunk_header};
+constexpr const Option* time_options[] = {&lenient,
+                                          &style::time,
+                                          &pattern,
+                                          &rest,
+                                          &to_pattern,
+                                          &to_locale,
+                                          &explain,
+                                          &options::json,
+                                          &options::unread,
+                                          &options::ok_unread,
+                                          &options::chunk_header};
+constexpr const Option* datetime_options[] = {&lenient,
+                                              &pattern,
+                                              &rest,
+                                              &to_pattern,
+                                              &to_locale,
+                                              &explain,
+                                              &options::json,
+                                              &options::unread,
+                                              &options::ok_unread,
+                                              &options::chunk_header};
 
 constexpr Example date_examples[] = {{"vxnls parse date '31. Dezember 2021' --locale de_DE --lenient", "2021-12-31"},
                                      {"vxnls parse date 'W53 2020' --as week-iso", "2020-12-28"},

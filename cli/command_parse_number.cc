@@ -112,12 +112,18 @@ constexpr Argument arguments[] = {{.name = "TEXT",
                                    .help = "what is read, negative numbers behind \"--\"; without one, every line of "
                                            "standard input",
                                    .repeats = true}};
-constexpr const Option* number_options[] = {&spaces, &bits, &rest, &options::json};
-constexpr const Option* integer_options[] = {&type, &hex, &fraction, &trailing_blanks, &spaces, &rest, &options::json};
+constexpr const Option* number_options[] = {
+    &spaces, &bits, &rest, &options::json, &options::unread, &options::ok_unread, &options::chunk_header};
+constexpr const Option* integer_options[] = {
+    &type, &hex,           &fraction,        &trailing_blanks,    &spaces,
+    &rest, &options::json, &options::unread, &options::ok_unread, &options::chunk_header};
 
 constexpr Example number_examples[] = {{"vxnls parse number 1.234.567,89 --locale de_DE", "1234567.89"},
                                        {"vxnls parse number '1 234,5' --locale fr_CA --spaces", "1234.5"},
-                                       {"vxnls parse number 0.1 --locale en_US --bits", "0x3fb999999999999a"}};
+                                       {"vxnls parse number 0.1 --locale en_US --bits", "0x3fb999999999999a"},
+                                       {"printf '2\\n1,5\\n-\\n1\\n2,5\\n' | vxnls parse number --locale de_DE "
+                                        "--chunk-header --unread '\\N' --ok-unread 2>/dev/null",
+                                        "1.5\n\\N\n2.5"}};
 constexpr Example integer_examples[] = {{"vxnls parse integer 0xFF --hex", "255"},
                                         {"vxnls parse integer 1.234.567 --locale de_DE", "1234567"},
                                         {"vxnls parse integer 12.50 --locale en_US --fraction --quiet", "12"}};

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <charconv>
+
 #include "cli/input.h"
 #include "cli/json.h"
 #include "cli/options.h"
@@ -28,34 +30,63 @@ ExitCode convert_arguments(Invocation& invocation, std::span<const std::string> 
   return code;
 }
 
+/// The number of values that a block has, by the line before it.
+uint64_t announced(const LineReader::Line& line) {
+  uint64_t count = 0;
+  const char* const last = line.text.data() + line.text.size();
+  const auto [end, error] = std::from_chars(line.text.data(), last, count);
+  if (error != std::errc{} || end != last || line.too_long) {
+    fail(ExitCode::io, "standard input: line {}: the number of values of a block is wanted, not {}", line.number,
+         in_quotes(line.text));
+  }
+  return count;
+}
+
 ExitCode convert_input(Invocation& invocation, const Convert& convert) {
   if (isatty(STDIN_FILENO) != 0) invocation.messages.note("reading values, one a line; Ctrl-D ends them");
-  const bool json = invocation.arguments.has(options::json);
+  const Arguments& arguments = invocation.arguments;
+  const bool json = arguments.has(options::json);
+  const bool in_blocks = arguments.has(options::chunk_header);
+  const auto unread = arguments.value(options::unread);
+  if (json && unread) fail(ExitCode::usage, "--json and --unread exclude each other");
   LineReader reader(STDIN_FILENO, "standard input", [&] { invocation.out.flush(); });
   ExitCode code = ExitCode::done;
+  uint64_t left = 0;  // values of the block that are still to come
   LineReader::Line line;
   while (reader.next(line)) {
     if (line.number == 1 && line.text.starts_with(byte_order_mark)) line.text.remove_prefix(byte_order_mark.size());
+    if (in_blocks && left == 0) {
+      left = announced(line);
+      continue;
+    }
+    if (in_blocks) --left;
     try {
       if (line.too_long) refuse("longer than {} bytes", LineReader::longest_line);
       invocation.out.line(convert(line.text));
     } catch (const ValueError& error) {
       invocation.messages.error(fmt::format("line {}: {}: {}", line.number, in_quotes(line.text), error.what()));
       code = ExitCode::some_unread;
-      if (json) {
-        invocation.out.line(json_line({{"value", line.text}, {"line", line.number}, {"error", error.what()}}));
-      } else {
-        invocation.out.line("");
-      }
+      invocation.out.line(json ? json_line({{"value", line.text}, {"line", line.number}, {"error", error.what()}})
+                               : unread.value_or(""));
     }
   }
-  return code;
+  if (in_blocks && left > 0) fail(ExitCode::io, "standard input ends {} values before its last block does", left);
+  return arguments.has(options::ok_unread) ? ExitCode::done : code;
+}
+
+/// Options that say something about standard input say nothing about values of the command line.
+void check_options(const Arguments& arguments) {
+  for (const Option* option : {&options::unread, &options::ok_unread, &options::chunk_header}) {
+    if (arguments.has(*option)) fail(ExitCode::usage, "{} goes with standard input, not with values", spelled(*option));
+  }
 }
 
 }  // namespace
 
 ExitCode for_each_value(Invocation& invocation, std::span<const std::string> values, const Convert& convert) {
-  return values.empty() ? convert_input(invocation, convert) : convert_arguments(invocation, values, convert);
+  if (values.empty()) return convert_input(invocation, convert);
+  check_options(invocation.arguments);
+  return convert_arguments(invocation, values, convert);
 }
 
 }  // namespace vxcli

@@ -33,6 +33,17 @@ inline constexpr Option version{.name = "version", .help = "the versions of the 
 
 inline constexpr Option json{.name = "json", .help = "JSON: an object a line for values, else one document"};
 
+// Of commands that read values from standard input, for programs that run them as a filter.
+inline constexpr Option unread{
+    .name = "unread",
+    .value = "TEXT",
+    .help = "the line for a value of standard input that is not read, in place of an empty one"};
+inline constexpr Option ok_unread{.name = "ok-unread",
+                                  .help = "the exit code is 0 however many values of standard input are not read"};
+inline constexpr Option chunk_header{
+    .name = "chunk-header",
+    .help = "standard input comes in blocks: a line with the number of values, then so many lines"};
+
 }  // namespace vxcli::options
 
 #endif
