@@ -293,8 +293,10 @@ inline bool exists(const std::chrono::year_month_day& day) noexcept {
   return day.ok() &&
          (year % 4000 != 0 || day.month() != std::chrono::February || static_cast<unsigned>(day.day()) < 29);
 }
-/// Seconds of the library's count, for wall clock time that is written as time since 1970. None for unknown days.
+/// Seconds of the library's count, for wall clock time that is written as time since 1970. None for unknown days, and
+/// beyond what any calendar has.
 inline std::optional<double> seconds_1960(std::chrono::seconds since_1970) noexcept {
+  if (std::chrono::abs(std::chrono::duration<double>(since_1970)).count() > 1e13) return {};
   const std::chrono::sys_seconds at{since_1970};
   const auto day = std::chrono::floor<std::chrono::days>(at);
   int skipped = 0;

@@ -3,6 +3,7 @@
 #ifndef VXNLS_TESTS_SUPPORT_PLAIN_LOCALE_H
 #define VXNLS_TESTS_SUPPORT_PLAIN_LOCALE_H
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -15,19 +16,24 @@ std::string utf8(std::u32string_view text);
 void set_name(NLSName& name, std::u32string_view text);
 
 /// English names and patterns, "." and ",", groups of 3, "$". `data` is open to changes. Without a zone service.
+/// plain_locale.cc makes it by hand; tests/examples/own_host_locale.cc gets it from the example host, so that the same
+/// tests run through that host too.
 struct PlainLocale {
   PlainLocale();
   PlainLocale(const PlainLocale&) = delete;
   PlainLocale& operator=(const PlainLocale&) = delete;
+  ~PlainLocale();
 
   VXLocale* get() { return &locale; }
   /// Gives the locale a zone service whose one zone "Test/Zone" lies `seconds_east` of UTC always.
   void use_fixed_zone(int32_t seconds_east);
 
-  VXLocaleData data;
-  VXLocale locale;
-  HostContext context;
-  VXZoneService zones;
+  struct Parts;
+  const std::unique_ptr<Parts> parts;
+  VXLocaleData& data;
+  VXLocale& locale;
+  HostContext& context;
+  VXZoneService& zones;
 };
 
 }  // namespace vxtest
