@@ -31,11 +31,12 @@ ExitCode convert_arguments(Invocation& invocation, std::span<const std::string> 
 }
 
 /// The number of values that a block has, by the line before it.
-uint64_t announced(const LineReader::Line& line) {
+uint64_t announced(Invocation& invocation, const LineReader::Line& line) {
   uint64_t count = 0;
   const char* const last = line.text.data() + line.text.size();
   const auto [end, error] = std::from_chars(line.text.data(), last, count);
   if (error != std::errc{} || end != last || line.too_long) {
+    invocation.out.flush();  // what was read before is good
     fail(ExitCode::io, "standard input: line {}: the number of values of a block is wanted, not {}", line.number,
          in_quotes(line.text));
   }
@@ -56,7 +57,7 @@ ExitCode convert_input(Invocation& invocation, const Convert& convert) {
   while (reader.next(line)) {
     if (line.number == 1 && line.text.starts_with(byte_order_mark)) line.text.remove_prefix(byte_order_mark.size());
     if (in_blocks && left == 0) {
-      left = announced(line);
+      left = announced(invocation, line);
       continue;
     }
     if (in_blocks) --left;
