@@ -26,10 +26,9 @@ const std::vector<std::string_view> numeric_times = {"%H:%M:%S",     "%H:%M",   
 
 const std::vector<std::string_view> named_times = {"%I:%M:%S %p", "%I:%M %p", "%I %p", "%p %I:%M:%S", "%p %I:%M"};
 
-const std::vector<std::string_view> periods = {"%Y-W%V", "%YW%V", "W%V %Y", "W%V-%Y", "W%V/%Y",  "%Y-%m",  "%Y/%m",
-                                               "%m/%Y",  "%m-%Y", "%m.%Y",  "%b %Y",  "%b-%Y",   "%b/%Y",  "%Y %b",
-                                               "%Y-%b",  "%b-%y", "Q%o %Y", "%Y-Q%o", "%YQ%o",   "%Y Q%o", "Q%o-%Y",
-                                               "Q%o/%Y", "%q %Y", "%Y %q",  "%q/%Y",  "%Y年%m月"};
+const std::vector<std::string_view> periods = {
+    "%Y-W%V", "%YW%V",  "W%V %Y", "W%V-%Y", "W%V/%Y", "%Y-%m", "%Y/%m", "%m/%Y", "%m-%Y", "%m.%Y", "%Y年%m月", "%b %Y",
+    "%b-%Y",  "%b/%Y",  "%Y %b",  "%Y-%b",  "%b-%y",  "%q %Y", "%q-%Y", "%q/%Y", "%Y %q", "%Y-%q", "%Y/%q",   "%Y%q"};
 
 const std::vector<std::string_view> connectors = {"T",    " ",    ", ",     ",",       " - ",  "-",
                                                   " um ", " at ", ", at ",  " à ",     " às ", " kl ",
@@ -112,7 +111,7 @@ Piece make_piece(std::string_view pattern, bool strict) {
     const uint8_t width = digits_of(directive.letter);
     const bool touches_number = (rest.size() > 1 && rest[0] == '%' && digits_of(directive_at(rest, 0).letter) != 0) ||
                                 (!piece.tokens.empty() && piece.tokens.back().what == Piece::Token::What::number);
-    const bool can_be_short = std::string_view("dmHIo").find(directive.letter) != std::string_view::npos;
+    const bool can_be_short = std::string_view("dmHI").find(directive.letter) != std::string_view::npos;
     const bool is_short = can_be_short && !touches_number && (!strict || directive.modified || piece.lenient);
     if (width == 0) {
       token.what = Piece::Token::What::name;
@@ -245,9 +244,8 @@ PeriodForm make_period_form(std::string_view pattern, bool strict) {
   form.piece = make_piece(pattern, strict);
   form.piece.lenient = true;  // the library reads periods in no other way
   const std::string letters = letters_of(pattern);
-  const bool quarter_number = letters.find('o') != std::string::npos && pattern.find("Q%o") != std::string_view::npos;
   form.length = letters.find('V') != std::string::npos                     ? PeriodForm::Length::week
-                : letters.find('q') != std::string::npos || quarter_number ? PeriodForm::Length::quarter
+                : letters.find('q') != std::string::npos ? PeriodForm::Length::quarter
                                                                            : PeriodForm::Length::month;
   return form;
 }
@@ -279,7 +277,7 @@ Form parse_form(std::string_view pattern, bool strict) {
   const std::string letters = letters_of(pattern);
   const auto has = [&](char letter) { return letters.find(letter) != std::string::npos; };
   for (const char letter : letters) {
-    if (std::string_view("YymdbBAHIMSpzqoV").find(letter) == std::string_view::npos) {
+    if (std::string_view("YymdbBAHIMSpzqV").find(letter) == std::string_view::npos) {
       refuse("%{} reads nothing in a column", letter);
     }
     if (std::count(letters.begin(), letters.end(), letter) > 1) refuse("%{} stands there twice", letter);
@@ -289,7 +287,7 @@ Form parse_form(std::string_view pattern, bool strict) {
   if ((has('Y') && has('y')) || (has('b') && has('B')) || (has('m') && (has('b') || has('B')))) {
     refuse("year or month stands there twice");
   }
-  if (has('q') || has('V') || has('o') || (any_year && !has('d'))) {
+  if (has('q') || has('V') || (any_year && !has('d'))) {
     if (any_time || has('d') || has('A') || !any_year) refuse("a period has a year and a week, month or quarter alone");
     form.kind = Kind::period;
     form.period = make_period_form(pattern, strict);

@@ -7,7 +7,7 @@
 //   %b %B    a full or abbreviated name of a month        %A   of a week day; first in the pattern, it must be right
 //   %H %I    hour of 24, of 12                            %p   AM or PM
 //   %M %S    minute; second, a fraction may follow it     %z   an offset, Z, UTC or GMT; last in the pattern
-//   %q       name of a quarter       %o   month, or number of a quarter behind a literal "Q"       %V   ISO week
+//   %q       a quarter by its name, or Q1 to Q4           %V   ISO week
 #ifndef VXNLS_CLI_COLUMN_FORM_H
 #define VXNLS_CLI_COLUMN_FORM_H
 

@@ -1,5 +1,7 @@
 #include "cli/column/library.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -118,7 +120,12 @@ Library::Library(const LocaleMaker& make_locale, const std::string& locale, bool
   std::copy(std::begin(texts.standaloneAltMonths), std::end(texts.standaloneAltMonths), alone.altMonthNames);
   std::copy(std::begin(texts.standaloneDays), std::end(texts.standaloneDays), alone.dayNames);
   std::copy(std::begin(texts.standaloneAltDays), std::end(texts.standaloneAltDays), alone.altDayNames);
-  std::copy(std::begin(alone.names14336), std::end(alone.names14336), alone.quarterNames);
+  // Quarters stand alone by their full names, or as Q1 to Q4 where the locale abbreviates them otherwise.
+  const bool known = utf8(alone.quarterNames[0]) == "Q1";
+  for (size_t i = 0; i < 4; ++i) {
+    if (known) alone.quarterNames[i] = alone.names14336[i];
+    else store(alone.quarterNames[i], fmt::format("Q{}", i + 1));
+  }
   store(alone.amMarker, "AM");
   store(alone.pmMarker, "PM");
   if (!strict) {

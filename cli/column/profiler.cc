@@ -627,8 +627,8 @@ class Judge {
         decision.decimal_by = Source::locale;
       }
     }
-    if (decision.decimal_point == "." && comma_groups) decision.group_separators += ',';
-    if (decision.decimal_point == "," && point_groups) decision.group_separators += '.';
+    if (decision.decimal_point != "," && comma_groups) decision.group_separators += ',';
+    if (decision.decimal_point != "." && point_groups) decision.group_separators += '.';
     if (blanks) decision.group_separators += ' ';
     if (apostrophes) decision.group_separators += '\'';
   }

@@ -530,7 +530,8 @@ struct Reader::State {
     bool any = false;
     for (const Form& each : forms) {
       Why one = why_form(each, text);
-      if (any && one.furthest <= best.furthest) continue;
+      const bool farther = one.furthest != best.furthest ? one.furthest > best.furthest : one.position > best.position;
+      if (any && !farther) continue;
       best = std::move(one);
       any = true;
     }
