@@ -193,26 +193,31 @@ class Parser {
 
   std::string explanation(const VXExplanation& told, std::string_view text) const {
     Table table("  ");
+    const Colors colors = invocation_.colors;
+    const auto row = [&](std::string_view name, std::string cell, Tint tint = Tint::faint) {
+      table.row({colors.paint(tint, name), std::move(cell)});
+    };
     const auto add = [&](const VXExplainMatch& match, std::string_view name) {
-      table.row({std::string(name), in_quotes(text.substr(static_cast<size_t>(match.start),
-                                                          static_cast<size_t>(match.end - match.start)))});
-      table.row({"  form", fmt::format("{}, {}", utf8(match.candidate.pattern), describe_source(match.candidate))});
+      row(name, in_quotes(text.substr(static_cast<size_t>(match.start), static_cast<size_t>(match.end - match.start))));
+      row("  form", fmt::format("{}, {}", utf8(match.candidate.pattern), describe_source(match.candidate)));
     };
     add(told.match, kind_ == DatetimeKind::time ? "time" : "date");
     if (told.time.candidate.source != VX_SOURCE_NONE) add(told.time, "time");
     const VXExplainFields& fields = told.match.fields;
-    if (fields.quarter != 0) table.row({"quarter", std::to_string(fields.quarter)});
-    if (fields.week != 0) table.row({"week", std::to_string(fields.week % 100)});
+    if (fields.quarter != 0) row("quarter", std::to_string(fields.quarter));
+    if (fields.week != 0) row("week", std::to_string(fields.week % 100));
     for (const VXExplainMatch* match : {&told.match, &told.time}) {
       if (match->fields.offset != VX_NO_OFFSET && match->candidate.source != VX_SOURCE_NONE) {
-        table.row({"offset", iso8601::write_offset(match->fields.offset)});
+        row("offset", iso8601::write_offset(match->fields.offset));
       }
     }
     const std::string_view left = text.substr(static_cast<size_t>(told.consumed));
-    if (!left.empty()) table.row({"rest", in_quotes(left)});
+    if (!left.empty()) row("rest", in_quotes(left));
     for (const VXExplainMatch& other : others(told, text)) {
-      table.row({"ambiguous", fmt::format("{} by {}, {}", result_of(other), utf8(other.candidate.pattern),
-                                          describe_source(other.candidate))});
+      row("ambiguous",
+          fmt::format("{} by {}, {}", result_of(other), utf8(other.candidate.pattern),
+                      describe_source(other.candidate)),
+          Tint::warning);
     }
     std::string lines = fmt::format("\n{}", table.text());
     if (lines.ends_with('\n')) lines.pop_back();

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cli/color.h"
+#include "tests/support/terminal.h"
 
 namespace {
 
@@ -113,6 +114,38 @@ TEST(Color, WhenItIsOn) {
   }
   close(ends[0]);
   close(ends[1]);
+}
+
+TEST(Color, OnATerminal) {
+  static const struct {
+    const char* line;
+    const char* shown;  // "E" stands for the escape character
+  } cases[] = {
+      {"vxnls format date x", "E[1;31mvxnls:E[0m \"x\": "},
+      {"vxnls format date x 2>&1 | cat", "vxnls: \"x\": "},
+      {"vxnls --color always nonsense 2>&1 | cat", "E[1;31mvxnls:E[0m \"vxnls\" has no command"},
+      {"vxnls --color=never nonsense", "vxnls: \"vxnls\" has no command"},
+      {"NO_COLOR=1 vxnls format date x", "vxnls: \"x\": "},
+      {"TERM=dumb vxnls -h", "Usage: vxnls"},
+      {"vxnls -h", "E[1mUsage:E[0m vxnls"},
+      {"vxnls format date 0 -l de_US", "vxnls: E[1;36mnote:E[0m there is no locale"},
+      {"vxnls parse date 03/04/2021 -l en_US --explain | grep ambig", "  ambiguous  2021-04-03"},
+      {"vxnls parse date 03/04/2021 -l en_US --explain --color always | grep 2021-04",
+       "  E[33mambiguousE[0m  2021-04-03"},
+  };
+  vxtest::Terminal terminal({"sh"}, {{"PATH", std::string(VXNLS_COMMAND_FOLDER) + ":/usr/bin:/bin"},
+                                     {"TERM", "xterm"},
+                                     {"TZ", "UTC"},
+                                     {"PS1", "ready> "}});
+  terminal.until("ready> ");
+  for (const auto& c : cases) {
+    terminal.type(std::string(c.line) + '\n');
+    terminal.until("\n");  // what was typed
+    std::string wanted = c.shown;
+    for (size_t at = 0; (at = wanted.find("E[", at)) != std::string::npos;) wanted[at] = '\x1b';
+    const std::string screen = terminal.until("ready> ");
+    EXPECT_TRUE(screen.starts_with(wanted)) << c.line << '\n' << screen;
+  }
 }
 
 }  // namespace
