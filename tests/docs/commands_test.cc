@@ -42,6 +42,15 @@ struct Step {
   std::string command, output;
 };
 
+/// Whether a step asks for an extension in $LIB that this build does not have.
+bool cannot_be_run(const Step& step) {
+  const size_t at = step.command.find("$LIB/");
+  if (at == std::string::npos) return false;
+  const size_t begin = at + 5;
+  const size_t end = step.command.find_first_of(" \"'", begin);
+  return !fs::exists(fs::path(VXNLS_LIBRARIES) / step.command.substr(begin, end - begin));
+}
+
 /// The steps of a document's console blocks, but those of "console measured": timings, and other people's programs.
 std::vector<Step> steps_of(const std::vector<std::string>& lines) {
   std::vector<Step> steps;
@@ -87,6 +96,7 @@ TEST(Documents, CommandsPrintWhatTheySay) {
       if (const char* value = std::getenv(variable); value != nullptr) variables.emplace_back(variable, value);
     }
     for (const Step& step : steps_of(lines_of(document))) {
+      if (cannot_be_run(step)) continue;
       SCOPED_TRACE(name + ":" + std::to_string(step.line) + ": " + step.command);
       const auto result = vxtest::run_shell("cd \"$HERE\" && exec 2>&1\n" + step.command, "", variables);
       EXPECT_EQ(result.out, step.output);
@@ -94,7 +104,7 @@ TEST(Documents, CommandsPrintWhatTheySay) {
     }
     fs::remove_all(folder);
   }
-  EXPECT_GT(count, 10u) << "where are the documents?";
+  EXPECT_GT(count, 50u) << "where are the documents?";
 }
 
 /// The anchor that a heading gets: small letters, blanks as hyphens, no punctuation.
