@@ -1,12 +1,15 @@
-// The drivers: pairs that are known by their addresses give what one step a character gives, nothing outside the
-// buffers is touched, and what was converted comes back.
+// The drivers: pairs that are known by their addresses give what one step a character gives, in every variant, nothing
+// outside the buffers is touched, and what was converted comes back. Counts of whole blocks equal those of steps.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include "unicode/text_flavour.h"
+#include "unicode/transcode.h"
+#include "utf8/runs.h"
 #include "vxnls/unicode.h"
+#include "vxnls/utf8.h"
 
 namespace {
 
@@ -92,7 +95,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t length) {
   if (length < 3) return 0;
   const unsigned choice = data[0];
   const size_t less = data[1] + 256u * (data[2] % 4);  // room taken away
-  const Bytes text(data + 3, data + length);
+  Bytes text;                                          // long enough for whole blocks
+  for (unsigned times = data[2] / 4 % 16 + 1; times > 0; --times) text.insert(text.end(), data + 3, data + length);
 
   const ToUtf32& to = to_utf32[choice % std::size(to_utf32)];
   const size_t wide = 4 * text.size() - std::min(less, 4 * text.size());
@@ -103,6 +107,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t length) {
   const VXReader reader = choice % 2 != 0 ? &Byte2DWord : &Byte2DWord_swap;
   const size_t narrow = text.size() - std::min(less, text.size());
   require(convert_from(text, narrow, from.encoder, reader) == convert_from(text, narrow, from.unknown, reader));
+
+  Result generic(wide);
+  if (to.decoder == &UTF8_UTF32) {
+    const auto body =
+        to.encoder == machine ? vxnls::generic_transcoders.from_utf8.little : vxnls::generic_transcoders.from_utf8.big;
+    const vxnls::Converted done = body(text.data(), size(text), generic.bytes.data(), static_cast<int64_t>(wide / 4));
+    generic.status = done.status;
+    generic.written = 4 * done.count;
+    require(generic == units);
+  }
+  const vxnls::ByteView whole = vxnls::bytes_of(text.data(), size(text));
+  require(vxzsu8NumChars(whole.bytes, whole.length) == vxnls::count_by_runs(whole, vxnls::generic_utf8_runs));
+  std::vector<VXChar> characters(static_cast<size_t>(units.written) / sizeof(VXChar));
+  if (!characters.empty()) std::memcpy(characters.data(), units.bytes.data(), characters.size() * sizeof(VXChar));
+  const auto count = static_cast<int64_t>(characters.size());
+  require(vxnls::transcoders().utf8_length(characters.data(), count) ==
+          vxnls::generic_transcoders.utf8_length(characters.data(), count));
 
   // UTF-8 that is well-formed throughout comes back as it was.
   const Bytes all(text);
