@@ -57,6 +57,7 @@ struct Command {
   std::span<const Command* const> commands = {};
   ExitCode (*run)(Invocation&) = nullptr;  // null: only its commands do something
   LocaleCategory category = LocaleCategory::time;
+  bool ranks_locales = false;  // "--locale auto" is understood
 };
 
 /// The command `vxnls` itself: all others stand below it. Its options are understood by every command.

@@ -50,8 +50,8 @@ constexpr Command locale{.name = "locale",
                          .examples = locale_examples,
                          .commands = locale_commands};
 
-constexpr const Command* commands[] = {&format,      &parse,   &locale, &calendar,   &zone, &transcode,
-                                       &change_case, &compare, &chars,  &completion, &help};
+constexpr const Command* commands[] = {&format,    &parse,       &recognise, &normalise, &locale,     &calendar, &zone,
+                                       &transcode, &change_case, &compare,   &chars,     &completion, &help};
 
 constexpr const Option* common_options[] = {&options::locale,     &options::zone, &options::quiet,  &options::color,
                                             &options::short_help, &options::help, &options::version};

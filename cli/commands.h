@@ -18,6 +18,8 @@ extern const Command parse_time;
 extern const Command parse_datetime;
 extern const Command parse_number;
 extern const Command parse_integer;
+extern const Command recognise;
+extern const Command normalise;
 extern const Command transcode;
 extern const Command change_case;
 extern const Command compare;

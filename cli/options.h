@@ -6,6 +6,8 @@
 
 namespace vxcli::options {
 
+/// The name that stands for the locale that explains most, for commands that rank them.
+inline constexpr std::string_view ranked_locale = "auto";
 inline constexpr Option locale{.name = "locale",
                                .letter = 'l',
                                .value = "NAME",

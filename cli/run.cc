@@ -45,7 +45,8 @@ ExitCode run_command(const Arguments& arguments, const Messages& messages, Outpu
     return ExitCode::done;
   }
   // What was asked for by name is never wrong in silence, also where the command has no use for it.
-  if (arguments.has(options::locale)) session.locale_name();
+  const bool ranked = arguments.command().ranks_locales && arguments.value(options::locale) == options::ranked_locale;
+  if (arguments.has(options::locale) && !ranked) session.locale_name();
   if (arguments.has(options::zone)) session.zone();
   Invocation invocation{arguments, session, out, messages, colors};
   return arguments.command().run(invocation);
