@@ -91,6 +91,7 @@ TEST(Documents, CommandsPrintWhatTheySay) {
                                   {"LANG", "en_US.UTF-8"},
                                   {"TZ", "UTC"},
                                   {"HERE", folder},
+                                  {"HOME", folder},
                                   {"LIB", VXNLS_LIBRARIES}};
     for (const char* variable : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS"}) {
       if (const char* value = std::getenv(variable); value != nullptr) variables.emplace_back(variable, value);
