@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <regex>
 #include <string>
 
 #include "cli/commands.h"
@@ -20,6 +22,8 @@ namespace {
 
 using namespace vxcli;
 namespace fs = std::filesystem;
+
+const fs::path build_folder = fs::path(VXNLS_COMMAND_FOLDER).parent_path();
 
 /// In UTF-8, and wide enough that nothing is broken into lines but what has to be.
 std::string shown(const fs::path& page) {
@@ -74,9 +78,32 @@ TEST(Manual, SaysWhatTheTableOfCommandsSays) {
     }
     for (const Example& example : command.examples) expect(fmt::format("$ {}\n{}", example.line, example.output));
   });
-  const auto lint = vxtest::run_line(fmt::format("mandoc -Tlint -W warning {}/*.1", folder.string()));
+  const auto lint = vxtest::run_line(
+      fmt::format("mandoc -Tlint -W warning {}/*.1 {}/man/man[35]/*", folder.string(), build_folder.string()));
   EXPECT_EQ(lint.out + lint.err, "");
   fs::remove_all(folder);
+}
+
+TEST(Manual, OfTheLibraryNamesWhatTheHeadersHave) {
+  const std::string page = shown(build_folder / "man/man3/vxnlsloc.3");
+  std::string headers;
+  for (const auto& entry : fs::directory_iterator(fs::path(VXNLS_SOURCE_FOLDER) / "include/vxnls")) {
+    const std::string name = entry.path().filename();
+    EXPECT_NE(page.find(fmt::format("<vxnls/{}>", name)), std::string::npos) << name;
+    std::ifstream file(entry.path());
+    headers.append(std::istreambuf_iterator<char>(file), {});
+  }
+  const std::regex function("([A-Za-z0-9_]+)\\(\\)");
+  size_t functions = 0;
+  for (std::sregex_iterator found(page.begin(), page.end(), function), end; found != end; ++found, ++functions) {
+    EXPECT_TRUE(std::regex_search(headers, std::regex(fmt::format("\\b{}\\b", found->str(1))))) << found->str(1);
+  }
+  EXPECT_GT(functions, 20U);
+  const std::regex status("#define (VX_[EW]_[A-Z]+) .*(0x[0-9a-f]{8})");
+  for (std::sregex_iterator found(headers.begin(), headers.end(), status), end; found != end; ++found) {
+    EXPECT_NE(page.find(fmt::format("{}  {}\n", found->str(1), found->str(2))), std::string::npos) << found->str(1);
+  }
+  EXPECT_EQ(vxtest::run_line(VXNLS_MANUAL_EXAMPLE).out, "21.11.2026 14:05:09\n");
 }
 
 }  // namespace
