@@ -445,7 +445,7 @@ inline std::string to_string(const NLSName& name) {
 /* locales ---------------------------------------------------------------------------------------------- */
 
 /// A locale: a handle that is copied like a pointer, good as long as its host. It needs no vxnls::host: one that a host
-/// of another make created serves as well.
+/// of another make created serves as well. An empty one has no name and no data; everything else may be asked of it.
 class locale {
  public:
   locale() = default;
@@ -480,18 +480,16 @@ class locale {
           return write(units, capacity, size, value, style);
         });
   }
-  /// The same into the caller's span; the text lies in it.
-  template <detail::text_unit Unit, class T>
-  result<std::basic_string_view<Unit>> format_to(std::span<Unit> out, const T& value,
-                                                 const detail::style_of<T>& style = {}) const noexcept {
+  /// The same into memory of the caller's: a span, an array, a string of the size that may be used. The text lies in
+  /// it.
+  template <class Room, class T>
+  auto format_to(Room&& out, const T& value, const detail::style_of<T>& style = {}) const noexcept {
+    const std::span room(out);
+    using Unit = typename decltype(room)::element_type;
+    static_assert(detail::text_unit<Unit>, "texts are UTF-8 in char or UTF-32 in char32_t");
     std::int64_t size = 0;
-    const VXStatus status = write(out.data(), detail::length(out), &size, value, style);
-    return {status, std::basic_string_view<Unit>(out.data(), static_cast<std::size_t>(size))};
-  }
-  template <class T, detail::text_unit Unit, std::size_t N>
-  result<std::basic_string_view<Unit>> format_to(Unit (&out)[N], const T& value,
-                                                 const detail::style_of<T>& style = {}) const noexcept {
-    return format_to(std::span<Unit>(out), value, style);
+    const VXStatus status = write(room.data(), detail::length(room), &size, value, style);
+    return result<std::basic_string_view<Unit>>(status, {room.data(), static_cast<std::size_t>(size)});
   }
 
   /// Reads a value of type T: year_month_day, a duration or hh_mm_ss (since midnight), local_time, sys_time, double or
@@ -543,6 +541,7 @@ class locale {
  private:
   std::chrono::seconds offset(std::int32_t direction, std::chrono::seconds since_1970) const noexcept {
     const auto seconds = detail::seconds_1960(since_1970);
+    if (raw_ == nullptr) return {};
     VXZoneService* const zones = raw_->host->zones;
     VXZone* const zone = std::atomic_ref<VXZone*>(raw_->timeZone).load();
     if (!seconds || zones == nullptr || zone == nullptr) return {};
@@ -832,6 +831,12 @@ struct journal_entry {
 class host {
  public:
   host() = default;
+  host(host&&) noexcept = default;
+  host& operator=(host&& other) noexcept {
+    raw_ = std::move(other.raw_);  // closes the host that was here, which may still write to its journal
+    journal_ = std::move(other.journal_);
+    return *this;
+  }
 
   /// Loads the library and its extensions from a folder; an empty one: where libvxhost.so lies.
   static result<host> open(const std::string& folder = {}) {

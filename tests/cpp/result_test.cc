@@ -1,6 +1,7 @@
 // Results, explanations and buffers; the host's own calls.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <string>
 
@@ -82,6 +83,8 @@ TEST(Result, FormatsIntoWhatTheCallerHas) {
     EXPECT_EQ(*done, narrow.substr(0, room));
     EXPECT_EQ(done->data(), bytes.data());
   }
+  std::array<char, 4> array;
+  EXPECT_EQ(*german.format_to(array, day), "05.0");
   char32_t units[4];
   EXPECT_EQ(*german.format_to(units, day, form::long_date), wide.substr(0, 4));
   const auto held = german.format<vxnls::buffer<20>>(day);
@@ -136,6 +139,8 @@ TEST(Host, OpensClosesAndTells) {
     EXPECT_TRUE(moved.locale("fr_FR"));
     unsetenv("TZ");
     EXPECT_FALSE(journal.empty());
+    moved = vxnls::host::open().value();
+    EXPECT_TRUE(moved.locale("fr_FR", "UTC"));
     moved.on_journal(nullptr);
   }
   EXPECT_EQ(vxhostAlive(), before);
