@@ -34,12 +34,13 @@ constexpr int32_t month_start(int64_t year, int32_t month) {
 }
 
 constexpr int32_t days_in_month(int64_t year, int32_t month) {
-  return month_start(year, month + 1) - month_start(year, month);
+  const int32_t days = days_before_month[month + 1] - days_before_month[month];
+  return month == 2 ? days + is_leap_year(year) : days;
 }
 
 constexpr bool is_valid(CivilDate date) {
   return date.year >= first_year && date.year <= last_year && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
-         date.day <= days_in_month(date.year, date.month);
+         (date.day <= 28 || date.day <= days_in_month(date.year, date.month));
 }
 
 /// The day number of a day of a year (from 1).
@@ -99,18 +100,28 @@ constexpr bool is_valid_datetime(double t) {
   return t >= static_cast<double>(first_second) && t < static_cast<double>(end_second);  // false for NaN
 }
 
-/// The date that contains a valid datetime. The sum is rounded as a double: so close before midnight that it cannot be
-/// told from it, the day is the next one. Kept on purpose.
+/// The whole seconds of a valid datetime since first_day. The sum is rounded as a double: so close before midnight that
+/// it cannot be told from it, the day is the next one. Kept on purpose.
+constexpr uint64_t since_first_day(double t) {
+  return static_cast<uint64_t>(static_cast<int64_t>(t - static_cast<double>(first_second)));
+}
+
+/// The date that contains a valid datetime.
 constexpr int32_t day_of_datetime(double t) {
-  const auto seconds = static_cast<int64_t>(t - static_cast<double>(first_second));
-  return static_cast<int32_t>(seconds / seconds_per_day) + first_day;
+  return static_cast<int32_t>(since_first_day(t) / seconds_per_day) + first_day;
 }
 
 /// What counts the time of day of a valid datetime: the seconds themselves, or for 0 and below those since first_day.
 constexpr double since_some_midnight(double t) { return t <= 0 ? t - static_cast<double>(first_second) : t; }
 
 constexpr DayAndSecond day_and_second(double t) {
-  return {day_of_datetime(t), static_cast<int32_t>(static_cast<int64_t>(since_some_midnight(t)) % seconds_per_day)};
+  const uint64_t since = since_first_day(t);
+  const auto day = static_cast<uint32_t>(since / seconds_per_day);
+  uint64_t second = since - uint64_t{day} * seconds_per_day;
+  // The sum has been rounded up to a second.
+  if (t > 0 && static_cast<uint64_t>(static_cast<int64_t>(t) - first_second) != since)
+    second = static_cast<uint64_t>(static_cast<int64_t>(t)) % seconds_per_day;
+  return {static_cast<int32_t>(day) + first_day, static_cast<int32_t>(second)};
 }
 
 }  // namespace vxnls

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "calendar/work_area.h"
 #include "datetime_format/expansion.h"
 #include "vxnls/vxnls.h"
@@ -19,11 +21,35 @@ struct Destination {
 bool is_null(const VXLocale* locale) { return locale == nullptr || locale->localeData == nullptr; }
 
 template <class Text>
-VXStatus write(const VXLocale* locale, const NLSName& pattern, bool of_date, Moment moment, Destination<Text> to) {
-  Expansion<Text> expansion(locale, moment);
-  const TextView text = Expansion<Text>::cut(view(pattern));
-  if (const VXStatus status = walk_pattern(text, of_date, expansion)) return status;
-  return expansion.deliver(to.buffer, to.capacity, to.length);
+[[gnu::noinline]] VXStatus write_by_walk(const VXLocale* locale, TextView pattern, bool of_date, const Moment& moment,
+                                         const Destination<Text>& to) {
+  Scratch<Text> scratch;
+  Expansion<Text> expansion(locale, moment, scratch);
+  auto* end = scratch.text;
+  if (const VXStatus status = walk_pattern(Expansion<Text>::cut(pattern), of_date, expansion, end)) return status;
+  end = expansion.within_room(end);
+  while (end > scratch.text && end[-1] == ' ') --end;  // trailing blanks do not count
+  const int64_t whole = end - scratch.text;
+  const int64_t count = std::clamp<int64_t>(to.capacity, 0, whole);
+  constexpr int64_t usual = 20;
+  put_units<usual>(to.buffer, to.capacity, scratch.text, count);
+  *to.length = count;
+  return count < whole || expansion.outgrown() ? VX_E_TRUNCATED : 0;
+}
+
+template <class Text>
+VXStatus write(const VXLocale* locale, const NLSName& pattern, bool of_date, const Moment& moment,
+               const Destination<Text>& to) {
+  if (to.capacity >= short_road_units) {
+    typename Text::Unit before[short_road_units];
+    copy_block<short_road_units>(before, to.buffer);
+    if (auto* const end = write_numbers<Text>(pattern, of_date, moment, to.buffer)) {
+      *to.length = end - to.buffer;
+      return 0;
+    }
+    copy_block<short_road_units>(to.buffer, before);
+  }
+  return write_by_walk(locale, view(pattern), of_date, moment, to);
 }
 
 template <class Text>

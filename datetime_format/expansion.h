@@ -2,150 +2,199 @@
 #ifndef VXNLS_DATETIME_FORMAT_EXPANSION_H
 #define VXNLS_DATETIME_FORMAT_EXPANSION_H
 
-#include <algorithm>
 #include <cstring>
 
-#include "datetime_format/moment.h"
 #include "datetime_format/pattern.h"
 #include "module/host_services.h"
+#include "unicode/eight_units.h"
 #include "unicode/text_flavour.h"
 #include "vxnls/table.h"
 
 namespace vxnls {
 
-/// A receiver of walk_pattern() that writes the text into a scratch of its own. What outgrows the scratch is dropped.
+/// Where a text is put together, in units of its flavour. What outgrows its room is dropped.
+template <class Text>
+struct Scratch {
+  static constexpr int64_t room = 512;
+  static constexpr int64_t longest_text = 180;               // units of one pattern or name
+  static constexpr int64_t longest_rest = 4 * longest_name;  // of all literals and numbers of a pattern
+
+  typename Text::Unit text[room + longest_rest + longest_text];  // never cleared
+};
+
+/// A receiver of walk_pattern() that writes the text of one value. A place is where the next unit goes.
 template <class Text>
 class Expansion {
  public:
   using Unit = typename Text::Unit;
 
-  Expansion(const VXLocale* locale, Moment moment) : locale_(locale), moment_(moment) {}
+  /// All of them must stay as long as it.
+  Expansion(const VXLocale* locale, const Moment& moment, Scratch<Text>& scratch)
+      : locale_(locale), moment_(moment), limit_(scratch.text + Scratch<Text>::room) {}
 
   /// The front of a pattern or name that counts: as much as takes 180 bytes in UTF-8, all of it in UTF-32.
   static TextView cut(TextView text) {
-    if (text.length * Text::longest <= longest_text) return text;
+    constexpr int64_t longest = Scratch<Text>::longest_text;
+    if (text.length * Text::longest <= longest) return text;
     int64_t units = 0, length = 0;
-    while (length < text.length && (units += Text::units(text.text[length])) <= longest_text) ++length;
+    while (length < text.length && (units += Text::units(text.text[length])) <= longest) ++length;
     return {text.text, length};
   }
 
-  void literal(VXChar c) { took(Text::append(c, end())); }
-
-  void directive(const Directive& row, bool zero_padded) {
-    switch (row.rule) {
-      case Rule::full_name: return full_name(row.field);
-      case Rule::short_name: return short_name(row.field);
-      case Rule::two_digits: return two_digits(number(row.field), zero_padded);
-      case Rule::blank_padded: return blank_padded(number(row.field));
-      case Rule::dial_from_12: return two_digits(moment_.hour() == 0 ? 12 : on_dial(), zero_padded);
-      case Rule::dial_from_0: return two_digits(on_dial(), zero_padded);
-      case Rule::hour_to_24:
-        moment_.midnight_is_24();  // also for the directives that follow, kept on purpose
-        return two_digits(moment_.hour(), zero_padded);
-      case Rule::day_period:
-        return name(moment_.hour() < 12 ? locale_->localeData->amMarker : locale_->localeData->pmMarker);
-      case Rule::one_digit: return digit(moment_.week_day());
-      case Rule::always_seven: return digit(7);
-      case Rule::century_and_year:
-        two_digits(moment_.date().year / 100 % 100, zero_padded);
-        return two_digits(moment_.date().year % 100, zero_padded);
-      case Rule::zone_name: return zone_name();
-      case Rule::zone_offset: return zone_offset();
-    }
+  /// The end of what has room when everything else was written up to `at`.
+  template <class Place>
+  Place within_room(Place at) {
+    if (at <= limit_) return at;
+    outgrown_ = true;
+    return limit_;
   }
+  /// Whether something was dropped.
+  bool outgrown() const { return outgrown_; }
 
-  /// Copies the text without its trailing blanks, as much as there is room for.
-  VXStatus deliver(Unit* buffer, int64_t capacity, int64_t* length) const {
-    int64_t whole = length_;
-    while (whole > 0 && text_[whole - 1] == ' ') --whole;
-    const int64_t count = std::clamp<int64_t>(capacity, 0, whole);
-    if (count > 0) std::memcpy(buffer, text_, static_cast<size_t>(count) * sizeof(Unit));
-    *length = count;
-    return count < whole || outgrown_ ? VX_E_TRUNCATED : 0;
+  Unit* literal(VXChar c, Unit* at) { return at + Text::append(c, at); }
+
+  Unit* two_digits(Field field, Unit* at) { return pair(number(field), at); }
+
+  Unit* year(Unit* at) { return four_digits(true, at); }
+
+  [[gnu::noinline]] Unit* directive(const Directive& row, bool zero_padded, Unit* at) {
+    const Field field = row.field;
+    switch (row.rule) {
+      case Rule::full_name: return full_name(field, at);
+      case Rule::short_name: return short_name(field, at);
+      case Rule::two_digits: return two_digits(number(field), zero_padded, at);
+      case Rule::blank_padded: return blank_padded(moment_[field], at);
+      case Rule::dial_from_12: return two_digits(hour_ == 0 ? 12 : on_dial(), zero_padded, at);
+      case Rule::dial_from_0: return two_digits(on_dial(), zero_padded, at);
+      case Rule::hour_to_24:
+        if (hour_ == 0) hour_ = 24;  // also for the directives that follow, kept on purpose
+        return two_digits(hour_, zero_padded, at);
+      case Rule::day_period:
+        return name(hour_ < 12 ? locale_->localeData->amMarker : locale_->localeData->pmMarker, at);
+      case Rule::one_digit: return digit(moment_.week_day(), at);
+      case Rule::always_seven: return digit(7, at);
+      case Rule::century_and_year: return four_digits(zero_padded, at);
+      case Rule::zone_name: return zone_name(at);
+      case Rule::zone_offset: return zone_offset(at);
+    }
+    return at;
   }
 
  private:
-  static constexpr int64_t room = 512;
-  static constexpr int64_t longest_text = 180;  // units of one pattern or name
+  int32_t number(Field field) const { return field == Field::hour ? hour_ : moment_[field]; }
 
-  Unit* end() { return text_ + length_; }
+  Unit* digit(int32_t value, Unit* at) { return literal(static_cast<VXChar>('0' + value), at); }
 
-  /// Each piece is written before it is counted: the scratch has room for one more than counts.
-  void took(int64_t units) {
-    length_ += units;
-    if (length_ > room) {
-      length_ = room;
-      outgrown_ = true;
-    }
+  /// `value` is from 0 to 99, here and below.
+  Unit* pair(int32_t value, Unit* at) {
+    copy_block<2>(at, Text::digit_pairs.of(value));
+    return at + 2;
   }
 
-  void digit(int32_t value) { literal(static_cast<VXChar>('0' + value)); }
-
-  /// `value` is from 0 to 99.
-  void two_digits(int32_t value, bool zero_padded) {
-    if (value < 10 && !zero_padded) return digit(value);
-    std::memcpy(end(), Text::digit_pairs.of[value], sizeof Text::digit_pairs.of[value]);
-    took(2);
+  Unit* two_digits(int32_t value, bool zero_padded, Unit* at) {
+    if (zero_padded) return pair(value, at);
+    const bool one = value < 10;  // written with what follows it in the table
+    copy_block<2>(at, Text::digit_pairs.of(value) + one);
+    return at + 2 - one;
   }
 
-  void blank_padded(int32_t value) {
-    if (value >= 10) return two_digits(value, true);
-    literal(' ');
-    digit(value);
+  Unit* four_digits(bool zero_padded, Unit* at) {
+    const Moment::Year year = moment_.year();
+    return two_digits(year.of_century, zero_padded, two_digits(year.century, zero_padded, at));
   }
 
-  int32_t number(Field field) const {
-    switch (field) {
-      case Field::month: return moment_.date().month;
-      case Field::day: return moment_.date().day;
-      case Field::hour: return moment_.hour();
-      case Field::minute: return moment_.minute();
-      default: return moment_.second();
-    }
-  }
+  Unit* blank_padded(int32_t value, Unit* at) { return value >= 10 ? pair(value, at) : digit(value, literal(' ', at)); }
 
-  int32_t on_dial() const { return moment_.hour() > 12 ? moment_.hour() - 12 : moment_.hour(); }
+  int32_t on_dial() const { return hour_ > 12 ? hour_ - 12 : hour_; }
 
-  void full_name(Field field) {
+  Unit* full_name(Field field, Unit* at) {
     const VXLocaleData& data = *locale_->localeData;
-    name(field == Field::month ? data.monthNames[moment_.date().month - 1] : data.dayNames[moment_.week_day()]);
+    return name(field == Field::month ? data.monthNames[moment_[field] - 1] : data.dayNames[moment_.week_day()], at);
   }
 
-  void short_name(Field field) {
+  Unit* short_name(Field field, Unit* at) {
     const VXLocaleData& data = *locale_->localeData;
-    name(field == Field::month ? data.altMonthNames[moment_.date().month - 1] : data.altDayNames[moment_.week_day()]);
+    return name(field == Field::month ? data.altMonthNames[moment_[field] - 1] : data.altDayNames[moment_.week_day()],
+                at);
   }
 
-  void name(const NLSName& entry) { took(Text::append_name(cut(view(entry)), end())); }
+  Unit* name(const NLSName& entry, Unit* at) {
+    at = within_room(at);
+    return at + Text::append_name(cut(view(entry)), at);
+  }
 
-  void zone_name() {
-    host::ZoneState zone;
-    host::describe_zone(locale_, moment_.seconds(), &zone);
-    if (zone.name_length <= 0 || zone.name_length > room - 1 - length_) {
-      for (const char c : {'X', 'S', 'T'}) literal(static_cast<VXChar>(c));
-      return;
+  Unit* zone_name(Unit* at) {
+    const host::ZoneState zone = zone_state(locale_, moment_.seconds());
+    if (zone.name_length <= 0 || zone.name_length > limit_ - 1 - at) {
+      for (const char c : {'X', 'S', 'T'}) at = literal(static_cast<VXChar>(c), at);
+      return at;
     }
     // In UTF-8 a unit is its low eight bits here, kept on purpose.
-    for (int64_t i = 0; i < zone.name_length; ++i) end()[i] = static_cast<Unit>(zone.name[i]);
-    took(zone.name_length);
+    for (int64_t i = 0; i < zone.name_length; ++i) at[i] = static_cast<Unit>(zone.name[i]);
+    return at + zone.name_length;
   }
 
-  void zone_offset() {
-    host::ZoneState zone;
-    host::describe_zone(locale_, moment_.seconds(), &zone);
-    const int64_t seconds = zone.offset;
+  Unit* zone_offset(Unit* at) {
+    const int64_t seconds = zone_state(locale_, moment_.seconds()).offset;
     const int64_t distance = seconds < 0 ? -seconds : seconds;
-    literal(seconds < 0 ? '-' : '+');
-    two_digits(static_cast<int32_t>(distance / 3600 % 100), true);
-    two_digits(static_cast<int32_t>(distance % 3600 / 60), true);
+    at = literal(seconds < 0 ? '-' : '+', at);
+    at = two_digits(static_cast<int32_t>(distance / 3600 % 100), true, at);
+    return two_digits(static_cast<int32_t>(distance % 3600 / 60), true, at);
+  }
+
+  [[gnu::noinline]] static host::ZoneState zone_state(const VXLocale* locale, double seconds) {
+    host::ZoneState zone;
+    host::describe_zone(locale, seconds, &zone);
+    return zone;
   }
 
   const VXLocale* locale_;
-  Moment moment_;
-  int64_t length_ = 0;
+  const Moment& moment_;
+  int32_t hour_ = moment_[Field::hour];
+  Unit* limit_;
   bool outgrown_ = false;
-  Unit text_[room + longest_text];  // never cleared
 };
+
+/// The short road for an ASCII pattern of nothing but the numbers that nearly all patterns have: writes the text of the
+/// value straight to where it shall go, as these leave nothing behind them, two units at most for a unit of the
+/// pattern, and gives its end; null, with something written, where something else stands. Blanks at the end, which
+/// would have to be cut off, are something else.
+inline constexpr int64_t longest_short_pattern = 24, short_road_units = 2 * longest_short_pattern;
+
+template <class Text>
+typename Text::Unit* write_numbers(const NLSName& pattern, bool of_date, const Moment& moment,
+                                   typename Text::Unit* at) {
+  const int64_t length = pattern.length;
+  uint8_t characters[longest_short_pattern];
+  if (length < 1 || length > longest_short_pattern) return nullptr;
+  if (!narrow<longest_short_pattern>(pattern.text, characters)) return nullptr;
+  const uint8_t* const end = characters + length;
+  if (end[-1] == ' ' || end[-1] == '%') return nullptr;
+
+  const auto& actions = action_table.of[of_date][none];
+  const auto put = [&at](int32_t value) {
+    copy_block<2>(at, Text::digit_pairs.of(value));
+    at += 2;
+  };
+  for (const uint8_t* from = characters; from < end;) {
+    if (*from != '%') {
+      *at++ = *from++;
+      continue;
+    }
+    const Action action = actions[from[1]];  // "%" is not the last character
+    from += 2;
+    if (action.is_two_digits()) {
+      put(moment[action.field()]);
+    } else if (action.code == Action::four_digits) {
+      const Moment::Year year = moment.year();
+      put(year.century);
+      put(year.of_century);
+    } else {
+      return nullptr;
+    }
+  }
+  return at;
+}
 
 }  // namespace vxnls
 

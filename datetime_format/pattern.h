@@ -2,7 +2,10 @@
 #ifndef VXNLS_DATETIME_FORMAT_PATTERN_H
 #define VXNLS_DATETIME_FORMAT_PATTERN_H
 
-#include "unicode/counted_name.h"
+#include <initializer_list>
+
+#include "datetime_format/moment.h"
+#include "unicode/text_flavour.h"
 #include "vxnls/types.h"
 
 namespace vxnls {
@@ -10,9 +13,6 @@ namespace vxnls {
 /// The form in which a letter was given: lower is a small letter, or any letter after `?`; everything else is upper,
 /// any letter after `#` included.
 enum class Form : uint8_t { upper, lower, any };
-
-/// What a directive reads of the value.
-enum class Field : uint8_t { none, year, month, day, week_day, hour, minute, second, zone };
 
 /// How it is written.
 enum class Rule : uint8_t {
@@ -82,61 +82,90 @@ static_assert(
     }(),
     "two rows answer the same letter");
 
-/// The rows by letter and form, counted from 1; 0 where a letter means nothing.
-struct DirectiveIndex {
-  uint8_t row[26][2];
+/// What may stand between "%" and the letter.
+enum Modifier : uint8_t { none, lower_form, no_padding };
+
+/// What a character after "%" asks for, in one byte: a Field, two digits of which are written; one of the codes here;
+/// or a row of the table above with or without padding.
+struct Action {
+  uint8_t code;
+
+  static constexpr uint8_t four_digits = 16, nothing = 17, percent = 18, modifier = 19, first_row = 32;
+
+  static constexpr Action of(const Directive& row, uint8_t number, bool zero_padded) {
+    if (row.rule == Rule::two_digits && zero_padded) return {static_cast<uint8_t>(row.field)};
+    if (row.rule == Rule::century_and_year && zero_padded) return {four_digits};
+    return {static_cast<uint8_t>(first_row + 2 * number + zero_padded)};
+  }
+  constexpr bool is_two_digits() const { return code < four_digits; }
+  constexpr Field field() const { return static_cast<Field>(code); }
+  constexpr const Directive& row() const { return directives[(code - first_row) / 2]; }
+  constexpr bool zero_padded() const { return (code & 1) != 0; }
 };
 
-inline constexpr DirectiveIndex directive_index = [] {
-  DirectiveIndex index{};
-  uint8_t number = 0;
-  for (const Directive& row : directives) {
-    ++number;
-    uint8_t(&of_letter)[2] = index.row[row.letter - 'A'];
-    if (row.form != Form::lower) of_letter[0] = number;
-    if (row.form != Form::upper) of_letter[1] = number;
+/// The actions for datetimes and for dates alone, by modifier and character.
+struct ActionTable {
+  Action of[2][3][128];
+};
+
+inline constexpr ActionTable action_table = [] {
+  ActionTable table{};
+  for (const bool of_date : {false, true}) {
+    auto& by_modifier = table.of[of_date];
+    for (auto& by_character : by_modifier) {
+      for (Action& action : by_character) action = {Action::nothing};
+      by_character[size_t{'%'}] = {Action::percent};
+    }
+    by_modifier[none][size_t{'?'}] = by_modifier[none][size_t{'#'}] = {Action::modifier};
+    uint8_t number = 0;
+    for (const Directive& row : directives) {
+      const Action padded = Action::of(row, number, true), unpadded = Action::of(row, number, false);
+      ++number;
+      if (of_date && !row.of_dates) continue;
+      const auto letter = static_cast<size_t>(row.letter), small = letter + ('a' - 'A');
+      if (row.form != Form::lower) {
+        by_modifier[none][letter] = padded;
+        by_modifier[no_padding][letter] = by_modifier[no_padding][small] = unpadded;
+      }
+      if (row.form != Form::upper) {
+        by_modifier[none][small] = by_modifier[lower_form][letter] = by_modifier[lower_form][small] = padded;
+      }
+    }
   }
-  return index;
+  return table;
 }();
 
-/// The row of a letter from 'A' to 'Z'; null when it means nothing.
-constexpr const Directive* find_directive(VXChar letter, bool lower) {
-  const uint8_t number = directive_index.row[letter - 'A'][lower];
-  return number != 0 ? &directives[number - 1] : nullptr;
-}
-
-constexpr VXChar ascii_upper(VXChar c) { return c >= 'a' && c <= 'z' ? c - ('a' - 'A') : c; }
-
-/// Walks a pattern. The receiver gets `literal(unit)` for what stands for itself, and `directive(row, zero_padded)`.
-/// Stops at a directive that means nothing, or nothing for a date when `of_date` is set: VX_E_DIRECTIVE, and the rest
-/// is not looked at. Otherwise 0.
-template <class Receiver>
-constexpr VXStatus walk_pattern(TextView pattern, bool of_date, Receiver& receiver) {
+/// Walks a pattern. The receiver gets `literal(unit, place)` for what stands for itself, `two_digits(field, place)` for
+/// what nearly all directives are, and `directive(row, zero_padded, place)` for the others; it gives the place after
+/// what it wrote. Stops at a directive that means nothing, or nothing for a date when `of_date` is set: VX_E_DIRECTIVE,
+/// and the rest is not looked at. Otherwise 0.
+template <class Receiver, class Place>
+constexpr VXStatus walk_pattern(TextView pattern, bool of_date, Receiver& receiver, Place& place) {
+  const auto& actions = action_table.of[of_date];
   const VXChar* at = pattern.text;
   const VXChar* const end = at + pattern.length;
   while (at < end) {
     VXChar c = *at++;
     if (c != '%') {
-      receiver.literal(c);
+      place = receiver.literal(c, place);
       continue;
     }
     if (at == end) return VX_E_DIRECTIVE;
     c = *at++;
-    const VXChar modifier = c == '?' || c == '#' ? c : 0;
-    if (modifier != 0) {
+    if (c >= 128) return VX_E_DIRECTIVE;
+    Action action = actions[none][c];
+    if (action.code == Action::modifier) {
       if (at == end) return VX_E_DIRECTIVE;
+      const Modifier modifier = c == '?' ? lower_form : no_padding;
       c = *at++;
+      if (c >= 128) return VX_E_DIRECTIVE;
+      action = actions[modifier][c];
     }
-    if (c == '%') {
-      receiver.literal(c);
-      continue;
-    }
-    const VXChar letter = ascii_upper(c);
-    if (letter < 'A' || letter > 'Z') return VX_E_DIRECTIVE;
-    const bool lower = modifier == '?' || (modifier == 0 && c != letter);
-    const Directive* const row = find_directive(letter, lower);
-    if (row == nullptr || (of_date && !row->of_dates)) return VX_E_DIRECTIVE;
-    receiver.directive(*row, modifier != '#');
+    if (action.is_two_digits()) place = receiver.two_digits(action.field(), place);
+    else if (action.code == Action::four_digits) place = receiver.year(place);
+    else if (action.code == Action::nothing) return VX_E_DIRECTIVE;
+    else if (action.code == Action::percent) place = receiver.literal(c, place);
+    else place = receiver.directive(action.row(), action.zero_padded(), place);
   }
   return 0;
 }

@@ -14,7 +14,9 @@ constexpr int32_t chunk_digits = 19;  // the digits of one division or multiplic
 constexpr uint64_t chunk = 10'000'000'000'000'000'000u;
 
 /// The two digits of a number below 100.
-void put_pair(uint8_t* out, uint64_t number) { std::memcpy(out, Utf8Text::digit_pairs.of[number], 2); }
+void put_pair(uint8_t* out, uint64_t number) {
+  std::memcpy(out, Utf8Text::digit_pairs.of(static_cast<int64_t>(number)), 2);
+}
 
 }  // namespace
 

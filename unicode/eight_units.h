@@ -61,6 +61,31 @@ inline void put_four(VXChar* out, Eight bytes) {
 #endif
 }
 
+/// Writes `count` units, a multiple of 8, as bytes; false when one of them is not ASCII.
+template <int64_t count>
+bool narrow(const VXChar* from, uint8_t* out) {
+  static_assert(count % 8 == 0);
+#ifdef __SSE2__
+  __m128i all = _mm_setzero_si128();
+  for (int64_t i = 0; i < count; i += 8) {
+    const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i));
+    const __m128i high = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + i + 4));
+    const __m128i words = _mm_packs_epi32(low, high);
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(words, words));
+    all = _mm_or_si128(all, _mm_or_si128(low, high));
+  }
+  const __m128i above = _mm_srli_epi32(all, 7);
+  return _mm_movemask_epi8(_mm_cmpeq_epi32(above, _mm_setzero_si128())) == 0xFFFF;
+#else
+  VXChar all = 0;
+  for (int64_t i = 0; i < count; ++i) {
+    all |= from[i];
+    out[i] = static_cast<uint8_t>(from[i]);
+  }
+  return all < 0x80;
+#endif
+}
+
 template <int64_t count, class Unit>
 void copy_block(Unit* out, const Unit* from) {
   std::memcpy(out, from, count * sizeof(Unit));

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "unicode/counted_name.h"
+#include "unicode/eight_units.h"
 #include "unicode/utf8_tables.h"
 #include "vxnls/types.h"
 
@@ -25,18 +26,19 @@ constexpr Decoded cut_short(int64_t remaining) {
   return {replacement_character, remaining > 0 ? remaining : 0, VX_E_INCOMPLETE};
 }
 
-/// The digits of 0 to 99, so that two are one store.
+/// The digits of 0 to 99, so that two are one store; and 0 once more, so that two can be read from any last digit.
 template <class Unit>
 struct DigitPairs {
-  Unit of[100][2];
+  Unit digits[2 * 101];
+  constexpr const Unit* of(int64_t value) const { return digits + 2 * value; }
 };
 
 template <class Unit>
 constexpr DigitPairs<Unit> make_digit_pairs() {
   DigitPairs<Unit> pairs{};
-  for (unsigned i = 0; i < 100; ++i) {
-    pairs.of[i][0] = static_cast<Unit>('0' + i / 10);
-    pairs.of[i][1] = static_cast<Unit>('0' + i % 10);
+  for (unsigned i = 0; i < 101; ++i) {
+    pairs.digits[2 * i] = static_cast<Unit>('0' + i / 10 % 10);
+    pairs.digits[2 * i + 1] = static_cast<Unit>('0' + i % 10);
   }
   return pairs;
 }
@@ -53,7 +55,8 @@ struct Utf32Text {
     *out = code_point;
     return 1;
   }
-  /// Writes a counted name of the locale record; gives the units written. `out` has room for a whole entry.
+  /// Writes a counted name of the locale record; gives the units written. `out` has room for a whole entry, all of
+  /// which may be written.
   static int64_t append_name(TextView name, Unit* out) {
     constexpr int64_t block = 12;  // one block for nearly every name; whole blocks fill an entry exactly
     static_assert(longest_name % block == 0);
@@ -96,6 +99,9 @@ struct Utf8Text {
     return 4;
   }
   static int64_t append_name(TextView name, Unit* out) {
+    constexpr int64_t block = 16;  // nearly every name; what follows it in the entry does no harm
+    static_assert(longest_name >= block);
+    if (name.length <= block && narrow<block>(name.text, out)) return name.length;
     Unit* at = out;
     for (int64_t i = 0; i < name.length; ++i) at += append(name.text[i], at);
     return at - out;
