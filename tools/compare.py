@@ -31,7 +31,7 @@ def big_file(path: pathlib.Path, rows: int) -> None:
             out.write(f'{i},{day:02}.{month:02}.{year},"{i % 900 + 1}.{i * 7 % 1000:03},{i % 100:02}",some text here\n')
 
 
-# A task: what is wanted, the right output (None: a text that holds `has` counts), and a command a tool.
+# A task: what is wanted, the right output or what it must hold, and a command a tool.
 TASKS = [
     dict(title="A German date to ISO 8601", right="2021-12-31",
          vxnls="vxnls parse date 31.12.2021 -l de_DE",
@@ -124,12 +124,13 @@ TASKS = [
          right=LINES.replace("31.12.2021", "2021-12-31").replace("5.3.2021", "2021-03-05"),
          vxnls="vxnls normalise -c when:date -l de_DE events.jsonl",
          miller="""mlr --ijsonl --ojsonl put '$when=strftime(strptime($when,"%d.%m.%Y"),"%Y-%m-%d")' events.jsonl"""),
-    dict(title="Date and number column of a file of 20 MB", rows=450_000, name="big.csv", count=450_001,
-         vxnls="vxnls normalise -c when:date,amount:number -l de_DE big.csv | wc -l",
+    dict(title="Date and number column of a file of 20 MB", rows=450_000, name="big.csv",
+         pieces=("1990-01-01", "1000", "450001"),
+         vxnls="vxnls normalise -c when:date,amount:number -l de_DE big.csv | sed -n '2p;$='",
          miller="""mlr --csv put '$when=strftime(strptime($when,"%d.%m.%Y"),"%Y-%m-%d");
-$amount=sub(gsub($amount,"\\.",""),",",".")' big.csv | wc -l""",
-         csvkit="in2csv -L de_DE --date-format %d.%m.%Y big.csv | wc -l",
-         dateutils="dateutils.dconv -S -i %d.%m.%Y -f %F < big.csv | wc -l"),
+$amount=sub(gsub($amount,"\\.",""),",",".")' big.csv | sed -n '2p;$='""",
+         csvkit="in2csv -L de_DE --date-format %d.%m.%Y big.csv | sed -n '2p;$='",
+         dateutils="dateutils.dconv -S -i %d.%m.%Y -f %F < big.csv | sed -n '2p;$='"),
 ]
 TOOLS = ("vxnls", "date", "printf", "numfmt", "dateutils", "miller", "csvkit", "uconv", "iconv")
 
@@ -148,8 +149,9 @@ def run(command: str, folder: pathlib.Path, environment: dict, runs: int):
 
 def verdict(task: dict, result) -> str:
     out, err = result.stdout.decode(errors="replace"), result.stderr.decode(errors="replace")
-    if "count" in task:
-        return "yes" if result.stdout.strip() == str(task["count"]).encode() else "no"
+    if "pieces" in task:
+        found = sum(piece in out for piece in task["pieces"])
+        return "yes" if found == len(task["pieces"]) else "in part: the dates alone"
     if task.get("fails"):
         if result.returncode == 0:
             return "no: it succeeds"
@@ -167,6 +169,10 @@ def shown(result) -> str:
     if len(lines) > 24:
         lines = lines[:24] + [f"… and {len(lines) - 24} more lines"]
     return "\n".join(line[:118] for line in lines) or "(nothing)"
+
+
+def anchor(title: str) -> str:
+    return "".join(letter for letter in title.lower().replace(" ", "-") if letter.isalnum() or letter in "-_")
 
 
 def main() -> None:
@@ -204,7 +210,7 @@ def main() -> None:
             core = next((tool for tool in others if tool in cells and cells[tool][0] == "yes"),
                         next((tool for tool in others if tool in cells), "date"))
             coders = "uconv" if "uconv" in cells else "iconv"
-            table.append(f"| [{number}](#{number}-) {task['title']} | " + " | ".join(
+            table.append(f"| [{number}](#{anchor(f'{number} ' + task['title'])}) {task['title']} | " + " | ".join(
                 cell(tool) for tool in ("vxnls", core, "dateutils", "miller", "csvkit", coders, "iconv")) + " |")
             print(f"{number}/{len(TASKS)} {task['title']}: "
                   + ", ".join(f"{tool} {answer}" for tool, (answer, _) in cells.items()), file=sys.stderr)
