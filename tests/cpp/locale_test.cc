@@ -111,10 +111,13 @@ TEST(Locale, TheTwoCalendarsMeet) {
   const auto expect_same_day = [&](year_month_day day) {
     const double number = NLSmdy(&work, static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()),
                                  static_cast<int>(day.year()));
-    const auto seconds = vxnls::detail::seconds_1960(sys_days{day}.time_since_epoch() + 5h);
-    ASSERT_TRUE(seconds.has_value());
-    EXPECT_EQ(*seconds, number * 86400 + 5 * 3600);
-    EXPECT_EQ(vxnls::detail::since_1970(*seconds), sys_days{day}.time_since_epoch() + 5h);
+    for (const auto time : {0h, 5h}) {
+      const auto at = sys_days{day}.time_since_epoch() + time;
+      const auto counted = vxnls::detail::seconds_1960(at);
+      ASSERT_TRUE(counted.has_value());
+      EXPECT_EQ(*counted, number * 86400 + static_cast<double>(seconds{time}.count()));
+      EXPECT_EQ(vxnls::detail::since_1970(*counted), at);
+    }
   };
   for (sys_days day = 1582y / 1 / 1; day <= sys_days{20000y / 12 / 31};
        day += days{1 + std::abs(day.time_since_epoch().count()) % 41}) {
