@@ -87,3 +87,6 @@ endif()
 if(TARGET man_pages)
   install(DIRECTORY ${pages}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT command)
 endif()
+
+# The reference manual, in BUILD/manual.
+add_custom_target(manual COMMAND ${PROJECT_SOURCE_DIR}/script/manual ${PROJECT_BINARY_DIR}/manual VERBATIM)

@@ -184,9 +184,8 @@ VX_API void vxzsu8RightJustify(uint8_t* text, int64_t n);
 
 /* dates, times and numbers under UTF-8 names ---------------------------------------------------------- */
 
-// Each hands its arguments to the entry point that is named beside it and returns that one's status. What they mean,
-// and what is written when, is said there.
-
+/// Hands its arguments to the entry point that is named beside it and returns that one's status. What they mean, and
+/// what is written when, is said there.
 VX_API VXStatus vxzsu8DateFormat(VXLocale* locale, uint32_t month, uint32_t day, uint32_t year, int32_t style,
                                  uint8_t* buffer, int64_t capacity, int64_t* length); /* NLSDateFormatU */
 VX_API VXStatus vxzsu8TimeFormat(VXLocale* locale, int32_t flag, uint8_t* buffer, int64_t capacity, int64_t* length,
@@ -199,7 +198,6 @@ VX_API VXStatus vxzsu8ToTime(VXLocale* locale, const uint8_t* buffer, int64_t le
                              int64_t* consumed); /* NLSBufToTimeU */
 VX_API VXStatus vxzsu8ToDatetime(VXLocale* locale, const uint8_t* buffer, int64_t length, uint32_t kind,
                                  double* datetime, int64_t* consumed); /* NLSBufToDatetimeU */
-
 VX_API VXStatus vxzsu8DoubleFormat(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags, uint8_t* buffer,
                                    int64_t size, int64_t* length, const NLSDoubleExOpts* options,
                                    double value); /* NLSDoubleFormatUWithExOpts */

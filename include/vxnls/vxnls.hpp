@@ -1205,7 +1205,9 @@ inline bool is_cntrl(char32_t c) noexcept { return vxnlsiscntrl(c) != 0; }
 
 }  // namespace vxnls
 
+/// @cond
 template <class Unit>
 inline constexpr bool std::ranges::enable_borrowed_range<vxnls::code_points<Unit>> = true;
+/// @endcond
 
 #endif
