@@ -223,14 +223,17 @@ column::ProfilerOptions profiler_options(Invocation& invocation) {
   return options;
 }
 
-void Findings::add_flaws(const table::Record& record) {
+bool Findings::add_flaws(const table::Record& record) {
   ++records;
-  if (record.flaws.empty()) return;
+  if (record.flaws.empty()) return true;
   ++flaws;
-  if (!first_flaw.empty()) return;
   const table::Flaw& flaw = record.flaws.front();
+  const bool readable = flaw.fault != table::Fault::not_an_object;
+  if (!readable) ++lost;
+  if (!first_flaw.empty()) return readable;
   first_flaw = fmt::format("line {}, byte {}: {}", record.line_of(flaw.at), record.offset + flaw.at,
                            table::describe(flaw.fault));
+  return readable;
 }
 
 void Findings::add_broken(const table::Block& block) {
@@ -244,6 +247,7 @@ void Findings::merge(const Findings& later) {
   records += later.records;
   if (flaws == 0) first_flaw = later.first_flaw;
   flaws += later.flaws;
+  lost += later.lost;
   broken_blocks += later.broken_blocks;
   if (!broken_at) broken_at = later.broken_at;
 }
@@ -278,34 +282,31 @@ Profiled profile(Invocation& invocation, Input& input, const std::vector<table::
   std::vector<column::Profiler> total = make_profilers();
   Findings findings;
   table::Progress progress(invocation.arguments.has(options::quiet));
-  table::run_pipeline<Result>(
-      input.reader(), threads(invocation),
-      {.make_worker =
-           [&] {
-             auto splitter = std::make_shared<table::Splitter>(input.dialect(), chosen_columns, expected);
-             return [&, splitter](const table::Block& block, Result& result) {
-               if (result.profilers.empty()) result.profilers = make_profilers();
-               for (column::Profiler& profiler : result.profilers) profiler.clear();
-               result.findings = {};
-               result.findings.add_broken(block);
-               table::Record record;
-               std::string scratch;
-               for (splitter->start(block); splitter->next(record);) {
-                 result.findings.add_flaws(record);
-                 for (const table::Cell& cell : record.cells) {
-                   result.profilers[cell.column].add(splitter->value(record, cell, scratch), place_of(record, cell));
-                 }
-               }
-             };
-           },
-       .consume =
-           [&](Result& result) {
-             for (size_t i = 0; i < total.size(); ++i) total[i].merge(result.profilers[i]);
-             findings.merge(result.findings);
-             progress.show(input.reader().bytes_read(), input.reader().size());
-             return true;
-           },
-       .before_waiting = {}});
+  table::Stages<Result> stages;
+  stages.make_worker = [&] {
+    auto splitter = std::make_shared<table::Splitter>(input.dialect(), chosen_columns, expected);
+    return [&, splitter](const table::Block& block, Result& result) {
+      if (result.profilers.empty()) result.profilers = make_profilers();
+      for (column::Profiler& profiler : result.profilers) profiler.clear();
+      result.findings = {};
+      result.findings.add_broken(block);
+      table::Record record;
+      std::string scratch;
+      for (splitter->start(block); splitter->next(record);) {
+        result.findings.add_flaws(record);
+        for (const table::Cell& cell : record.cells) {
+          result.profilers[cell.column].add(splitter->value(record, cell, scratch), place_of(record, cell));
+        }
+      }
+    };
+  };
+  stages.consume = [&](Result& result) {
+    for (size_t i = 0; i < total.size(); ++i) total[i].merge(result.profilers[i]);
+    findings.merge(result.findings);
+    progress.show(input.reader().bytes_read(), input.reader().size());
+    return true;
+  };
+  table::run_pipeline(input.reader(), threads(invocation), stages);
   progress.wipe();
   Profiled profiled;
   for (size_t i = 0; i < total.size(); ++i) profiled.columns.push_back(total[i].report(chosen_columns[i].name));

@@ -96,11 +96,13 @@ column::LocaleMaker locale_maker(Session& session);
 struct Findings {
   uint64_t records = 0;
   uint64_t flaws = 0;  // records that are not as they should be
+  uint64_t lost = 0;   // of them, those that have no cells at all
   std::string first_flaw;
   uint64_t broken_blocks = 0;         // pieces of the input with bytes that are no UTF-8
   std::optional<uint64_t> broken_at;  // the first such byte, from the start of the input
 
-  void add_flaws(const table::Record& record);
+  /// False when the record has no cells because it is no record of its format.
+  bool add_flaws(const table::Record& record);
   void add_broken(const table::Block& block);
   /// What a later piece of the input found.
   void merge(const Findings& later);

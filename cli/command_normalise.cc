@@ -86,9 +86,11 @@ std::string_view word_of(Outcome outcome) {
   }
 }
 
+constexpr size_t no_column = static_cast<size_t>(-1);
+
 struct Reject {
   column::Place place;
-  size_t column = 0;
+  size_t column = no_column;  // none: the whole record is none of its format
   std::string value;
   Outcome outcome = Outcome::unread;
   column::Refusal refusal;
@@ -131,10 +133,13 @@ class Rewriting {
     result.findings.add_broken(block);
     table::Rewriter rewriter(splitter_, block, result.output);
     for (splitter_.start(block); splitter_.next(record_);) {
-      result.findings.add_flaws(record_);
-      if (record_.cells.empty()) continue;
-      rewriter.begin(record_);
       bool drop = false;
+      if (!result.findings.add_flaws(record_)) {
+        result.rejects.push_back(whole_record());
+        drop = plan_.invalid == Invalid::drop || plan_.invalid == Invalid::fail;
+      }
+      if (record_.cells.empty() && !drop) continue;
+      rewriter.begin(record_);
       for (const table::Cell& cell : record_.cells) drop |= !rewrite(cell, rewriter, result);
       if (drop && plan_.invalid == Invalid::fail) {
         result.failed = true;
@@ -147,6 +152,14 @@ class Rewriting {
   }
 
  private:
+  Reject whole_record() const {
+    const table::Flaw& flaw = record_.flaws.front();
+    const size_t size = record_.text.size() - record_.line_end.size();
+    return {.place = {record_.line, record_.number, record_.offset},
+            .value = std::string(record_.text.substr(0, size)),
+            .refusal = {.position = flaw.at, .expected = std::string(table::describe(flaw.fault))}};
+  }
+
   /// False when the record cannot stay.
   bool rewrite(const table::Cell& cell, table::Rewriter& rewriter, Result& result) {
     // Numbers, true and null of JSON are values already; what is nested is none.
@@ -220,13 +233,18 @@ class Rejects {
       : descriptor_(opened(path)), out_(descriptor_, path), input_name_(input_name), plan_(plan) {}
 
   void put(const Reject& reject) {
-    const column::Decision& decision = plan_.decisions[reject.column];
+    Json name;
+    Json kind;
+    if (reject.column != no_column) {
+      name = plan_.columns[reject.column].name;
+      kind = column::word_of(column::kind_words, plan_.decisions[reject.column].kind);
+    }
     out_.line(json_line({{"file", input_name_},
                          {"line", reject.place.line},
                          {"record", reject.place.record},
                          {"byte", reject.place.offset},
-                         {"column", plan_.columns[reject.column].name},
-                         {"kind", column::word_of(column::kind_words, decision.kind)},
+                         {"column", name},
+                         {"kind", kind},
                          {"value", reject.value},
                          {"outcome", word_of(reject.outcome)},
                          {"position", reject.refusal.position},
@@ -325,32 +343,28 @@ class Normaliser {
     Output& out = invocation_.out;
     out.put(input_.reader().head().bytes);
     table::Progress progress(invocation_.arguments.has(options::quiet));
-    table::run_pipeline<Result>(input_.reader(), columns::threads(invocation_),
-                                {.make_worker =
-                                     [&] {
-                                       auto rewriting = std::make_shared<Rewriting>(plan_, maker_);
-                                       return [rewriting](const table::Block& block, Result& result) {
-                                         rewriting->work(block, result);
-                                       };
-                                     },
-                                 .consume =
-                                     [&](Result& result) {
-                                       out.put(result.output);
-                                       for (const Reject& reject : result.rejects) {
-                                         if (first[reject.column].value.empty()) first[reject.column] = reject;
-                                         if (rejected) rejected->put(reject);
-                                       }
-                                       for (size_t i = 0; i < counts.size(); ++i) counts[i].add(result.counts[i]);
-                                       findings.merge(result.findings);
-                                       if (result.failed) failed = result.rejects.back();
-                                       progress.show(input_.reader().bytes_read(), input_.reader().size());
-                                       return !result.failed;
-                                     },
-                                 .before_waiting =
-                                     [&] {
-                                       out.flush();
-                                       if (rejected) rejected->flush();
-                                     }});
+    table::Stages<Result> stages;
+    stages.make_worker = [&] {
+      auto rewriting = std::make_shared<Rewriting>(plan_, maker_);
+      return [rewriting](const table::Block& block, Result& result) { rewriting->work(block, result); };
+    };
+    stages.consume = [&](Result& result) {
+      out.put(result.output);
+      for (const Reject& reject : result.rejects) {
+        if (reject.column != no_column && first[reject.column].value.empty()) first[reject.column] = reject;
+        if (rejected) rejected->put(reject);
+      }
+      for (size_t i = 0; i < counts.size(); ++i) counts[i].add(result.counts[i]);
+      findings.merge(result.findings);
+      if (result.failed) failed = result.rejects.back();
+      progress.show(input_.reader().bytes_read(), input_.reader().size());
+      return !result.failed;
+    };
+    stages.before_waiting = [&] {
+      out.flush();
+      if (rejected) rejected->flush();
+    };
+    table::run_pipeline(input_.reader(), columns::threads(invocation_), stages);
     progress.wipe();
     if (rejected) rejected->finish();
     out.flush();
@@ -440,8 +454,8 @@ class Normaliser {
   }
 
   std::string told(const Reject& reject) const {
-    return fmt::format("{}: {}: {}", plan_.columns[reject.column].name, in_quotes(reject.value),
-                       reject.refusal.expected);
+    const std::string why = fmt::format("{}: {}", in_quotes(reject.value), reject.refusal.expected);
+    return reject.column == no_column ? why : fmt::format("{}: {}", plan_.columns[reject.column].name, why);
   }
 
   ExitCode report(const std::vector<Counts>& counts, const std::vector<Reject>& first,
@@ -465,6 +479,7 @@ class Normaliser {
       }
       invocation_.messages.note(line);
     }
+    all[Outcome::unread] += findings.lost;
     for (const std::string& note : findings.notes())
       invocation_.messages.note(fmt::format("{}: {}", input_.name(), note));
     return allowance_.covers(all) ? ExitCode::done : ExitCode::some_unread;

@@ -64,6 +64,7 @@ ExitCode run(Invocation& invocation) {
   } else {
     invocation.out.put(report_text(report, invocation.colors, isatty(STDOUT_FILENO) != 0));
   }
+  if (report.findings.lost != 0) return ExitCode::some_unread;
   for (const column::ColumnReport& column : report.columns) {
     if (column.unread + column.ambiguous + column.contradicting != 0) return ExitCode::some_unread;
   }
