@@ -42,12 +42,26 @@ Utf16 utf16_of(const std::string& text) {
   return units;
 }
 
+/// Room that begins at a cache line, for every contender alike.
+struct Room {
+  explicit Room(size_t bytes) : bytes_(bytes), memory_(new (std::align_val_t{64}) uint8_t[bytes]{}) {}
+  ~Room() { ::operator delete[](memory_, std::align_val_t{64}); }
+  Room(const Room&) = delete;
+  Room& operator=(const Room&) = delete;
+  uint8_t* data() const { return memory_; }
+  size_t size() const { return bytes_; }
+
+ private:
+  size_t bytes_;
+  uint8_t* memory_;
+};
+
 /// Slices of one kind and size in the three forms, and room for any of them.
 struct Material {
   std::vector<std::string> utf8;
   std::vector<Utf16> utf16;
   std::vector<Utf32> utf32;
-  std::vector<uint8_t> between, out;
+  Room between, out;
 
   Material(const Kind& kind, size_t bytes)
       : utf8(slices_of(kind, bytes)), between(4 * bytes + 64), out(4 * bytes + 64) {
@@ -61,20 +75,20 @@ struct Material {
 
 using Shared = std::shared_ptr<Material>;
 
-int64_t to_utf32(const auto& text, std::vector<uint8_t>& out, VXDecoder decoder) {
+int64_t to_utf32(const auto& text, Room& out, VXDecoder decoder) {
   int64_t written = 0;
   ConvertToUTF32(bytes_of(text), length_of(text), out.data(), static_cast<int64_t>(out.size()), &written, decoder,
                  COPY_UTF32_SWAP);
   return written;
 }
 
-int64_t from_utf32(const uint8_t* text, int64_t length, std::vector<uint8_t>& out, VXEncoder encoder) {
+int64_t from_utf32(const uint8_t* text, int64_t length, Room& out, VXEncoder encoder) {
   int64_t written = 0;
   ConvertFromUTF32(text, length, out.data(), static_cast<int64_t>(out.size()), &written, encoder, Byte2DWord);
   return written;
 }
 
-int32_t room_of(const std::vector<uint8_t>& out, size_t unit) { return static_cast<int32_t>(out.size() / unit); }
+int32_t room_of(const Room& out, size_t unit) { return static_cast<int32_t>(out.size() / unit); }
 
 int64_t by_mbstowcs(const Shared& m, size_t i) {
   return static_cast<int64_t>(
