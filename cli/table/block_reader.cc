@@ -136,9 +136,10 @@ const Head& BlockReader::head() {
     head_.bytes = byte_order_mark;
     forget(byte_order_mark.size(), {});
   }
+  follow();
   if (!dialect_.has_header()) return head_;
 
-  for (follow(); seen_.records == 0 && !at_end_ && failure_ == nullptr; follow()) read_more();
+  for (; seen_.records == 0 && !at_end_ && failure_ == nullptr; follow()) read_more();
   if (seen_.records == 0 && failure_ != nullptr) std::rethrow_exception(failure_);
   Splitter splitter(dialect_);
   Record record;

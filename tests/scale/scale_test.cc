@@ -255,4 +255,74 @@ TEST(Filter, GnuParallel) {
   }
 }
 
+// --- columns by a profile -----------------------------------------------------------------------------------
+
+/// Columns are read by the decisions of a profile, so that every part of the data is read alike.
+class Columns : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string body;
+    for (int i = 0; i < 6; ++i) body += record(i);
+    folder.write("body", body);
+    const auto told =
+        run(fmt::format("vxnls recognise --format csv --no-header -c 2:date,3:number --emit-profile {} {}",
+                        folder.file("profile"), folder.file("body")));
+    ASSERT_LE(told.code, 1) << told.err;
+  }
+  /// 3/4/2021 alone could be either day; the profile knows.
+  static std::string record(int i) {
+    if (i % 5 == 4) return fmt::format("{},\"Feber\n2021\",n/a\r\n", i);
+    return fmt::format("{},{}/{}/2021,\"1.{:03},5\"\n", i, i % 3 == 0 ? 13 + i % 9 : 3, 4 + i % 9, i % 1000);
+  }
+  static std::string normalised(int i) {
+    if (i % 5 == 4) return record(i);
+    return fmt::format("{},2021-{:02}-{:02},\"1{:03}.5\"\n", i, 4 + i % 9, i % 3 == 0 ? 13 + i % 9 : 3, i % 1000);
+  }
+  std::string command() const {
+    return fmt::format("vxnls normalise --format csv --no-header --profile {} -q", folder.file("profile"));
+  }
+  const vxtest::TemporaryFolder folder;
+};
+
+TEST_F(Columns, AnyCut) {
+  std::string input, expected;
+  for (int i = 0; i < 6; ++i) {
+    input += record(i);
+    expected += normalised(i);
+  }
+  EXPECT_EQ(run(command(), input).out, expected);
+  for (size_t cut = 1; cut < input.size(); ++cut) {
+    Filter filter(command());
+    filter.write(input.substr(0, cut));
+    filter.wait_until_taken();
+    filter.write(input.substr(cut));
+    EXPECT_EQ(filter.finish(), expected) << cut;
+    EXPECT_EQ(filter.end(), 1) << cut;
+  }
+}
+
+TEST_F(Columns, EachRecordIsAnsweredAtOnce) {
+  Filter filter(command() + " --ok-unread");
+  for (int i = 0; i < 20; ++i) {
+    filter.write(record(i));
+    const size_t lines = i % 5 == 4 ? 2 : 1;
+    ASSERT_EQ(filter.read_lines(lines), normalised(i));
+  }
+  EXPECT_EQ(filter.finish(), "");
+  EXPECT_EQ(filter.end(), 0);
+}
+
+TEST_F(Columns, GnuParallel) {
+  if (run("parallel --version").code != 0) GTEST_SKIP() << "GNU parallel is not installed";
+  std::string input, expected;
+  for (int i = 0; i < 20'000; ++i) {
+    if (i % 5 == 4) continue;  // a line end within a record is no place to cut
+    input += record(i);
+    expected += normalised(i);
+  }
+  const auto result = run(fmt::format("parallel --will-cite --pipe --block 100k -j 2 -k {}", command()), input);
+  EXPECT_EQ(result.out, expected);
+  EXPECT_EQ(result.code, 0) << result.err;
+}
+
 }  // namespace
