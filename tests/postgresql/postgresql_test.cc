@@ -189,6 +189,46 @@ TEST_F(PostgreSQL, Encodings) {
   }
 }
 
+/// The SQL of the document: below each statement stands what it gives.
+TEST_F(PostgreSQL, Document) {
+  std::ifstream document(VX_PG_DOCUMENT);
+  Connection connection = server->connect();
+  std::string statement, given;
+  std::vector<std::string> expected;
+  size_t count = 0;
+  const auto compare = [&] {
+    std::string text;
+    for (const std::string& line : expected) text += line + '\n';
+    EXPECT_EQ(given, text) << statement;
+    count += expected.empty() ? 0 : 1;
+    statement.clear();
+    given.clear();
+    expected.clear();
+  };
+  bool inside = false, complete = false;
+  for (std::string line; std::getline(document, line);) {
+    if (line == "```sql" || line == "```") {
+      if (complete) compare();
+      complete = false;
+      inside = line.size() > 3;
+    } else if (inside && line.starts_with("-- ")) {
+      expected.push_back(line.substr(3));
+    } else if (inside) {
+      if (complete) compare();
+      statement += line + '\n';
+      size_t quotes = 0;  // of the bodies of functions
+      for (size_t at = 0; (at = statement.find("$$", at)) != std::string::npos; at += 2) ++quotes;
+      complete = line.ends_with(';') && quotes % 2 == 0;
+      if (complete) {
+        const Reply reply = connection.run(statement);
+        given = reply.state.empty() ? reply.text() : "ERROR: " + reply.message + "\nDETAIL: " + reply.detail;
+        if (!given.empty()) given += '\n';
+      }
+    }
+  }
+  EXPECT_GE(count, 9U);
+}
+
 // --- the table of 100,000 rows ---------------------------------------------------------------------------
 
 constexpr const char* locales[] = {"de_DE", "en_US", "en_GB", "fr_FR", "ja_JP",
