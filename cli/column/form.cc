@@ -27,8 +27,8 @@ const std::vector<std::string_view> numeric_times = {"%H:%M:%S",     "%H:%M",   
 const std::vector<std::string_view> named_times = {"%I:%M:%S %p", "%I:%M %p", "%I %p", "%p %I:%M:%S", "%p %I:%M"};
 
 const std::vector<std::string_view> periods = {
-    "%Y-W%V", "%YW%V",  "W%V %Y", "W%V-%Y", "W%V/%Y", "%Y-%m", "%Y/%m", "%m/%Y", "%m-%Y", "%m.%Y", "%Y年%m月", "%b %Y",
-    "%b-%Y",  "%b/%Y",  "%Y %b",  "%Y-%b",  "%b-%y",  "%q %Y", "%q-%Y", "%q/%Y", "%Y %q", "%Y-%q", "%Y/%q",   "%Y%q"};
+    "%Y-W%V", "%YW%V", "W%V %Y", "W%V-%Y", "W%V/%Y", "%Y-%m", "%Y/%m", "%m/%Y", "%m-%Y", "%m.%Y", "%Y年%m月", "%b %Y",
+    "%b-%Y",  "%b/%Y", "%Y %b",  "%Y-%b",  "%b-%y",  "%q %Y", "%q-%Y", "%q/%Y", "%Y %q", "%Y-%q", "%Y/%q",    "%Y%q"};
 
 const std::vector<std::string_view> connectors = {"T",    " ",    ", ",     ",",       " - ",  "-",
                                                   " um ", " at ", ", at ",  " à ",     " às ", " kl ",
@@ -129,6 +129,9 @@ Piece make_piece(std::string_view pattern, bool strict) {
     library += directive.letter == 'y' ? 'Y' : directive.letter;
     at += directive.size;
   }
+  const auto name = std::find_if(piece.tokens.begin(), piece.tokens.end(),
+                                 [](const Piece::Token& token) { return token.what == Piece::Token::What::name; });
+  piece.wanted = static_cast<size_t>(name - piece.tokens.begin());
   const auto units = utf32(library);
   if (!units || units->size() > std::size(piece.units.text)) refuse("the pattern has more than 60 characters");
   std::copy(units->begin(), units->end(), piece.units.text);
@@ -168,10 +171,14 @@ std::string letters_of(std::string_view pattern) {
 
 }  // namespace
 
-bool Piece::fits(std::string_view text) const {
+size_t Piece::like(std::string_view text) const {
   size_t at = 0;
-  for (const Token& token : tokens) {
-    if (token.what == Token::What::name) return true;
+  for (size_t i = 0; i < tokens.size(); ++i) {
+    const Token& token = tokens[i];
+    if (token.what == Token::What::name) {
+      while (at < text.size() && text[at] == ' ') ++at;
+      return at < text.size() && !(text[at] >= '0' && text[at] <= '9') ? i + 1 : i;
+    }
     if (token.what == Token::What::literal) {
       if (at < text.size() && text[at] == token.byte) {
         ++at;
@@ -180,7 +187,7 @@ bool Piece::fits(std::string_view text) const {
       if (lenient && token.byte == ' ') continue;
       const bool same_letter = lenient && at < text.size() && is_letter(static_cast<unsigned char>(token.byte)) &&
                                (text[at] ^ token.byte) == 0x20;
-      if (!same_letter) return false;
+      if (!same_letter) return i;
       ++at;
       continue;
     }
@@ -191,13 +198,12 @@ bool Piece::fits(std::string_view text) const {
     while (digits < token.most && at + digits < text.size() && text[at + digits] >= '0' && text[at + digits] <= '9') {
       ++digits;
     }
-    if (digits < token.least) return false;
+    if (digits < token.least) return i;
     at += digits;
-    const Token* const next = &token + 1;
-    const bool another = next < tokens.data() + tokens.size() && next->what == Token::What::number;
-    if (!another && at < text.size() && text[at] >= '0' && text[at] <= '9') return false;
+    const bool another = i + 1 < tokens.size() && tokens[i + 1].what == Token::What::number;
+    if (!another && at < text.size() && text[at] >= '0' && text[at] <= '9') return i;
   }
-  return true;
+  return tokens.size();
 }
 
 bool DateForm::has(Order which) const {
@@ -244,9 +250,9 @@ PeriodForm make_period_form(std::string_view pattern, bool strict) {
   form.piece = make_piece(pattern, strict);
   form.piece.lenient = true;  // the library reads periods in no other way
   const std::string letters = letters_of(pattern);
-  form.length = letters.find('V') != std::string::npos                     ? PeriodForm::Length::week
+  form.length = letters.find('V') != std::string::npos   ? PeriodForm::Length::week
                 : letters.find('q') != std::string::npos ? PeriodForm::Length::quarter
-                                                                           : PeriodForm::Length::month;
+                                                         : PeriodForm::Length::month;
   return form;
 }
 

@@ -37,8 +37,12 @@ struct Piece {
   uint8_t year_digits{};  ///< to be looked for in what was read; 0: the tokens have seen to it
   std::vector<Token> tokens;
 
-  /// Whether the text can begin like this: numbers of the right width and literals, up to the first name.
-  bool fits(std::string_view text) const;
+  /// How many tokens the text can begin with: numbers of the right width and literals, up to and with the first name.
+  size_t like(std::string_view text) const;
+  /// Whether it can begin with all of them, or up to a name.
+  bool fits(std::string_view text) const { return like(text) >= wanted; }
+
+  size_t wanted = 0;  ///< the tokens up to the first name, or all
 };
 
 /// The ways to read a date: one, or one for each order.

@@ -389,6 +389,7 @@ struct Profiler::State {
   std::map<std::string, std::vector<Tally>> numbers;  // by unit; in each by NumberBits
   std::vector<Tally>* plain_numbers = nullptr;        // those without a unit
   std::bitset<100> first_numbers, last_numbers;       // of dates with two-digit years
+  uint64_t years_first = 0;                           // of these, those that begin with what can only be a year
   Cleaned cleaned;
 
   State(const LocaleMaker& maker, ProfilerOptions given) : make_locale(maker), options(std::move(given)) {
@@ -409,6 +410,8 @@ struct Profiler::State {
     if ((found.bits & two_digit_year) == 0) return;
     first_numbers.set(found.first_number);
     last_numbers.set(found.last_number);
+    const bool no_day = found.first_number == 0 || found.first_number > 31;
+    if (no_day) ++years_first;
   }
 
   bool add_number(std::string_view text, std::string_view value, const Place& place) {
@@ -464,7 +467,7 @@ struct Profiler::State {
   }
 
   void clear() {
-    values = empty = 0;
+    values = empty = years_first = 0;
     moments = {};
     numbers.clear();
     plain_numbers = &numbers_with("");
@@ -484,6 +487,7 @@ struct Profiler::State {
       std::vector<Tally>& mine = numbers_with(unit);
       for (size_t i = 0; i < tallies.size(); ++i) mine[i].merge(tallies[i], options.shown);
     }
+    years_first += later.years_first;
     first_numbers |= later.first_numbers;
     last_numbers |= later.last_numbers;
     for (size_t i = 0; i < locales.size(); ++i) {
@@ -679,18 +683,19 @@ class Judge {
     if (decision.kind != Kind::date && decision.kind != Kind::datetime) return;
     const ProfilerOptions& options = state_.options;
     // Is year first to be considered?
-    uint64_t two_digits = 0, not_year_first = 0, only_year_first = 0;
+    uint64_t two_digits = 0, not_year_first = 0;
     each_moment(locale, [&](Kind, OrderBits bits, const Tally& tally) {
       if ((bits & two_digit_year) == 0) return;
       two_digits += tally.count;
       if ((bits & year_bit) == 0) not_year_first += tally.count;
-      if ((bits & (day_bit | month_bit)) == 0) only_year_first += tally.count;
     });
+    const auto few = [&](uint64_t count) {
+      return static_cast<double>(count) <= (1 - overwhelming) * static_cast<double>(two_digits);
+    };
     const bool by_locale = options.locale_given && locale.forms->order == Order::year_first;
-    const bool by_variety =
-        two_digits > 1 && not_year_first == 0 && state_.first_numbers.count() < state_.last_numbers.count();
+    const bool by_variety = few(not_year_first) && state_.first_numbers.count() < state_.last_numbers.count();
     const bool year_first =
-        two_digits > 0 && (only_year_first > 0 || by_locale || by_variety || options.order == Order::year_first);
+        two_digits > 0 && (!few(state_.years_first) || by_locale || by_variety || options.order == Order::year_first);
     considered_ = static_cast<OrderBits>(day_bit | month_bit | (year_first ? year_bit : 0));
 
     each_moment(locale, [&](Kind, OrderBits bits, const Tally& tally) {

@@ -47,8 +47,9 @@ struct ProfilerOptions {
 ///     hundred. The others contradict and are reported, never read. 3. Without any evidence the locale's order, if the
 ///     command line named the locale; an environment never decides. 4. Otherwise nothing is decided: what reads
 ///     differently in two orders is ambiguous, and not read. What reads in one order alone is still read.
-///     Year first (99/12/31) is considered for two-digit years when a value can only be read so, when option or locale
-///     say so, or when everything could be read so and the first numbers vary less than the last.
+///     Year first (99/12/31) is considered for two-digit years when option or locale say so, when more than 5 in a
+///     hundred begin with what is no day, or when all but 5 in a hundred could be read so and the first numbers vary
+///     less than the last.
 ///   Decimal point. The same rules: 1.234,50 and 1,5 and 1.234.567 are evidence, 1,234 and 1.234 are none.
 ///   Unit. A percent sign is taken off if at least 95 in a hundred numbers carry it; with fewer, those that do
 ///     contradict, and with more, those that do not. A currency is taken off numbers in any share; a second currency

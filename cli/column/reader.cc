@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 #include "cli/column/clean.h"
@@ -391,9 +392,9 @@ struct Reader::State {
       library.explain_date(piece, rest, told);
       if (told.status != 0) return of(told, rest, base);
       const VXExplainFields& fields = told.match.fields;
-      const Day day{fields.year, fields.month, fields.day};
+      Day day{fields.year, fields.month, fields.day};
       const auto used = static_cast<size_t>(told.consumed);
-      if (!exists(day)) {
+      if (!exists(day) || (each.date->two_digits && !move_into_century(day, decision.first_year))) {
         Why why = at(base, used, fmt::format("there is no day {}", iso_date(day)));
         why.furthest = base + used;
         return why;
@@ -479,6 +480,16 @@ struct Reader::State {
     return why;
   }
 
+  /// How much of the form's numbers and signs the text has.
+  static size_t likeness(const Form& each, std::string_view text) {
+    if (each.after_weekday) return text[0] >= '0' && text[0] <= '9' ? 0 : 1;
+    if (each.period) return each.period->piece.like(text);
+    if (!each.date) return each.time->piece.like(text);
+    size_t most = 0;
+    for (const Piece& piece : each.date->pieces) most = std::max(most, piece.like(text));
+    return most;
+  }
+
   Why why_ambiguous(std::string_view text) {
     Why why;
     why.status = 0;
@@ -524,16 +535,17 @@ struct Reader::State {
     if (outcome == Outcome::ambiguous) return why_ambiguous(text);
     if (outcome == Outcome::contradicts) return why_contradicts(text);
     if (decision.kind == Kind::number || decision.kind == Kind::integer) return why_number(text);
+    // Of the forms that are most like the text, the one that came furthest.
     Why best;
     best.length = text.size();
     best.expected = fmt::format("no form of a {} matches", word_of(kind_words, decision.kind));
-    bool any = false;
+    std::optional<std::tuple<size_t, size_t, size_t>> rank;
     for (const Form& each : forms) {
       Why one = why_form(each, text);
-      const bool farther = one.furthest != best.furthest ? one.furthest > best.furthest : one.position > best.position;
-      if (any && !farther) continue;
+      const std::tuple own{likeness(each, text), one.furthest, one.position};
+      if (rank && own <= *rank) continue;
+      rank = own;
       best = std::move(one);
-      any = true;
     }
     return best;
   }

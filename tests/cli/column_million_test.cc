@@ -133,8 +133,8 @@ TEST(ColumnMillion, Numbers) {
       each_country(vxtest::number_column, [](const vxtest::ColumnSource& source, const Decision& decision) {
         EXPECT_EQ(decision.kind, Kind::number);
         if (source.zero == u'0') {
-      EXPECT_EQ(decision.decimal_point, source.decimal_point);
-    }
+          EXPECT_EQ(decision.decimal_point, source.decimal_point);
+        }
       });
   EXPECT_EQ(all.right, all.readable);
 }
