@@ -58,6 +58,19 @@ VXReason lenient_extractdigits(Input<Text>& in, Digits number, int32_t* out) {
   return VX_REASON_NONE;
 }
 
+/// The value of two or four digits; negative when one of them is none. They are there.
+template <class Unit>
+int32_t two_digits_at(const Unit* at) {
+  const uint32_t tens = at[0] - uint32_t{'0'}, ones = at[1] - uint32_t{'0'};
+  return tens > 9 || ones > 9 ? -1 : static_cast<int32_t>(10 * tens + ones);
+}
+
+template <class Unit>
+int32_t four_digits_at(const Unit* at) {
+  const int32_t front = two_digits_at(at), back = two_digits_at(at + 2);
+  return (front | back) < 0 ? -1 : 100 * front + back;
+}
+
 }  // namespace vxnls
 
 #endif

@@ -129,6 +129,35 @@ inline constexpr DirectiveSet strict_directives(strict_rows);
 inline constexpr DirectiveSet lenient_directives(lenient_rows);
 static_assert(strict_directives.answers_once() && lenient_directives.answers_once(), "two rows answer the same letter");
 
+/// What a directive without a modifier reads as digits and keeps as it is. A width of 0: it is not such a directive.
+struct QuickNumber {
+  int16_t width, minimum;
+  uint32_t span;  // from the minimum to the maximum
+  int32_t NLSParseFields::*field;
+};
+
+class QuickNumbers {
+ public:
+  constexpr QuickNumbers(const DirectiveSet& set, Rule rule) {
+    for (VXChar letter = 0; letter < numbers_.size(); ++letter) {
+      const Directive* const row = set.find(letter);
+      if (row == nullptr || row->field == nullptr || row->turn != Turn::keep) continue;
+      const Digits number = row->number;
+      if ((row->rule == rule && number.width == 2) || (number.width == 4 && number.maximum > 0)) {
+        numbers_[letter] = {static_cast<int16_t>(number.width), static_cast<int16_t>(number.minimum),
+                            static_cast<uint32_t>(number.maximum - number.minimum), row->field};
+      }
+    }
+  }
+  constexpr const QuickNumber& of(VXChar letter) const { return numbers_[letter < 128 ? letter : 0]; }
+
+ private:
+  std::array<QuickNumber, 128> numbers_{};
+};
+
+inline constexpr QuickNumbers quick_strict_numbers(strict_directives, Rule::digits);
+inline constexpr QuickNumbers quick_lenient_numbers(lenient_directives, Rule::lenient_digits);
+
 }  // namespace vxnls
 
 #endif

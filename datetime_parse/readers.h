@@ -153,6 +153,13 @@ VXReason read_directive(VXLocale* locale, Input<Text>& in, const Directive& dire
 /// Fixed widths, exact literals.
 struct StrictReader {
   static constexpr const DirectiveSet& directives = strict_directives;
+  static constexpr const QuickNumbers& quick_numbers = quick_strict_numbers;
+
+  /// The digits that a number has when nothing is peculiar about it; 0: find out.
+  template <class Text>
+  static int32_t quick_digits(const Input<Text>& in, int32_t width) {
+    return in.left >= width ? width : 0;
+  }
 
   template <class Text>
   static VXReason literal(Input<Text>& in, VXChar wanted) {
@@ -166,6 +173,16 @@ struct StrictReader {
 /// Widths as they come, literals in any case, blanks of the pattern optional.
 struct LenientReader {
   static constexpr const DirectiveSet& directives = lenient_directives;
+  static constexpr const QuickNumbers& quick_numbers = quick_lenient_numbers;
+
+  template <class Text>
+  static int32_t quick_digits(const Input<Text>& in, int32_t width) {
+    int32_t digits = 0;
+    while (digits < in.left && in.at[digits] - uint32_t{'0'} <= 9) {
+      if (++digits > width) return 0;
+    }
+    return width == 4 && digits < 4 ? 0 : digits;
+  }
 
   template <class Text>
   static VXReason literal(Input<Text>& in, VXChar wanted) {
@@ -177,6 +194,38 @@ struct LenientReader {
     return VX_REASON_NONE;
   }
 };
+
+/// Takes the steps of a pattern that need no thought: ASCII characters that stand in the text, and numbers of plain
+/// digits in range. Gives the place of the first other step, which has to be taken in earnest.
+template <class Reader, class Text>
+int64_t take_plain_steps(Input<Text>& in, TextView pattern, int64_t place, NLSParseFields& fields) {
+  const VXChar* from = pattern.text + place;
+  const VXChar* const end = pattern.text + pattern.length;
+  Input<Text> rest = in;
+  while (from < end) {
+    const VXChar c = *from;
+    if (c != '%') {
+      if (rest.left < 1 || *rest.at != c || c >= 0x80) break;
+      rest.skip(1);
+      ++from;
+      continue;
+    }
+    if (end - from < 2) break;
+    const QuickNumber number = Reader::quick_numbers.of(from[1]);
+    const int32_t digits = Reader::quick_digits(rest, number.width);
+    if (digits == 0) break;
+    const int32_t value = digits == 2   ? two_digits_at(rest.at)
+                          : digits == 4 ? four_digits_at(rest.at)
+                                        : static_cast<int32_t>(*rest.at - uint32_t{'0'});
+    if (static_cast<uint32_t>(value - number.minimum) > number.span) break;
+    fields.*number.field = value;
+    fields.modifier = 0;
+    rest.skip(digits);
+    from += 2;
+  }
+  in = rest;
+  return from - pattern.text;
+}
 
 /// The reader of one directive by its letter.
 template <class Reader, class Text>

@@ -51,6 +51,33 @@ Finding read_by_pattern(VXLocale* locale, const Input<Text>& text, uint32_t sour
   return finding;
 }
 
+/// What stands in a text behind the first part of a common date, for each of the parts that there are. A row whose
+/// second part is another character cannot match, and need not be tried.
+struct AfterFirstPart {
+  static constexpr VXChar nothing = 0xFFFFFFFF;  // the part itself does not stand there
+  VXChar digits = nothing, month = nothing;
+
+  bool may_match(const Row& row) const {
+    if (row.begins_with_digits()) return row.text[2] == digits;
+    if (row.text[1] != 'b') return true;
+    return month != nothing && (row.text[2] == month || row.text[2] == ' ');  // a blank may be missing
+  }
+};
+
+template <class Text>
+AfterFirstPart after_first_part(VXLocale* locale, const Input<Text>& text, bool lenient) {
+  const auto first_of = [](const Input<Text>& rest) { return rest.empty() ? VXChar{0} : VXChar{*rest.at}; };
+  AfterFirstPart after;
+  Input<Text> rest = text;
+  while (stands_at_digit(rest)) rest.skip(1);
+  if (rest.left < text.left) after.digits = first_of(rest);
+  rest = text;
+  const Directive* const month = (lenient ? lenient_directives : strict_directives).find('b');
+  int32_t index = 0;
+  if (read_name(locale, rest, *month, &index) == VX_REASON_NONE) after.month = first_of(rest);
+  return after;
+}
+
 /// The locale's three date patterns, then the common dates; the first match wins, however much it leaves.
 template <class Text, class Trace>
 Finding lenient_Date(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trace& trace) {
@@ -70,9 +97,9 @@ Finding lenient_Date(VXLocale* locale, const Input<Text>& text, uint32_t kind, T
     if (ends_search({source, 0}, view(locale_pattern(data, source)))) return finding;
   }
   const Row(&rows)[17] = writes_month_first(view(data.datePattern)) ? month_first_dates : day_first_dates;
-  const bool may_begin_with_digits = Trace::watches || stands_at_digit(start);
+  const auto after = after_first_part<Text>(locale, start, is_lenient(kind));
   for (uint32_t i = 0; i < 17; ++i) {
-    if (!may_begin_with_digits && rows[i].begins_with_digits()) continue;
+    if (!Trace::watches && !after.may_match(rows[i])) continue;
     if (ends_search({VX_SOURCE_COMMON_DATE, i}, rows[i].view())) return finding;
   }
   return finding;

@@ -67,6 +67,7 @@ template <class Reader, class Text, class Trace>
   fields = cleared_fields;
   skip_blanks(in);
   for (int64_t at = 0; at < pattern.length;) {
+    if (!Trace::watches && (at = take_plain_steps<Reader>(in, pattern, at, fields)) == pattern.length) break;
     const Step step = next_step(pattern, at);
     const Input<Text> before = in;
     VXReason reason = VX_REASON_NONE;

@@ -110,14 +110,28 @@ struct Walked {
   int64_t consumed;
 };
 
-template <class Reader, class Text>
-Walked walk_one(VXLocale* locale, NLSName pattern, const typename Text::Unit* at, int64_t length) {
-  vxnls::NoTrace trace;
+template <class Reader, class Text, class Trace>
+Walked walk_with(Trace trace, VXLocale* locale, NLSName pattern, const typename Text::Unit* at, int64_t length) {
   Walked result{};
   vxnls::Input<Text> in = vxnls::input_of<Text>(at, length);
   result.reason = vxnls::walk<Reader>(locale, in, vxnls::view(pattern), result.fields, trace);
   result.consumed = result.reason == VX_REASON_NONE ? length - in.left : -1;
   return result;
+}
+
+/// Where somebody watches, no step is taken the quick way.
+struct Watcher : vxnls::NoTrace {
+  static constexpr bool watches = true;
+};
+
+template <class Reader, class Text>
+Walked walk_one(VXLocale* locale, NLSName pattern, const typename Text::Unit* at, int64_t length) {
+  const Walked quick = walk_with<Reader, Text>(vxnls::NoTrace(), locale, pattern, at, length);
+  const Walked plain = walk_with<Reader, Text>(Watcher(), locale, pattern, at, length);
+  EXPECT_EQ(quick.reason, plain.reason);
+  EXPECT_EQ(quick.consumed, plain.consumed);
+  if (quick.reason == VX_REASON_NONE) EXPECT_EQ(std::memcmp(&quick.fields, &plain.fields, sizeof quick.fields), 0);
+  return quick;
 }
 
 template <class Reader>
