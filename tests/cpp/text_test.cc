@@ -93,6 +93,14 @@ TEST(CodePoints, TellWhereTheyStand) {
   EXPECT_EQ(std::ranges::count_if(code_points("a1é٣"), vxnls::is_digit), 2);
 }
 
+#if !defined(__clang__) || __clang_major__ > 15  // older ones do not compile libstdc++'s adaptors
+TEST(CodePoints, GoThroughAdaptors) {
+  auto letters = code_points("1é2😀Ж") | std::views::filter(vxnls::is_alpha) |
+                 std::views::transform([](char32_t c) { return c + 1; });
+  EXPECT_TRUE(std::ranges::equal(letters, std::u32string_view(U"êЗ")));
+}
+#endif
+
 TEST(Coders, ThereAndBack) {
   const std::string narrow = "aé€😀";
   const std::u32string wide = U"aé€😀";
