@@ -130,7 +130,9 @@ Walked walk_one(VXLocale* locale, NLSName pattern, const typename Text::Unit* at
   const Walked plain = walk_with<Reader, Text>(Watcher(), locale, pattern, at, length);
   EXPECT_EQ(quick.reason, plain.reason);
   EXPECT_EQ(quick.consumed, plain.consumed);
-  if (quick.reason == VX_REASON_NONE) EXPECT_EQ(std::memcmp(&quick.fields, &plain.fields, sizeof quick.fields), 0);
+  if (quick.reason == VX_REASON_NONE) {
+    EXPECT_EQ(std::memcmp(&quick.fields, &plain.fields, sizeof quick.fields), 0);
+  }
   return quick;
 }
 
