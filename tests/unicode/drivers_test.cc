@@ -126,9 +126,9 @@ TEST(Transcoding, EveryVariantGivesWhatStepsGive) {
   for (const Form& form : forms) {
     const auto texts = texts_in(form.encoder, longest, random);
     for (int64_t length = 0; length <= longest; ++length) {
-      for (int64_t fault = 0; fault <= 4 * length + 3; ++fault) {  // four times each
+      for (int64_t fault = 0; fault <= 2 * length + 1; ++fault) {  // twice each
         Bytes text = texts[static_cast<size_t>(random.below(static_cast<int64_t>(texts.size())))];
-        if (fault / 4 < length) text[static_cast<size_t>(fault / 4)] = random.of(faults);
+        if (fault / 2 < length) text[static_cast<size_t>(fault / 2)] = random.of(faults);
         const int64_t room = random.below(3) != 0 ? 4 * length : random.below(4 * length + 4);
         const Guard guard = random.below(2) != 0 ? Guard::behind : Guard::before;
         const Order& order = random.of(orders);
@@ -167,12 +167,12 @@ TEST(Transcoding, EveryVariantGivesWhatStepsGiveFromUtf32) {
   for (const Order& order : orders) {
     const auto texts = texts_in(order.encoder, 4 * longest, random);
     for (int64_t characters = 0; characters <= longest; ++characters) {
-      for (int64_t place = 0; place <= 4 * characters + 3; ++place) {  // four times each
+      for (int64_t place = 0; place <= 2 * characters + 1; ++place) {  // twice each
         Bytes text = texts[static_cast<size_t>(random.below(static_cast<int64_t>(texts.size())))];
-        if (place / 4 < characters) {
+        if (place / 2 < characters) {
           Bytes unit;
           append(unit, random.of(special), order.encoder);
-          std::copy(unit.begin(), unit.end(), text.begin() + place / 4 * 4);
+          std::copy(unit.begin(), unit.end(), text.begin() + place / 2 * 4);
         }
         const int64_t length = 4 * characters + (characters < longest ? random.below(4) : 0);
         const int64_t room = random.below(3) != 0 ? 4 * characters : random.below(4 * characters + 4);
