@@ -165,43 +165,47 @@ std::optional<std::chrono::seconds> whole_seconds(const Duration& duration) noex
   return std::chrono::floor<std::chrono::seconds>(duration);
 }
 
-inline constexpr const char* date_reasons[] = {"",
-                                               "the text ends too early",
-                                               "a digit is wanted",
-                                               "fewer positions are filled than the pattern has",
-                                               "blanks where a number is wanted",
-                                               "too many digits",
-                                               "a number out of range",
-                                               "no such name",
-                                               "another character is wanted",
-                                               "more text follows",
-                                               "no such time zone",
-                                               "not well-formed text",
-                                               "the pattern holds a directive that is not read",
-                                               "the pattern ends within a directive",
-                                               "the hour does not go with AM or PM",
-                                               "no year or week was read",
-                                               "no quarter was read",
-                                               "before 1582-01-01",
-                                               "the month has no such day"};
-inline constexpr const char* number_faults[] = {"",
-                                                "no number",
-                                                "a digit is wanted",
-                                                "a digit is wanted after the sign",
-                                                "a sign where none is allowed",
-                                                "a group separator before the first digit",
-                                                "not the decimal point of the locale",
-                                                "a decimal point without digits",
-                                                "neither a digit nor the letter of a missing value",
-                                                "a second decimal point",
-                                                "a group separator after the decimal point",
-                                                "the exponent has no digits",
-                                                "the exponent is out of range",
-                                                "a decimal point in a whole number",
-                                                "a fraction was dropped",
-                                                "more text follows",
-                                                "the number is too large",
-                                                "the number is too small"};
+inline constexpr const char* date_reasons[] = {
+    // by VXReason
+    "",
+    "the text ends too early",
+    "a digit is wanted",
+    "fewer positions are filled than the pattern has",
+    "blanks where a number is wanted",
+    "too many digits",
+    "a number out of range",
+    "no such name",
+    "another character is wanted",
+    "more text follows",
+    "no such time zone",
+    "not well-formed text",
+    "the pattern holds a directive that is not read",
+    "the pattern ends within a directive",
+    "the hour does not go with AM or PM",
+    "no year or week was read",
+    "no quarter was read",
+    "before 1582-01-01",
+    "the month has no such day"};
+inline constexpr const char* number_faults[] = {
+    // by VX_FAULT_...
+    "",
+    "no number",
+    "a digit is wanted",
+    "a digit is wanted after the sign",
+    "a sign where none is allowed",
+    "a group separator before the first digit",
+    "not the decimal point of the locale",
+    "a decimal point without digits",
+    "neither a digit nor the letter of a missing value",
+    "a second decimal point",
+    "a group separator after the decimal point",
+    "the exponent has no digits",
+    "the exponent is out of range",
+    "a decimal point in a whole number",
+    "a fraction was dropped",
+    "more text follows",
+    "the number is too large",
+    "the number is too small"};
 template <std::size_t N>
 const char* row(const char* const (&rows)[N], std::uint32_t at) noexcept {
   return at > 0 && at < N ? rows[at] : "not understood";
@@ -303,7 +307,7 @@ class locale {
   ///   VX_E_RANGE      no such date or time; no text
   ///   VX_E_DIRECTIVE  the pattern holds an unknown directive, the number too many digits; no text
   ///   VX_E_WIDTH      a width that is refused; no text, or "*"
-  ///   VX_E_TRUNCATED  longer than the buffer or span: its beginning; a number: "*"
+  ///   VX_E_TRUNCATED  longer than the buffer or span: of a date or time its beginning, of a double "*"
   ///   VX_W_PRECISION  fewer decimals, or an exponent, to make it fit a fixed field: the text
   ///   VX_E_GROUPING   without group separators, to make it fit: the text
   ///   VX_E_NULL       the locale is empty; no text
@@ -492,13 +496,10 @@ class locale {
       const int decimals = style.decimals < 0 ? 2 : style.decimals;
       status = raw_->ops.NLSCurrencyFormat(raw_, style.width == 0 ? widest : style.width, decimals,
                                            decimals == 0 ? 1u : 0u, wide, double_room, &count, amount.value);
-      count = std::clamp<std::int64_t>(count, 0, double_room);
-      // The symbol floats to the number in a field; without a width the field is wide, and its blanks are dropped.
-      if (style.width == 0) {
-        while (count > 0 && *text == ' ') ++text, --count;
-      }
     }
-    count = std::clamp<std::int64_t>(count, 0, double_room);
+    if (status != 0 && status != VX_E_GROUPING) count = 0;  // a failed call counts what it did not write
+    // A symbol floats to its number in a field; without a width the field is wide, and its blanks are dropped.
+    while (std::same_as<T, money> && style.width == 0 && count > 0 && *text == ' ') ++text, --count;
     if constexpr (sizeof(Unit) == 1) {
       const VXStatus cut = ConvertFromUTF32(reinterpret_cast<const std::uint8_t*>(text), 4 * count, detail::out(units),
                                             capacity, size, &UTF32_UTF8, &Byte2DWord);

@@ -217,6 +217,8 @@ TEST(Locale, WritesNumbersAsAsked) {
   EXPECT_EQ(german.format(percent{0.125}).value(), "13%");
   EXPECT_EQ(german.format(percent{-0.125}, {.decimals = 1, .parentheses = true}).value(), "(12,5%)");
   EXPECT_EQ(german.format(percent{infinity}).value(), "Inf%");
+  EXPECT_EQ(german.format(percent{infinity}, {.width = 2}).status(), VX_E_TRUNCATED);
+  EXPECT_EQ(*german.format(percent{infinity}, {.width = 2}), "");
   EXPECT_EQ(german.format(money{1234.5}).value(), "€1.234,50");
   EXPECT_EQ(german.format(money{1234.5}, {.decimals = 0}).value(), "€1.235");
   EXPECT_EQ(german.format(money{1234.5}, {.width = 12}).value(), "   €1.234,50");
