@@ -46,6 +46,19 @@ class Writer {
 
 const char16_t spaces[] = {0x00A0, 0x202F, 0x2009};
 
+/// What people write and no locale has: the meaning is plain, the text is not.
+icu::UnicodeString make_hard(icu::UnicodeString text, Random& random) {
+  switch (below(random, 4)) {
+    case 0: return text.append(u" (?)");
+    case 1: return text.insert(0, u"ca. ");
+    case 2: {  // the letter O for a zero
+      const int32_t zero = text.indexOf(u'0');
+      return zero < 0 ? text.append(u"*") : text.replace(zero, 1, u'O');
+    }
+    default: return text.append(u";");
+  }
+}
+
 /// What copying and exporting does to a text, its meaning kept.
 void soil(icu::UnicodeString& text, Random& random, bool number) {
   switch (below(random, 12)) {
@@ -140,7 +153,10 @@ std::vector<Cell> date_column(const ColumnSource& source, size_t rows, uint32_t 
   for (const char* pattern : source.dates) writers.emplace_back(source.locale, pattern);
   std::unique_ptr<Writer> other;
   if (source.other_order != nullptr) other = std::make_unique<Writer>(source.locale, source.other_order);
-  const Days first = Days(std::chrono::year(1960) / 1 / 1);
+  // Every other column has recent days only: two-digit years that could be days as well.
+  const bool recent = seed % 2 == 1 && other != nullptr;
+  const Days first = Days(std::chrono::year(recent ? 2001 : 1960) / 1 / 1);
+  const size_t days = recent ? 8765 : 36524;
   std::vector<Cell> cells;
   cells.reserve(rows);
   while (cells.size() < rows) {
@@ -153,7 +169,7 @@ std::vector<Cell> date_column(const ColumnSource& source, size_t rows, uint32_t 
       cells.push_back({rubbish[below(random, std::size(rubbish))], std::nullopt});
       continue;
     }
-    const Days day = first + std::chrono::days(below(random, 36524));  // to 2059
+    const Days day = first + std::chrono::days(below(random, days));
     const std::chrono::year_month_day fields(day);
     const bool shows = other != nullptr && static_cast<unsigned>(fields.day()) > 12;
     if (luck < 65 && shows) {
@@ -161,10 +177,12 @@ std::vector<Cell> date_column(const ColumnSource& source, size_t rows, uint32_t 
       continue;
     }
     icu::UnicodeString text = writers[below(random, writers.size())].write(day);
-    if (below(random, 4) == 0) soil(text, random, false);
-    cells.push_back(
-        {utf8(text), fmt::format("{:04}-{:02}-{:02}", static_cast<int>(fields.year()),
-                                 static_cast<unsigned>(fields.month()), static_cast<unsigned>(fields.day()))});
+    const bool hard = below(random, 100) == 0;
+    if (hard) text = make_hard(text, random);
+    else if (below(random, 4) == 0) soil(text, random, false);
+    const std::string iso = fmt::format("{:04}-{:02}-{:02}", static_cast<int>(fields.year()),
+                                        static_cast<unsigned>(fields.month()), static_cast<unsigned>(fields.day()));
+    cells.push_back({utf8(text), iso, false, hard});
   }
   return cells;
 }
@@ -213,8 +231,10 @@ std::vector<Cell> number_column(const ColumnSource& source, size_t rows, uint32_
         units.replace(i, 1, static_cast<UChar>(units[i] - u'0' + source.zero));
       }
     }
-    if (below(random, 4) == 0) soil(units, random, true);
-    cells.push_back({utf8(units), plain});
+    const bool hard = below(random, 100) == 0;
+    if (hard) units = make_hard(units, random);
+    else if (below(random, 4) == 0) soil(units, random, true);
+    cells.push_back({utf8(units), plain, false, hard});
   }
   return cells;
 }

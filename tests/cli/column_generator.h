@@ -18,6 +18,7 @@ struct Cell {
   std::string text;
   std::optional<std::string> answer;
   bool against = false;  ///< it can be read in one way, which is not that of the column
+  bool hard = false;     ///< people understand it, by what is in no locale: "March 5th, 2021", "2O21-03-05", "1,5 mio"
 };
 
 struct ColumnSource {
@@ -31,9 +32,9 @@ struct ColumnSource {
 const std::vector<ColumnSource>& column_sources();
 
 /// `rows` dates of a country, always the same for a seed. About 6 in 100 are empty or unreadable, and 1 in 200 has day
-/// and month exchanged where that shows.
+/// and month exchanged where that shows; 1 in 100 is hard.
 std::vector<Cell> date_column(const ColumnSource& source, size_t rows, uint32_t seed);
-/// Likewise numbers, whole and with fractions; 1 in 200 has "." and "," exchanged where that shows.
+/// Likewise numbers, whole and with fractions; 1 in 100 is hard, 1 in 200 has "." and "," exchanged where that shows.
 std::vector<Cell> number_column(const ColumnSource& source, size_t rows, uint32_t seed);
 
 }  // namespace vxtest

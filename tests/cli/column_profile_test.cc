@@ -60,6 +60,8 @@ TEST(ColumnProfile, Decisions) {
       {"19 to 1 is overwhelming", env, repeated(19, "25/12/21", {"12/25/21"}), "date day-first evidence", 19, 0, 1, 0},
       {"18 to 1 is not", env, repeated(18, "25/12/21", {"12/25/21", "3/4/21"}), "date none nothing", 19, 1, 0, 0},
       {"no such day is no evidence", env, {"31/02/21", "03/04/21"}, "date none nothing", 0, 1, 0, 1},
+      {"nor makes it years come first", env, repeated(30, "25/12/21", {"31/02/21", "24/11/22"}),
+       "date day-first evidence", 31, 0, 0, 1},
       {"years first", env, {"99/12/31", "21/03/04", "21/03/25"}, "date year-first evidence", 3, 0, 0, 0},
       {"years perhaps first", env, {"21/03/04", "21/03/25", "21/04/26"}, "date none nothing", 0, 3, 0, 0},
       {"years not first", env, {"04/03/21", "25/03/21", "26/04/21"}, "date day-first evidence", 3, 0, 0, 0},
