@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cli/table/splitter.h"
 #include "vxnls/utf8.h"
 
 namespace vxcli {
@@ -107,27 +108,70 @@ void encode_modified_utf8(uint32_t code_point, std::string& out) {
   out.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(written));
 }
 
-constexpr Coding table[] = {
-    {"utf-8", decode_utf8, encode<UTF32_UTF8>},
+size_t convert(std::span<const uint8_t> bytes, uint32_t* units, VXDecoder decoder) {
+  int64_t written = 0;
+  ConvertToUTF32(bytes.data(), static_cast<int64_t>(bytes.size()), reinterpret_cast<uint8_t*>(units),
+                 static_cast<int64_t>(bytes.size() * sizeof *units), &written, decoder, COPY_UTF32_SWAP);
+  return static_cast<size_t>(written) / sizeof *units;
+}
+
+Coding::Run run_of_utf8(std::span<const uint8_t> bytes, uint32_t* units) {
+  const size_t sound =
+      std::min(table::invalid_utf8({reinterpret_cast<const char*>(bytes.data()), bytes.size()}), bytes.size());
+  return {convert(bytes.first(sound), units, UTF8_UTF32), sound};
+}
+
+template <VXDecoder decoder>
+Coding::Run run_of_utf16(std::span<const uint8_t> bytes, uint32_t* units) {
+  const size_t characters = convert(bytes, units, decoder);
+  const auto pairs =
+      static_cast<size_t>(std::count_if(units, units + characters, [](uint32_t unit) { return unit > 0xFFFF; }));
+  return {characters, 2 * (characters + pairs)};
+}
+
+template <VXDecoder decoder>
+Coding::Run run_of_utf32(std::span<const uint8_t> bytes, uint32_t* units) {
+  // In small pieces: what stands behind a fault is decoded in vain.
+  constexpr size_t piece = 4096;
+  const size_t all = convert(bytes.first(std::min(piece, bytes.size())), units, decoder);
+  const auto end =
+      std::find_if(units, units + all, [](uint32_t unit) { return is_surrogate(unit) || unit > last_code_point; });
+  const auto characters = static_cast<size_t>(end - units);
+  return {characters, 4 * characters};
+}
+
+constexpr Coding codings_table[] = {
+    {"utf-8", decode_utf8, encode<UTF32_UTF8>, run_of_utf8, UTF32_UTF8},
     {"modified-utf-8", decode_modified_utf8, encode_modified_utf8},
-    {"utf-16le", decode_utf16<UTF16_UTF32_SWAP>, encode<UTF32_UTF16s>},
-    {"utf-16be", decode_utf16<UTF16_UTF32>, encode<UTF32_UTF16s_SWAP>},
-    {"utf-32le", decode_utf32<COPY_UTF32b_SWAP>, encode<COPY_UTF32_SWAP>},
-    {"utf-32be", decode_utf32<COPY_UTF32b>, encode<COPY_UTF32>},
+    {"utf-16le", decode_utf16<UTF16_UTF32_SWAP>, encode<UTF32_UTF16s>, run_of_utf16<UTF16_UTF32_SWAP>, UTF32_UTF16s},
+    {"utf-16be", decode_utf16<UTF16_UTF32>, encode<UTF32_UTF16s_SWAP>, run_of_utf16<UTF16_UTF32>, UTF32_UTF16s_SWAP},
+    {"utf-32le", decode_utf32<COPY_UTF32b_SWAP>, encode<COPY_UTF32_SWAP>, run_of_utf32<COPY_UTF32b_SWAP>,
+     COPY_UTF32_SWAP},
+    {"utf-32be", decode_utf32<COPY_UTF32b>, encode<COPY_UTF32>, run_of_utf32<COPY_UTF32b>, COPY_UTF32},
 };
 
 char folded(char c) { return c == '_' ? '-' : c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 }  // namespace
 
-std::span<const Coding> codings() { return table; }
+void encode_run(const Coding& coding, std::span<const uint32_t> characters, std::string& out) {
+  const size_t before = out.size();
+  out.resize(before + characters.size_bytes());
+  int64_t written = 0;
+  ConvertFromUTF32(reinterpret_cast<const uint8_t*>(characters.data()), static_cast<int64_t>(characters.size_bytes()),
+                   reinterpret_cast<uint8_t*>(out.data() + before), static_cast<int64_t>(characters.size_bytes()),
+                   &written, coding.encoder, Byte2DWord);
+  out.resize(before + static_cast<size_t>(written));
+}
+
+std::span<const Coding> codings() { return codings_table; }
 
 const Coding* find_coding(std::string_view name) {
-  const auto found = std::find_if(std::begin(table), std::end(table), [&](const Coding& coding) {
+  const auto found = std::find_if(std::begin(codings_table), std::end(codings_table), [&](const Coding& coding) {
     return std::equal(name.begin(), name.end(), coding.name.begin(), coding.name.end(),
                       [](char a, char b) { return folded(a) == b; });
   });
-  return found == std::end(table) ? nullptr : found;
+  return found == std::end(codings_table) ? nullptr : found;
 }
 
 }  // namespace vxcli

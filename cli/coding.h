@@ -31,7 +31,19 @@ struct Coding {
   Step (*decode)(std::span<const uint8_t> bytes);
   /// Appends a character.
   void (*encode)(uint32_t code_point, std::string& out);
+  /// Many at a time: decodes the characters before the first one that decode() would not give, into as many units as
+  /// there are bytes at most, and says how many there are and how many bytes they take. Null: there is no such way.
+  struct Run {
+    size_t characters;
+    size_t bytes;
+  };
+  Run (*decode_run)(std::span<const uint8_t> bytes, uint32_t* units) = nullptr;
+  /// Encodes one character as encode() does. Null: characters go one by one.
+  VXEncoder encoder = nullptr;
 };
+
+/// Appends many characters; `coding` has an encoder.
+void encode_run(const Coding& coding, std::span<const uint32_t> characters, std::string& out);
 
 std::span<const Coding> codings();
 /// By name, upper and lower case and "-" and "_" being the same: utf-8, UTF_16LE.

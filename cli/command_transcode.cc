@@ -177,6 +177,14 @@ class Transcoder {
     const std::span<const uint8_t> all(bytes);
     size_t at = 0;
     while (at < all.size()) {
+      // The very first character may be a byte order mark.
+      if (from_.decode_run != nullptr && to_.encoder != nullptr && offset_ + at != 0) {
+        if (units_.size() < all.size() - at) units_.resize(all.size() - at);
+        const Coding::Run run = from_.decode_run(all.subspan(at), units_.data());
+        encode_run(to_, std::span(units_).first(run.characters), text_);
+        at += run.bytes;
+        if (at == all.size()) break;
+      }
       const Step step = from_.decode(all.subspan(at));
       if (step.outcome == Step::Outcome::character) {
         write(step.code_point, offset_ + at == 0);
@@ -208,6 +216,7 @@ class Transcoder {
   const Coding& to_;
   OnError on_error_ = OnError::fail;
   bool keeps_mark_ = true;
+  std::vector<uint32_t> units_;
   std::string text_;
   uint64_t offset_ = 0;  // of the bytes that are being decoded
   uint64_t faults_ = 0;
