@@ -329,16 +329,14 @@ struct ToUtf8 {
   using Sink = Utf8Sink;
   static constexpr int64_t shortest = 1;  // bytes of a character
 
-  /// Whether the next 32 characters are ASCII, which are then written.
-  template <std::endian order>
-  static bool write_plain(const uint8_t* in, uint8_t* out) {
-    const Vector a = load_dwords<order>(in), b = load_dwords<order>(in + 32), c = load_dwords<order>(in + 64),
-                 d = load_dwords<order>(in + 96);
-    const Vector all = _mm256_or_si256(_mm256_or_si256(a, b), _mm256_or_si256(c, d));
-    if (!none(all, every_dword(~0x7Fu))) return false;
-    const Vector quarters = _mm256_packus_epi16(_mm256_packus_epi32(a, b), _mm256_packus_epi32(c, d));
-    store(out, _mm256_permutevar8x32_epi32(quarters, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
-    return true;
+  static constexpr uint32_t plain = 0x7F;  // up to here a character takes as little as any
+  static void write_plain(const Vector (&c)[8], uint8_t* out) {
+    const Vector order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+    for (int i = 0; i < 8; i += 4, out += 32) {
+      const Vector quarters =
+          _mm256_packus_epi16(_mm256_packus_epi32(c[i], c[i + 1]), _mm256_packus_epi32(c[i + 2], c[i + 3]));
+      store(out, _mm256_permutevar8x32_epi32(quarters, order));
+    }
   }
 
   /// Writes 16 characters; what lies up to 12 bytes behind them is overwritten too.
@@ -428,19 +426,12 @@ struct ToUtf16 {
   using Sink = Utf16Sink<output>;
   static constexpr int64_t shortest = 2;  // bytes of a character
 
-  /// Whether the next 32 characters are single units, which are then written.
-  template <std::endian order>
-  static bool write_plain(const uint8_t* in, uint8_t* out) {
-    const Vector a = load_dwords<order>(in), b = load_dwords<order>(in + 32), c = load_dwords<order>(in + 64),
-                 d = load_dwords<order>(in + 96);
-    const Vector all = _mm256_or_si256(_mm256_or_si256(a, b), _mm256_or_si256(c, d));
-    if (!none(all, every_dword(~0xFFFFu))) return false;
-    for (const Vector mixed : {_mm256_packus_epi32(a, b), _mm256_packus_epi32(c, d)}) {
-      const Vector words = _mm256_permute4x64_epi64(mixed, 0xD8);
+  static constexpr uint32_t plain = 0xFFFF;
+  static void write_plain(const Vector (&c)[8], uint8_t* out) {
+    for (int i = 0; i < 8; i += 2, out += 32) {
+      const Vector words = _mm256_permute4x64_epi64(_mm256_packus_epi32(c[i], c[i + 1]), 0xD8);
       store(out, output == little ? words : swapped_words(words));
-      out += 32;
     }
-    return true;
   }
 
   /// Writes 16 characters; what lies up to 8 bytes behind them is overwritten too.
@@ -470,21 +461,33 @@ struct ToUtf16 {
   }
 };
 
+/// Whether the next 64 characters are plain, which are then written.
+template <class Form, std::endian order>
+bool write_if_plain(const uint8_t* in, uint8_t* out) {
+  Vector c[8], all = _mm256_setzero_si256();
+  for (int i = 0; i < 8; ++i) {
+    c[i] = load_dwords<order>(in + vector_bytes * i);
+    all = _mm256_or_si256(all, c[i]);
+  }
+  if (!none(all, every_dword(~Form::plain))) return false;
+  Form::write_plain(c, out);
+  return true;
+}
+
 template <class Form, std::endian order>
 Converted from_utf32(const uint8_t* in, int64_t characters, uint8_t* out, int64_t room) {
-  constexpr int64_t at_once = 16, longest = 4;
+  constexpr int64_t at_once = 16, longest = 4, plain_at_once = 64;
   int64_t bytes = 0;
   // As many characters again must be sure to follow, since their bytes cover what a block leaves behind it.
-  for (bool plain = true; characters >= 2 * at_once && room - bytes >= 2 * at_once * longest;) {
-    if (plain) {
-      plain = Form::template write_plain<order>(in, out + bytes);
-      if (plain) {
-        bytes += 2 * at_once * Form::shortest;
-        in += 8 * at_once;
-        characters -= 2 * at_once;
-        continue;
-      }
+  for (bool plain = true;;) {
+    while (plain && characters >= plain_at_once && room - bytes >= plain_at_once * Form::shortest) {
+      plain = write_if_plain<Form, order>(in, out + bytes);
+      if (!plain) break;
+      bytes += plain_at_once * Form::shortest;
+      in += 4 * plain_at_once;
+      characters -= plain_at_once;
     }
+    if (characters < 2 * at_once || room - bytes < 2 * at_once * longest) break;
     const int64_t made = Form::template write<order>(in, out + bytes);
     plain = made == at_once * Form::shortest;
     bytes += made;
