@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 const fs::path root = VXNLS_SOURCE_DIR;
 
 std::vector<fs::path> documents() {
-  std::vector<fs::path> all{root / "README.md"};
+  std::vector<fs::path> all{root / "README.md", root / "examples/README.md"};
   for (const auto& entry : fs::directory_iterator(root / "docs")) {
     if (entry.path().extension() == ".md") all.push_back(entry.path());
   }
@@ -83,8 +83,7 @@ TEST(Documents, CommandsPrintWhatTheySay) {
   size_t count = 0;
   for (const fs::path& document : documents()) {
     const std::string name = fs::relative(document, root);
-    const fs::path folder =
-        fs::path(testing::TempDir()) / ("vxnls_" + document.stem().string() + std::to_string(getpid()));
+    const fs::path folder = fs::path(testing::TempDir()) / ("vxnls_documents" + std::to_string(getpid()));
     fs::create_directories(folder);
     fs::create_directory_symlink(root / "examples", folder / "examples");
     vxtest::Environment variables{{"PATH", std::string(VXNLS_PROGRAMS) + ":/usr/bin:/bin"},
