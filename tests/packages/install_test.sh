@@ -11,7 +11,7 @@ rm -rf "$work"
 mkdir -p "$work"
 cmake --install "$build" --prefix "$work/before" >"$work/log"
 mv "$work/before" "$work/moved"
-cp -r "$here/consumer" "$work/consumer"
+consumer_to "$work/consumer"
 
 must_print 1.234,50 env -i "$work/moved/bin/vxnls" format number 1234.5 --locale de_DE --decimals 2 --group
 

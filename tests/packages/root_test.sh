@@ -74,9 +74,8 @@ run_command() {
 }
 
 build_and_run() {
-  cp -r "$here/consumer" "$root/tmp/consumer"
-  cp "$here/consume.sh" "$root/tmp/consume.sh"
-  inside bash -c '. /tmp/consume.sh && consume /tmp/consumer' || fail "the consumer project"
+  consumer_to "$root/tmp/consumer"
+  inside bash -c '. /tmp/consumer/consume.sh && consume /tmp/consumer' || fail "the consumer project"
 }
 
 command=("$packages"/libvxnlsloc6_*.deb "$packages"/libvxhost6_*.deb "$packages"/vxnls_*.deb)
