@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/arguments.h"
+#include "cli/options.h"
 
 namespace vxcli {
 
@@ -39,7 +40,7 @@ FoundOption option_in(std::string_view word, std::span<const Option* const> know
 }
 
 /// Enough of a help text for a line of a list.
-std::string in_brief(std::string_view help) { return std::string(help.substr(0, help.find(';'))); }
+std::string in_brief(std::string_view help) { return std::string(help.substr(0, help.find("; "))); }
 
 Completion values_of(Completes what, std::span<const std::string_view> choices, std::string prefix) {
   Completion completion{.what = what, .prefix = std::move(prefix), .candidates = {}};
@@ -60,6 +61,15 @@ Completion options_after(std::span<const Option* const> known) {
   for (const Option* option : known) {
     if (option->letter != 0)
       completion.candidates.push_back({fmt::format("-{}", option->letter), in_brief(option->help)});
+  }
+  return completion;
+}
+
+Completion values_of(const Command& command, const Option& option, std::string prefix) {
+  Completion completion = values_of(option.completes, option.choices, std::move(prefix));
+  if (&option == &options::locale && command.ranks_locales) {
+    completion.candidates.push_back(
+        {fmt::format("{}{}", completion.prefix, options::ranked_locale), "the locale that explains most"});
   }
   return completion;
 }
@@ -112,12 +122,12 @@ Completion complete(std::span<const std::string> words) {
       values.push_back(word);
     }
   }
-  if (waiting != nullptr) return values_of(waiting->completes, waiting->choices, "");
+  if (waiting != nullptr) return values_of(*path.back(), *waiting, "");
   if (!only_values && current.starts_with('-')) {
     const std::vector<const Option*> known = options_of(path);
     const FoundOption found = option_in(current, known);
     if (found.option == nullptr || found.value_at == std::string_view::npos) return options_after(known);
-    return values_of(found.option->completes, found.option->choices, std::string(current.substr(0, found.value_at)));
+    return values_of(*path.back(), *found.option, std::string(current.substr(0, found.value_at)));
   }
   return commands_or_value(*path.back(), values);
 }
@@ -182,7 +192,7 @@ fi
   static constexpr std::string_view fish = R"sh(# Completion of vxnls in fish, written by "vxnls completion fish".
 function __vxnls_candidates
     set -l words (commandline -opc)
-    set -l current (commandline -ct)
+    set -l current (commandline -ct | string unescape)
     set -l answers ($words[1] completion next -- $words[2..-1] "$current" 2>/dev/null)
     if string match -q 'files*' -- $answers[1]
         set -l prefix (string replace -r '^files\t?' '' -- $answers[1])

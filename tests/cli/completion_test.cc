@@ -6,10 +6,12 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "cli/arguments.h"
+#include "cli/options.h"
 #include "tests/cli/command_line.h"
 #include "tests/support/terminal.h"
 
@@ -47,6 +49,7 @@ TEST(Completion, OffersTheTableOfCommandsAndNothingElse) {
         EXPECT_EQ(values.prefix, prefix);
         Words choices;
         for (const std::string_view choice : option->choices) choices.push_back(prefix + std::string(choice));
+        if (option == &options::locale && path.back()->ranks_locales) choices.push_back(prefix + "auto");
         EXPECT_EQ(words_of(values), choices) << behind[0];
       }
     }
@@ -108,13 +111,13 @@ struct Shell {
 /// What people type, and what stands on the screen then: the shells' own completion at work.
 TEST(Completion, InTheShellsThemselves) {
   static const Shell shells[] = {
-      {"bash", {"bash", "--norc", "--noprofile", "-i"}, "PS1='ready> '; source <(vxnls completion bash)\n"},
+      {"bash", {"bash", "--norc", "--noprofile", "-i"}, "cd; PS1='ready> '; source <(vxnls completion bash)\n"},
       {"zsh",
        {"zsh", "-f", "-i"},
-       "autoload -U compinit; compinit -D -u; source <(vxnls completion zsh); PS1='ready> '\n"},
+       "cd; autoload -U compinit; compinit -D -u; source <(vxnls completion zsh); PS1='ready> '\n"},
       {"fish",
        {"fish", "--no-config", "--private"},
-       "function fish_prompt; echo -n 'ready> '; end; vxnls completion fish | source\n"},
+       "cd; function fish_prompt; echo -n 'ready> '; end; vxnls completion fish | source\n"},
   };
   static const struct {
     const char* typed;
@@ -123,10 +126,12 @@ TEST(Completion, InTheShellsThemselves) {
       {"vxnls form\tnumb\t1234.5 --gro\t --loca\tde_D\t\n", "1.234,5"},
       {"vxnls format date 2026-11-21 --locale=de_D\t --sty\tlon\t\n", "21. November 2026"},
       {"vxnls -z Europe/Berl\t format datetime @0 --patt\t%Z\n", "Europe/Berlin"},
+      {"vxnls normalise -qc 1:number --no-head\t some\tnew\t\n", "1234.5"},
+      {"vxnls normalise --profile=some\tnew\t </dev/null\n", "vxnls: some folder/new file: "},
       {"vxnls help loc\tlis\t| head -n 1\n", "Usage: vxnls locale list [OPTION...] [TEXT]"},
   };
   const std::string home = std::filesystem::temp_directory_path() / fmt::format("vxnls-completion-{}", getpid());
-  std::filesystem::create_directory(home);
+  std::filesystem::create_directories(home + "/some folder");
   for (const Shell& shell : shells) {
     if (vxtest::run_line(fmt::format("command -v {}", shell.name)).code != 0) continue;
     SCOPED_TRACE(shell.name);
@@ -135,13 +140,15 @@ TEST(Completion, InTheShellsThemselves) {
                                             {"LANG", "C.UTF-8"},
                                             {"TZ", "UTC"},
                                             {"TERM", "dumb"}});
+    std::ofstream(home + "/some folder/new file") << "1234.5\n";
     terminal.type(shell.preparation);
     terminal.until("ready> ");
     for (const auto& c : cases) {
       terminal.type(c.typed);
-      const std::string wanted = fmt::format("\r\n{}\r\n", c.shown);
+      const std::string wanted = fmt::format("\r\n{}", c.shown);
       const std::string screen = terminal.until(wanted);
       EXPECT_NE(screen.find(wanted), std::string::npos) << screen;
+      if (testing::Test::HasFailure()) break;
     }
   }
   std::filesystem::remove_all(home);
