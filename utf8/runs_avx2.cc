@@ -2,6 +2,7 @@
 
 #if VXNLS_HAS_AVX2_VARIANTS
 
+#include <algorithm>
 #include <bit>
 
 #include "unicode/utf8_tables.h"
@@ -79,11 +80,10 @@ Framing group(const uint8_t* at) {
   return {added(a.begins, b.begins, c.begins, d.begins), all_of(a.framed, b.framed, c.framed, d.framed)};
 }
 
-Framing group(const uint8_t* at) {
-  // The bytes before belong to it: their leads announce into the group.
-  const Vector high =
-      _mm256_max_epu8(highest(load(at), load(at + width), load(at + 2 * width), load(at + 3 * width)), load(at - 16));
-  return any_above(high, 0xEF) ? group<4>(at) : group<3>(at);
+/// Whether four bytes may be announced in a group or into it.
+bool has_long_leads(const uint8_t* at) {
+  const Vector high = highest(load(at), load(at + width), load(at + 2 * width), load(at + 3 * width));
+  return any_above(_mm256_max_epu8(high, load(at - 16)), 0xEF);
 }
 
 int64_t sum_of_bytes(Vector v) {
@@ -99,21 +99,32 @@ bool count_vector(const Framing& vector, int64_t* found) {
   return true;
 }
 
+/// Adds what begins in the groups at the front that are framed and no longer than said; gives their bytes.
+template <int longest>
+int64_t count_groups(const uint8_t* text, int64_t groups, int64_t* found) {
+  Vector begun = _mm256_setzero_si256();
+  int64_t at = 0;
+  for (; groups > 0; --groups, at += width * at_once) {
+    if (longest == 3 && has_long_leads(text + at)) break;
+    const Framing next = group<longest>(text + at);
+    if (!everywhere(next.framed)) break;
+    begun = _mm256_sub_epi8(begun, next.begins);
+  }
+  *found += sum_of_bytes(begun);
+  return at;
+}
+
 // A lead that announces 5 or 6 bytes is taken for one of 4: what it has more is then not framed.
 int64_t count(const uint8_t* text, int64_t length, int64_t* characters) {
   if (length < width) return 0;
   int64_t at = width, found = 0;
   if (!count_vector(first_framing(text), &found)) return 0;
-  for (bool framed = true; framed && length - at >= width * at_once;) {
-    Vector begun = _mm256_setzero_si256();
-    for (int rounds = 255 / at_once; rounds > 0 && length - at >= width * at_once; --rounds) {  // a byte holds 255
-      const Framing next = group(text + at);
-      framed = everywhere(next.framed);
-      if (!framed) break;
-      begun = _mm256_sub_epi8(begun, next.begins);
-      at += width * at_once;
-    }
-    found += sum_of_bytes(begun);
+  for (int64_t done = 1; done > 0; at += done) {
+    const int64_t groups = (length - at) / (width * at_once);
+    // Where there is one long lead there are more: a good many groups are not asked then.
+    const bool is_long = groups > 0 && has_long_leads(text + at);
+    done = is_long ? count_groups<4>(text + at, std::min<int64_t>(groups, 16), &found)
+                   : count_groups<3>(text + at, std::min<int64_t>(groups, 255 / at_once), &found);  // a byte holds 255
   }
   while (length - at >= width && count_vector(framing<4>(text + at), &found)) at += width;
   // A character that goes on behind the last block is left to the caller.
