@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # `cmake --install` into a folder, which is then moved: the command runs from there, and another project finds all that
 # it needs.
-#   install_test.sh BUILD WORK
+#   install_test.sh SOURCE BUILD WORK
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 . "$here/consume.sh"
-build=$1 work=$2
+source=$1 build=$2 work=$3
 
 rm -rf "$work"
 mkdir -p "$work"
@@ -19,4 +19,11 @@ lib=$(cd "$work/moved" && dirname "$(find . -name libvxnlsloc.so)")
 export CMAKE_PREFIX_PATH=$work/moved PKG_CONFIG_PATH=$work/moved/$lib/pkgconfig
 export LD_LIBRARY_PATH=$work/moved/$lib
 consume "$work/consumer"
+
+# With the source below itself it links the same targets: that they exist is known when the project is configured.
+mkdir "$work/whole"
+cp "$work"/consumer/from_* "$work/whole"
+while IFS= read -r line; do echo "${line/find_package(*/add_subdirectory(\"$source\" vxnlsloc)}"; done \
+  <"$work/consumer/CMakeLists.txt" >"$work/whole/CMakeLists.txt"
+cmake -S "$work/whole" -B "$work/whole/built" >"$work/log" 2>&1 || fail "add_subdirectory: $(<"$work/log")"
 rm -rf "$work"
