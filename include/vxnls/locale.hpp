@@ -99,9 +99,11 @@ template <class D>
 inline constexpr bool is_hh_mm_ss<std::chrono::hh_mm_ss<D>> = true;
 
 template <class T>
-concept date = std::same_as<T, std::chrono::year_month_day>;
+concept day_point = std::same_as<T, std::chrono::sys_days> || std::same_as<T, std::chrono::local_days>;
 template <class T>
-concept datetime = is_local_time<T> || is_sys_time<T>;
+concept date = std::same_as<T, std::chrono::year_month_day> || day_point<T>;
+template <class T>
+concept datetime = (is_local_time<T> || is_sys_time<T>)&&!day_point<T>;
 template <class T>
 concept time_of_day = is_duration<T> || is_hh_mm_ss<T>;
 template <class T>
@@ -330,8 +332,8 @@ class locale {
     return result<std::basic_string_view<Unit>>(status, {room.data(), static_cast<std::size_t>(size)});
   }
 
-  /// Reads a value of type T: year_month_day, a duration or hh_mm_ss (since midnight), local_time, sys_time, double or
-  /// an integer. All of the text must belong to it, blanks around it apart, unless `how.prefix` is set.
+  /// Reads a value of type T, one of those that vxnls.hpp lists. All of the text must belong to it, blanks around it
+  /// apart, unless `how.prefix` is set.
   /// Statuses; the value is then T{} unless something else is said:
   ///   VX_E_NOMATCH    not a date or time of this form; more text follows
   ///   VX_E_NOTNUMBER  not a number
@@ -410,6 +412,12 @@ class locale {
     return pick<Unit>(raw_->ops.NLSDateFormatU, raw_->ops.NLSDateFormat)(
         raw_, static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()), static_cast<std::uint32_t>(year),
         static_cast<std::int32_t>(as), detail::out(units), capacity, size);
+  }
+
+  template <class Unit, detail::day_point T>
+  VXStatus write_value(Unit* units, std::int64_t capacity, std::int64_t* size, const T& day, form as) const noexcept {
+    if (!detail::whole_seconds(day.time_since_epoch())) return VX_E_RANGE;
+    return write_value(units, capacity, size, std::chrono::year_month_day{day}, as);
   }
 
   template <class Unit, detail::time_of_day T>
@@ -535,7 +543,7 @@ class locale {
     VXStatus status = 0;
     T value{};
     std::uint32_t what = VX_EXPLAIN_DATETIME;
-    bool whole = true;
+    std::chrono::year_month_day date{};
     const auto call = [&](auto entry, auto*... parts) {
       return entry(raw_, detail::in(text.data()), detail::length(text), kind, parts..., &used);
     };
@@ -543,8 +551,7 @@ class locale {
       what = VX_EXPLAIN_DATE;
       std::uint32_t month = 0, day = 0, year = 0;
       status = call(pick<Unit>(ops.NLSBufToDateU, ops.NLSBufToDate), &month, &day, &year);
-      whole = year != 0;
-      value = std::chrono::year{static_cast<int>(year)} / std::chrono::month{month} / std::chrono::day{day};
+      date = std::chrono::year{static_cast<int>(year)} / std::chrono::month{month} / std::chrono::day{day};
     } else if constexpr (detail::time_of_day<T>) {
       what = VX_EXPLAIN_TIME;
       status = call(pick<Unit>(ops.NLSBufToTimeU, ops.NLSBufToTime), &seconds);
@@ -560,9 +567,12 @@ class locale {
                 return detail::explain(raw_, what, kind, bytes);
               })};
     }
-    if (!whole) return {VX_E_NOMATCH, T{}, consumed, {"the pattern holds no full date", 0, consumed}};
     if constexpr (detail::date<T>) {
-      if (!detail::exists(value)) return {VX_E_RANGE, T{}, consumed, {"the month has no such day", 0, consumed}};
+      if (date.year() == std::chrono::year{0}) {
+        return {VX_E_NOMATCH, T{}, consumed, {"the pattern holds no full date", 0, consumed}};
+      }
+      if (!detail::exists(date)) return {VX_E_RANGE, T{}, consumed, {"the month has no such day", 0, consumed}};
+      value = static_cast<T>(date);
     }
     if (!how.prefix && !only_blanks(text, consumed)) {
       return {VX_E_NOMATCH, T{}, consumed, {"more text follows", consumed, text.size() - consumed}};

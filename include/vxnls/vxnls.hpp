@@ -8,7 +8,7 @@
 ///
 /// `format` and `parse` go by the type of the value:
 ///
-///   std::chrono::year_month_day            a date, 1582-01-01 to 20000-12-31
+///   std::chrono::year_month_day            a date, 1582-01-01 to 20000-12-31; so are sys_days and local_days
 ///   a std::chrono::duration, hh_mm_ss      a time of day, 0 to below 24 hours
 ///   std::chrono::local_time                a date and time of the locale's zone, as it stands on the wall there
 ///   std::chrono::sys_time                  an instant; the locale's zone says what stands on the wall then

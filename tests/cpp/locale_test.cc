@@ -37,6 +37,8 @@ TEST(Locale, DatesAndTimesComeBackInEveryForm) {
     for (const form as : {form::main, form::medium_date, form::long_date}) {
       for (sys_days day = 1999y / 12 / 1; day < sys_days{2000y / 3 / 5}; day += days{1}) {
         expect_back(locale, year_month_day{day}, as, as);
+        expect_back(locale, day, as, as);
+        EXPECT_EQ(locale.format(local_days{day.time_since_epoch()}).value(), locale.format(day).value());
       }
       expect_back(locale, 1600y / 2 / 29, as, as);
       expect_back(locale, 9999y / 12 / 31, as, as);
@@ -149,6 +151,9 @@ TEST(Locale, RefusesWhatIsNoMoment) {
     EXPECT_EQ(locale.format(sys_seconds{time}).status(), time == -1s || time == 86400s ? 0 : VX_E_RANGE);
   }
   EXPECT_EQ(locale.format(hours::max()).status(), VX_E_RANGE);
+  for (const sys_days day : {sys_days::min(), sys_days::max(), sys_days{1582y / 1 / 1} - days{1}}) {
+    EXPECT_EQ(locale.format(day).status(), VX_E_RANGE);
+  }
   EXPECT_EQ(locale.format(duration<double>(NAN)).status(), VX_E_RANGE);
   EXPECT_EQ(locale.format(sys_days{1582y / 1 / 1} - 1s).status(), VX_E_RANGE);
   const vxnls::locale empty;
