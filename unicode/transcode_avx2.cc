@@ -1,4 +1,4 @@
-// The bodies for AVX2. A block of 32 bytes is looked at as a whole: what its characters are is computed at every
+// The bodies for AVX2. A block of 32 units is looked at as a whole: what its characters are is computed at every
 // position, and the positions where one begins are moved together. Stores run over the end of what a block gives, and
 // that is made good by the block behind it, which is therefore looked at before; where there is none, the block is
 // converted beside the buffer. What does not fit the pattern is left to one step by the plain coder.
@@ -79,12 +79,13 @@ void copy(uint8_t* out, const uint8_t* from, int64_t bytes) {
   }
 }
 
-/// A copy of `bytes` bytes, at most 64, with zeros behind it.
+/// A copy of `length` bytes, at most 66, with zeros behind it.
 struct Padded {
-  alignas(32) uint8_t bytes[2 * vector_bytes];
+  alignas(32) uint8_t bytes[3 * vector_bytes];
   const uint8_t* of(const uint8_t* in, int64_t length) {
     store(bytes, _mm256_setzero_si256());
     store(bytes + vector_bytes, _mm256_setzero_si256());
+    store(bytes + 2 * vector_bytes, _mm256_setzero_si256());
     copy(bytes, in, length);
     return bytes;
   }
@@ -187,19 +188,17 @@ struct Utf8 {
 template <std::endian input>
 struct Utf16 {
   using Source = Utf16Source<input>;
-  static constexpr int64_t unit = 2, positions = 16, lookahead = 2;
+  static constexpr int64_t unit = 2, positions = 32, lookahead = 2;
   static constexpr bool trusts_leads = false;
 
   static int64_t units_at(const uint8_t* lead) { return is_high_surrogate(load16<input>(lead)) ? 2 : 1; }
 
   static Block scan(const uint8_t* in, uint32_t carry) {
-    const Vector kind = _mm256_and_si256(units(in), every_word(0xFC00));
-    const Vector high = _mm256_cmpeq_epi16(kind, every_word(0xD800)),
-                 low = _mm256_cmpeq_epi16(kind, every_word(0xDC00));
-    if (carry == 0 && none(_mm256_or_si256(high, low), every_byte(0xFF))) return {0xFFFF, 0, 0, Block::plain};
-    const uint32_t both_masks = top_bits(_mm256_permute4x64_epi64(_mm256_packs_epi16(high, low), 0xD8));
-    const uint32_t announced = (both_masks & 0xFFFF) << 1 | carry, lows = both_masks >> 16;
-    return {~lows & 0xFFFF, (announced & 0xFFFF) ^ lows, announced >> 16, Block::full};
+    const Vector front = _mm256_and_si256(units(in), every_word(0xFC00));
+    const Vector back = _mm256_and_si256(units(in + vector_bytes), every_word(0xFC00));
+    const uint32_t high = places(front, back, every_word(0xD800)), low = places(front, back, every_word(0xDC00));
+    if ((high | low | carry) == 0) return {~0u, 0, 0, Block::plain};
+    return {~low, (high << 1 | carry) ^ low, high >> 31, Block::full};
   }
 
   /// Whether the next 64 bytes have no surrogates.
@@ -219,9 +218,10 @@ struct Utf16 {
   static int64_t write(const uint8_t* in, const Block& block, uint8_t* out) {
     if (block.kind == Block::plain) {
       write_plain<order>(in, out);
+      write_plain<order>(in + vector_bytes, out + 4 * 16);
       return positions;
     }
-    for (int i = 0; i < 16; i += 8) {
+    for (int i = 0; i < 32; i += 8) {
       const Vector unit32 = wide(in + 2 * i);
       // What a pair gives at its first unit, and what any other unit gives.
       constexpr uint32_t bias = 0x10000u - (0xD800u << 10) - 0xDC00u;
@@ -235,6 +235,11 @@ struct Utf16 {
   }
 
  private:
+  /// Where one of 32 words is as wanted.
+  static uint32_t places(Vector front, Vector back, Vector wanted) {
+    const Vector found = _mm256_packs_epi16(_mm256_cmpeq_epi16(front, wanted), _mm256_cmpeq_epi16(back, wanted));
+    return top_bits(_mm256_permute4x64_epi64(found, 0xD8));
+  }
   static Vector units(const uint8_t* in) { return input == little ? load(in) : swapped_words(load(in)); }
   static Vector wide(const uint8_t* in) {
     const __m128i eight = load_half(in);
@@ -248,14 +253,15 @@ template <class Form, std::endian order>
 int64_t convert_window(const uint8_t* in, int64_t length, uint8_t* out, int64_t capacity, int64_t* count) {
   Padded padded;
   alignas(32) uint8_t beside[4 * (Form::positions + 8)];
-  if (length >= vector_bytes && capacity >= Form::positions) {
+  constexpr int64_t block_bytes = Form::unit * Form::positions;
+  if (length >= block_bytes && capacity >= Form::positions) {
     const Block block = Form::scan(in, 0);
     if (block.kind == Block::plain) {
       *count += Form::template write<order>(in, block, out);
-      return vector_bytes;
+      return block_bytes;
     }
   }
-  const uint8_t* const from = length < vector_bytes + Form::lookahead ? padded.of(in, length) : in;
+  const uint8_t* const from = length < block_bytes + Form::lookahead ? padded.of(in, length) : in;
   Block block = Form::scan(from, 0);
   const int64_t there = std::min(length / Form::unit, Form::positions);
   const int64_t good = block.errors != 0 ? std::min<int64_t>(_tzcnt_u32(block.errors), there) : there;
@@ -277,30 +283,32 @@ int64_t convert_window(const uint8_t* in, int64_t length, uint8_t* out, int64_t 
 
 template <class Form, std::endian order>
 Converted to_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t capacity) {
-  constexpr int64_t ahead = 2 * vector_bytes;
+  constexpr int64_t block_bytes = Form::unit * Form::positions, ahead = 2 * block_bytes;
+  constexpr int64_t room_ahead = 2 * Form::positions;
   int64_t count = 0;
   for (;;) {
     int64_t carried = 0;
     Block block{};
-    for (bool scanned = false; length >= ahead && capacity - count >= ahead;) {
+    for (bool scanned = false; length >= ahead && capacity - count >= room_ahead;) {
       if (!scanned) {
         if (Form::all_plain(in)) {  // needs no looking ahead
+          constexpr int64_t characters = vector_bytes / Form::unit;
           Form::template write_plain<order>(in, out + 4 * count);
-          Form::template write_plain<order>(in + vector_bytes, out + 4 * (count + Form::positions));
-          count += 2 * Form::positions;
-          in += ahead;
-          length -= ahead;
+          Form::template write_plain<order>(in + vector_bytes, out + 4 * (count + characters));
+          count += 2 * characters;
+          in += 2 * vector_bytes;
+          length -= 2 * vector_bytes;
           continue;
         }
         block = Form::scan(in, 0);
         if (block.errors != 0) break;
       }
-      const Block next = Form::scan(in + vector_bytes, block.carry);
+      const Block next = Form::scan(in + block_bytes, block.carry);
       if (next.errors != 0) break;
       count += Form::template write<order>(in, block, out + 4 * count);
       carried = count_bits(block.carry);
-      in += vector_bytes;
-      length -= vector_bytes;
+      in += block_bytes;
+      length -= block_bytes;
       scanned = block.kind != Block::plain || next.kind != Block::plain;
       block = next;
     }
