@@ -1,5 +1,6 @@
 // Upper and lower case, and comparing.
 #include <unicode/ucasemap.h>
+#include <utf8proc.h>
 #include <wchar.h>
 
 #include <memory>
@@ -50,6 +51,22 @@ int64_t by_icu(Texts& texts, const UCaseMap* map, size_t i) {
                 static_cast<int32_t>(text.size()), &error);
 }
 
+template <utf8proc_int32_t map(utf8proc_int32_t)>
+int64_t by_utf8proc(Texts& texts, size_t i) {
+  const std::string& text = texts.at(i);
+  const auto* in = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  auto* out = reinterpret_cast<utf8proc_uint8_t*>(texts.out.data());
+  for (utf8proc_ssize_t left = page; left > 0;) {
+    utf8proc_int32_t c;
+    const utf8proc_ssize_t taken = utf8proc_iterate(in, left, &c);
+    if (taken <= 0) break;
+    out += utf8proc_encode_char(map(c), out);
+    in += taken;
+    left -= taken;
+  }
+  return reinterpret_cast<char*>(out) - texts.out.data();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -67,10 +84,12 @@ int main(int argc, char** argv) {
       .peer("plain loop, -O3", [=](size_t i) { plain_loop<'a', -32>(ascii->at(i), ascii->out); });
   Row("lower-latin-4k", "lower case, Latin mix, 4 KiB", {.reach = 0.5})
       .ours([=](size_t i) { return by_library<vxzsu8Lower2>(*latin, i); })
-      .peer("ICU ucasemap_utf8ToLower", [=](size_t i) { return by_icu<ucasemap_utf8ToLower>(*latin, map, i); });
+      .peer("ICU ucasemap_utf8ToLower", [=](size_t i) { return by_icu<ucasemap_utf8ToLower>(*latin, map, i); })
+      .peer("utf8proc, a character at a time", [=](size_t i) { return by_utf8proc<utf8proc_tolower>(*latin, i); });
   Row("upper-latin-4k", "upper case, Latin mix, 4 KiB", {.reach = 0.5})
       .ours([=](size_t i) { return by_library<vxzsu8Upper2>(*latin, i); })
-      .peer("ICU ucasemap_utf8ToUpper", [=](size_t i) { return by_icu<ucasemap_utf8ToUpper>(*latin, map, i); });
+      .peer("ICU ucasemap_utf8ToUpper", [=](size_t i) { return by_icu<ucasemap_utf8ToUpper>(*latin, map, i); })
+      .peer("utf8proc, a character at a time", [=](size_t i) { return by_utf8proc<utf8proc_toupper>(*latin, i); });
 
   // Pairs of texts that differ in their last unit.
   struct Pair {

@@ -102,6 +102,18 @@ int64_t by_unistring(const Shared& m, size_t i) {
   return static_cast<int64_t>(length);
 }
 
+int64_t by_wcstombs(const Shared& m, size_t i) {
+  return static_cast<int64_t>(wcstombs(reinterpret_cast<char*>(m->out.data()),
+                                       reinterpret_cast<const wchar_t*>(m->slice(m->utf32, i).c_str()), m->out.size()));
+}
+
+int64_t to_utf32_by_unistring(const Shared& m, size_t i) {
+  const std::string& text = m->slice(m->utf8, i);
+  size_t length = m->out.size() / 4;
+  u8_to_u32(bytes_of(text), text.size(), reinterpret_cast<uint32_t*>(m->out.data()), &length);
+  return static_cast<int64_t>(length);
+}
+
 std::string title(const char* what, const Kind& kind, const Size& size) {
   return std::string(what) + ", " + kind.title + ", " + size.title;
 }
@@ -112,13 +124,15 @@ void utf8_and_utf32(const Kind& kind, const Size& size, double to, double from) 
   const auto bytes = static_cast<int64_t>(size.bytes);
   Row("utf8-to-utf32" + suffix, title("UTF-8 to UTF-32", kind, size), {times(to), bytes})
       .ours([m](size_t i) { return to_utf32(m->slice(m->utf8, i), m->out, UTF8_UTF32); })
-      .peer("glibc mbstowcs", [m](size_t i) { return by_mbstowcs(m, i); });
+      .peer("glibc mbstowcs", [m](size_t i) { return by_mbstowcs(m, i); })
+      .peer("libunistring u8_to_u32", [m](size_t i) { return to_utf32_by_unistring(m, i); });
   Row("utf32-to-utf8" + suffix, title("UTF-32 to UTF-8", kind, size), {times(from), bytes})
       .ours([m](size_t i) {
         const Utf32& text = m->slice(m->utf32, i);
         return from_utf32(bytes_of(text), length_of(text), m->out, UTF32_UTF8);
       })
-      .peer("libunistring u32_to_u8", [m](size_t i) { return by_unistring(m, i); });
+      .peer("libunistring u32_to_u8", [m](size_t i) { return by_unistring(m, i); })
+      .peer("glibc wcstombs", [m](size_t i) { return by_wcstombs(m, i); });
 }
 
 void utf16(const Kind& kind, const Size& size, double from_utf8) {
@@ -185,9 +199,14 @@ void counting(const Kind& kind, const Size& size) {
         const std::string& text = m->slice(m->utf8, i);
         return vxzsu8NumChars(bytes_of(text), length_of(text));
       })
-      .peer("count_if, -O3", [m](size_t i) {
+      .peer("count_if, -O3",
+            [m](size_t i) {
+              const std::string& text = m->slice(m->utf8, i);
+              return std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
+            })
+      .peer("libunistring u8_mbsnlen", [m](size_t i) {
         const std::string& text = m->slice(m->utf8, i);
-        return std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
+        return static_cast<int64_t>(u8_mbsnlen(bytes_of(text), text.size()));
       });
   Row("utf8-length" + suffix, title("UTF-8 length of UTF-32", kind, size), {times(2.5), bytes})
       .ours([m](size_t i) {
