@@ -190,7 +190,7 @@ TEST(Filter, BlocksAreAnsweredAtOnce) {
     Filter filter(fmt::format("vxnls parse number --locale de_DE --unread '\\N' --ok-unread{}",
                               with_header ? " --chunk-header" : ""));
     int64_t number = 0;
-    for (const size_t size : {1, 0, 3, 10'000, 1, 2, 0, 500}) {
+    for (const size_t size : {1U, 0U, 3U, 10'000U, 1U, 2U, 0U, 500U}) {
       std::string block = with_header ? fmt::format("{}\n", size) : "";
       std::string expected;
       for (size_t i = 0; i < size; ++i, ++number) {
