@@ -28,6 +28,13 @@ const Number& extended_power_of_ten(int64_t exponent) {
   else return soft_powers_of_ten.entry[exponent];
 }
 
+/// A whole number below 2^63; as a signed one, which the processor converts in one instruction.
+template <class Number>
+Number exactly(uint64_t whole) {
+  if constexpr (std::is_same_v<Number, long double>) return static_cast<long double>(static_cast<int64_t>(whole));
+  else return Number(whole);
+}
+
 /// The greatest whole mantissa whose product with 10^exponent, from 293 to 308, is a double still. The exact limit is
 /// this and a fraction, never whole (5 does not divide the largest double), and mantissas are whole: so none is equal
 /// to it, and comparing with the whole part decides.

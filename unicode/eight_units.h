@@ -25,6 +25,39 @@ constexpr Eight little_endian(Eight bytes) {
   return std::endian::native == std::endian::little ? bytes : __builtin_bswap64(bytes);
 }
 
+/// One, four or eight units as bytes; what is no byte becomes one that is not ASCII, or 0.
+inline Eight take_one(const uint8_t* from) { return *from; }
+inline Eight take_four(const uint8_t* from) {
+  uint32_t bytes;
+  std::memcpy(&bytes, from, sizeof bytes);
+  return std::endian::native == std::endian::little ? bytes : __builtin_bswap32(bytes);
+}
+inline Eight take_eight(const uint8_t* from) {
+  Eight bytes;
+  std::memcpy(&bytes, from, sizeof bytes);
+  return little_endian(bytes);
+}
+
+inline Eight take_one(const VXChar* from) { return *from <= 0xFF ? *from : 0xFF; }
+inline Eight take_four(const VXChar* from) {
+#ifdef __SSE2__
+  const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  const __m128i words = _mm_packs_epi32(units, units);
+  return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(words, words)));
+#else
+  return take_one(from) | take_one(from + 1) << 8 | take_one(from + 2) << 16 | take_one(from + 3) << 24;
+#endif
+}
+inline Eight take_eight(const VXChar* from) {
+#ifdef __SSE2__
+  const auto* const place = reinterpret_cast<const __m128i*>(from);
+  const __m128i words = _mm_packs_epi32(_mm_loadu_si128(place), _mm_loadu_si128(place + 1));
+  return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(words, words)));
+#else
+  return take_four(from) | take_four(from + 4) << 32;
+#endif
+}
+
 inline void put_eight(uint8_t* out, Eight bytes) {
   bytes = little_endian(bytes);
   std::memcpy(out, &bytes, sizeof bytes);
