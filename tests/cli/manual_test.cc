@@ -10,12 +10,15 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <regex>
 #include <string>
 
+#include "cli/column/kind.h"
 #include "cli/commands.h"
 #include "cli/help.h"
+#include "cli/json.h"
 #include "tests/cli/command_line.h"
 
 namespace {
@@ -88,6 +91,7 @@ TEST(Manual, OfTheLibraryNamesWhatTheHeadersHave) {
   const std::string page = shown(build_folder / "man/man3/vxnlsloc.3");
   std::string headers;
   for (const auto& entry : fs::directory_iterator(fs::path(VXNLS_SOURCE_FOLDER) / "include/vxnls")) {
+    if (entry.path().extension() != ".h") continue;  // the C++ face stands on these
     const std::string name = entry.path().filename();
     EXPECT_NE(page.find(fmt::format("<vxnls/{}>", name)), std::string::npos) << name;
     std::ifstream file(entry.path());
@@ -104,6 +108,35 @@ TEST(Manual, OfTheLibraryNamesWhatTheHeadersHave) {
     EXPECT_NE(page.find(fmt::format("{}  {}\n", found->str(1), found->str(2))), std::string::npos) << found->str(1);
   }
   EXPECT_EQ(vxtest::run_line(VXNLS_MANUAL_EXAMPLE).out, "21.11.2026 14:05:09\n");
+}
+
+/// Every name that an emitted profile has, wherever it stands.
+void for_each_member(const Json& json, const std::function<void(const std::string&)>& each) {
+  for (const auto& [name, value] : json.items()) {
+    if (json.is_object()) each(name);
+    if (value.is_structured()) for_each_member(value, each);
+  }
+}
+
+TEST(Manual, OfTheProfileNamesWhatTheFileHolds) {
+  const fs::path source = fs::path(VXNLS_SOURCE_FOLDER) / "docs/man/vxnls-profile.5.in";
+  const std::string page = shown(build_folder / "man/man5/vxnls-profile.5");
+  const auto expect_word = [&](std::string_view word) {
+    EXPECT_TRUE(std::regex_search(page, std::regex(fmt::format("(^|[ \\[]){}[\n ,;:.\\]]", word)))) << word;
+  };
+  const auto emitted =
+      vxtest::run_line("vxnls recognise -q --emit-profile /dev/fd/9 - 9>&1 >/dev/null", "d,n\n03/04/21,1\nx,\"1,5\"\n");
+  for_each_member(Json::parse(emitted.out), expect_word);
+  for (const std::string_view word : column::kind_words) expect_word(word);
+  for (const std::string_view word : column::order_words) expect_word(word);
+  for (const std::string_view word : column::source_words) expect_word(word);
+
+  const std::string script = fmt::format(
+      "p=$(mktemp); sed -n -f {}/tests/cli/manual_example.sed {} > $p; "
+      "vxnls normalise -q --profile $p -; rm $p",
+      VXNLS_SOURCE_FOLDER, source.string());
+  EXPECT_EQ(vxtest::run_line(script, "when,amount\n3.4.2021,\"1.234,5\"\n31. März 2020,7\n").out,
+            "when,amount\n2021-04-03,\"1234.5\"\n2020-03-31,7\n");
 }
 
 }  // namespace
