@@ -14,6 +14,7 @@
 #include "cli/column/reader.h"
 #include "cli/columns.h"
 #include "cli/commands.h"
+#include "cli/input.h"
 #include "cli/json.h"
 #include "cli/number.h"
 #include "cli/options.h"
@@ -289,12 +290,8 @@ std::vector<column::Decision> decisions_of_profile(const std::string& path) {
   const columns::File file(&path);
   std::string text;
   std::array<char, 1 << 16> bytes{};
-  for (;;) {
-    const ssize_t count = read(file.descriptor(), bytes.data(), bytes.size());
-    if (count == 0) break;
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) fail(ExitCode::io, "{}: {}", path, std::strerror(errno));
-    text.append(bytes.data(), static_cast<size_t>(count));
+  while (const size_t count = read_some(file.descriptor(), path, bytes.data(), bytes.size(), ::read)) {
+    text.append(bytes.data(), count);
   }
   return column::read_profile(text, path);
 }
@@ -342,7 +339,7 @@ class Normaliser {
     std::optional<Reject> failed;
     Output& out = invocation_.out;
     out.put(input_.reader().head().bytes);
-    table::Progress progress(invocation_.arguments.has(options::quiet));
+    table::Progress progress(invocation_.arguments.has(options::quiet), table::Meanwhile::output);
     table::Stages<Result> stages;
     stages.make_worker = [&] {
       auto rewriting = std::make_shared<Rewriting>(plan_, maker_);

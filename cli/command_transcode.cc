@@ -1,17 +1,18 @@
 // vxnls transcode
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <vector>
 
 #include "cli/coding.h"
 #include "cli/commands.h"
+#include "cli/input.h"
+#include "cli/options.h"
 #include "cli/session.h"
 #include "cli/suggest.h"
+#include "cli/table/progress.h"
 #include "cli/text.h"
 
 namespace vxcli {
@@ -64,63 +65,21 @@ class Source {
 
   const std::string& name() const { return name_; }
 
-  /// Whether a read would wait.
-  bool is_pausing() const {
-    pollfd wanted{descriptor_, POLLIN, 0};
-    return poll(&wanted, 1, 0) == 0;
-  }
+  bool is_pausing() const { return !is_readable(descriptor_); }
+  uint64_t size() const { return bytes_left(descriptor_); }
 
   /// Appends a block; false at the end.
   bool read_more(std::vector<uint8_t>& bytes) const {
     const size_t before = bytes.size();
     bytes.resize(before + block_size);
-    for (;;) {
-      const ssize_t count = read(descriptor_, bytes.data() + before, block_size);
-      if (count >= 0) {
-        bytes.resize(before + static_cast<size_t>(count));
-        return count > 0;
-      }
-      if (errno == EAGAIN) {
-        pollfd wanted{descriptor_, POLLIN, 0};
-        poll(&wanted, 1, -1);
-      } else if (errno != EINTR) {
-        fail(ExitCode::io, "{}: {}", name_, std::strerror(errno));
-      }
-    }
+    const size_t count = read_some(descriptor_, name_, bytes.data() + before, block_size, ::read);
+    bytes.resize(before + count);
+    return count > 0;
   }
 
  private:
   std::string name_;
   int descriptor_ = STDIN_FILENO;
-};
-
-/// How far it came, on a line of its own, while standard error is a terminal.
-class Progress {
- public:
-  explicit Progress(bool wanted) : shown_(wanted && isatty(STDERR_FILENO) != 0) {}
-  ~Progress() {
-    if (drawn_) put("\r\033[K");
-  }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-
-  void at(uint64_t bytes) {
-    if (!shown_) return;
-    const auto now = std::chrono::steady_clock::now();
-    if (now - last_ < std::chrono::milliseconds(250)) return;
-    last_ = now;
-    drawn_ = true;
-    put(fmt::format("\r\033[K{} MB", bytes / 1'000'000));
-  }
-
- private:
-  static void put(const std::string& text) {
-    [[maybe_unused]] const ssize_t ignored = write(STDERR_FILENO, text.data(), text.size());
-  }
-
-  bool shown_;
-  bool drawn_ = false;
-  std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
 };
 
 enum class OnError { fail, replace, skip };
@@ -137,7 +96,8 @@ class Transcoder {
 
   ExitCode run(const std::string* path) {
     const Source source(path);
-    Progress progress(true);
+    const uint64_t size = source.size();
+    table::Progress progress(invocation_.arguments.has(options::quiet), table::Meanwhile::output);
     std::vector<uint8_t> bytes;
     for (bool more = true; more;) {
       if (source.is_pausing()) hand_on(true);
@@ -146,7 +106,7 @@ class Transcoder {
       bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(taken));
       offset_ += taken;
       hand_on(false);
-      progress.at(offset_);
+      progress.show(offset_, size);
     }
     if (faults_ == 0) return ExitCode::done;
     invocation_.messages.note(fmt::format("{}: {} that {} no {}, the first at byte {}: {}", source.name(),

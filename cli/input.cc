@@ -1,8 +1,10 @@
 #include "cli/input.h"
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -15,7 +17,34 @@ namespace {
 
 constexpr size_t block_size = size_t{1} << 16;
 
+bool wait_until_readable(int descriptor, int milliseconds) {
+  pollfd wanted{descriptor, POLLIN, 0};
+  return poll(&wanted, 1, milliseconds) != 0;
+}
+
 }  // namespace
+
+size_t read_some(int descriptor, const std::string& name, void* bytes, size_t count, Read read) {
+  for (;;) {
+    const ssize_t taken = read(descriptor, bytes, count);
+    if (taken >= 0) return static_cast<size_t>(taken);
+    if (errno == EAGAIN) {
+      wait_until_readable(descriptor, -1);
+    } else if (errno != EINTR) {
+      fail(ExitCode::io, "cannot read {}: {}", name, std::strerror(errno));
+    }
+  }
+}
+
+bool is_readable(int descriptor) { return wait_until_readable(descriptor, 0); }
+
+uint64_t bytes_left(int descriptor) {
+  struct stat status {};
+  if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return 0;
+  // A file may be handed over with its first part already read.
+  const off_t begin = std::max<off_t>(lseek(descriptor, 0, SEEK_CUR), 0);
+  return static_cast<uint64_t>(std::max<off_t>(status.st_size - begin, 0));
+}
 
 LineReader::LineReader(int descriptor, std::string name, std::function<void()> before_waiting)
     : LineReader(descriptor, std::move(name), std::move(before_waiting), ::read) {}
@@ -31,20 +60,10 @@ bool LineReader::fill() {
   if (before_waiting_) before_waiting_();
   const size_t held = buffer_.size();
   buffer_.resize(held + block_size);
-  for (;;) {
-    const ssize_t count = read_(descriptor_, buffer_.data() + held, block_size);
-    if (count >= 0) {
-      buffer_.resize(held + static_cast<size_t>(count));
-      at_end_ = count == 0;
-      return !at_end_;
-    }
-    if (errno == EAGAIN) {
-      pollfd wanted{descriptor_, POLLIN, 0};
-      poll(&wanted, 1, -1);
-    } else if (errno != EINTR) {
-      fail(ExitCode::io, "cannot read {}: {}", name_, std::strerror(errno));
-    }
-  }
+  const size_t count = read_some(descriptor_, name_, buffer_.data() + held, block_size, read_);
+  buffer_.resize(held + count);
+  at_end_ = count == 0;
+  return !at_end_;
 }
 
 bool LineReader::next(Line& line) {

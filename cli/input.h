@@ -1,4 +1,4 @@
-// Lines from a file descriptor, in bounded memory.
+// Bytes and lines from a file descriptor, in bounded memory.
 #ifndef VXNLS_CLI_INPUT_H
 #define VXNLS_CLI_INPUT_H
 
@@ -12,12 +12,22 @@
 
 namespace vxcli {
 
+using Read = ssize_t (*)(int descriptor, void* bytes, size_t count);
+
+/// Reads once, waiting where there is nothing to read yet: at least one byte, or 0 at the end. `name` as messages
+/// should have it. Throws Failure (ExitCode::io).
+size_t read_some(int descriptor, const std::string& name, void* bytes, size_t count, Read read);
+
+/// Whether reading would not wait.
+bool is_readable(int descriptor);
+
+/// The bytes of a regular file that are still to be read; of anything else 0.
+uint64_t bytes_left(int descriptor);
+
 /// Splits at "\n"; a "\r" before it goes too. A last line needs no "\n". Any other byte, NUL too, belongs to the line.
 class LineReader {
  public:
   static constexpr size_t longest_line = size_t{1} << 16;
-  using Read = ssize_t (*)(int descriptor, void* bytes, size_t count);
-
   struct Line {
     std::string_view text;  // until the next call
     uint64_t number = 0;    // from 1

@@ -1,11 +1,8 @@
 #include "cli/table/block_reader.h"
 
-#include <poll.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -61,20 +58,10 @@ BlockReader::BlockReader(int descriptor, std::string name, const Dialect& dialec
       dialect_(dialect),
       read_(read != nullptr ? read : ::read),
       block_size_(std::max<size_t>(block_size, 1)),
-      ends_(dialect) {
-  struct stat status {};
-  if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
-    // A file may be handed over with its first part already read.
-    const off_t begin = std::max<off_t>(lseek(descriptor, 0, SEEK_CUR), 0);
-    size_ = static_cast<uint64_t>(std::max<off_t>(status.st_size - begin, 0));
-  }
-}
+      size_(bytes_left(descriptor)),
+      ends_(dialect) {}
 
-bool BlockReader::input_ready() const {
-  if (size_ > 0) return true;
-  pollfd wanted{descriptor_, POLLIN, 0};
-  return poll(&wanted, 1, 0) != 0;
-}
+bool BlockReader::input_ready() const { return size_ > 0 || is_readable(descriptor_); }
 
 bool BlockReader::ready() const {
   return !sampled_.empty() || seen_.end > 0 || at_end_ || failure_ != nullptr || input_ready();
@@ -88,22 +75,13 @@ void BlockReader::read_more() {
     buffer_.reserve(block_size_, held_);
   }
   const size_t room = (held_ < block_size_ ? block_size_ : buffer_.capacity()) - held_;
-  for (;;) {
-    const ssize_t count = read_(descriptor_, buffer_.data() + held_, room);
-    if (count >= 0) {
-      held_ += static_cast<size_t>(count);
-      read_bytes_ += static_cast<uint64_t>(count);
-      at_end_ = count == 0;
-      return;
-    }
-    if (errno == EAGAIN) {
-      pollfd wanted{descriptor_, POLLIN, 0};
-      poll(&wanted, 1, -1);
-    } else if (errno != EINTR) {
-      failure_ = std::make_exception_ptr(
-          Failure(ExitCode::io, fmt::format("cannot read {}: {}", name_, std::strerror(errno))));
-      return;
-    }
+  try {
+    const size_t count = read_some(descriptor_, name_, buffer_.data() + held_, room, read_);
+    held_ += count;
+    read_bytes_ += count;
+    at_end_ = count == 0;
+  } catch (const Failure&) {
+    failure_ = std::current_exception();
   }
 }
 

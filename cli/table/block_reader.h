@@ -2,8 +2,6 @@
 #ifndef VXNLS_CLI_TABLE_BLOCK_READER_H
 #define VXNLS_CLI_TABLE_BLOCK_READER_H
 
-#include <sys/types.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -14,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/input.h"
 #include "cli/table/dialect.h"
 #include "cli/table/splitter.h"
 
@@ -64,7 +63,6 @@ class RecordEnds {
 /// being read.
 class BlockReader {
  public:
-  using Read = ssize_t (*)(int descriptor, void* bytes, size_t count);
   static constexpr size_t usual_block = size_t{1} << 20;
 
   /// `name` as messages should have it. Blocks of about `block_size` bytes; results never depend on it.
@@ -113,7 +111,7 @@ class BlockReader {
   const Dialect dialect_;
   const Read read_;
   const size_t block_size_;
-  uint64_t size_ = 0;
+  const uint64_t size_;
   uint64_t read_bytes_ = 0;
 
   Buffer buffer_;        // what was read and not cut off yet

@@ -16,6 +16,8 @@ constexpr std::string_view wiped = "\r\x1b[K";
 
 std::string megabytes(double bytes) { return fmt::format("{:.1f} MB", bytes / 1e6); }
 
+bool is_terminal(int descriptor) { return isatty(descriptor) != 0; }
+
 void to_terminal(std::string_view text) {
   // A terminal takes a line whole; what it does not take is not worth waiting for.
   if (write(STDERR_FILENO, text.data(), text.size()) < 0) return;
@@ -35,8 +37,10 @@ std::string progress_text(uint64_t bytes, uint64_t size, std::chrono::duration<d
   return text;
 }
 
-Progress::Progress(bool quiet)
-    : shown_(!quiet && isatty(STDERR_FILENO) != 0), begin_(Clock::now()), due_(begin_ + 500ms) {}
+Progress::Progress(bool quiet, Meanwhile meanwhile)
+    : shown_(!quiet && is_terminal(STDERR_FILENO) && !(meanwhile == Meanwhile::output && is_terminal(STDOUT_FILENO))),
+      begin_(Clock::now()),
+      due_(begin_ + 500ms) {}
 
 void Progress::show(uint64_t bytes, uint64_t size) {
   if (!shown_) return;

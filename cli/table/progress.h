@@ -11,12 +11,15 @@ namespace vxcli::table {
 /// "12.3 MB of 100.0 MB, 12%, 240.1 MB/s"; without the total where `size` is 0.
 std::string progress_text(uint64_t bytes, uint64_t size, std::chrono::duration<double> elapsed);
 
+/// Whether the command writes while it reads.
+enum class Meanwhile { silence, output };
+
 /// A line on standard error that is rewritten, at most ten times a second and not before half a second has gone by;
 /// nothing when standard error is no terminal. That it cannot be written changes nothing.
 class Progress {
  public:
-  /// `quiet`: nothing in any case.
-  explicit Progress(bool quiet);
+  /// `quiet`: nothing in any case. Nor when there is output to a terminal, among which the line would stand.
+  explicit Progress(bool quiet, Meanwhile meanwhile = Meanwhile::silence);
   ~Progress() { wipe(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;

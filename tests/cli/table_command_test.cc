@@ -130,6 +130,7 @@ struct Sweep {
 };
 constexpr Sweep sweeps[] = {
     {"vxnls parse date -l de_DE < @/dates", 10},
+    {"vxnls transcode --to utf-16le @/dates", 10},
     {"vxnls normalise -c when:date,amount:number -l de_DE --rejects @/rejects @/table.csv", 40, "rejects"},
     {"vxnls normalise --profile @/profile --invalid mark -j 2 < @/table.csv", 2000},
     {"vxnls recognise -l de_DE --emit-profile @/again @/table.csv", 40, "again"},
