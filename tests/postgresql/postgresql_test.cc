@@ -148,6 +148,15 @@ TEST_F(PostgreSQL, Errors) {
   }
 }
 
+/// That another locale stands in is told once.
+TEST_F(PostgreSQL, SubstituteLocale) {
+  Connection connection = server->connect();
+  for (const char* locale : {"de_DE", "de_XX", "de_XX", "de-DE"}) {
+    EXPECT_EQ(connection.run(fmt::format("SELECT vx_parse_number('1,5', '{}')", locale)).text(), "1.5");
+  }
+  EXPECT_EQ(connection.notices(), "WARNING:  there is no locale \"de_XX\"; de stands in for it\n");
+}
+
 /// Databases in other encodings hold the same texts; what an encoding has no character for is an error of the server's,
 /// and in a message a question mark.
 TEST_F(PostgreSQL, Encodings) {

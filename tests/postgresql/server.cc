@@ -88,7 +88,8 @@ std::string Reply::text() const {
 Connection::Connection(const std::string& parameters) : connection_(PQconnectdb(parameters.c_str())) {
   if (PQstatus(connection_.get()) != CONNECTION_OK) throw std::runtime_error(PQerrorMessage(connection_.get()));
   PQsetNoticeProcessor(
-      connection_.get(), [](void*, const char*) {}, nullptr);
+      connection_.get(), [](void* notices, const char* text) { *static_cast<std::string*>(notices) += text; },
+      notices_.get());
 }
 
 Reply Connection::reply_of(PGresult* result) {

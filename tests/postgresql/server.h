@@ -30,6 +30,8 @@ class Connection {
   Reply run(const std::string& statement);
   /// Rows into a table: lines of tab-separated columns.
   Reply copy_in(const std::string& statement, const std::string& lines);
+  /// Notices and warnings, as they came.
+  const std::string& notices() const { return *notices_; }
   int process() const { return PQbackendPID(connection_.get()); }
 
  private:
@@ -37,6 +39,7 @@ class Connection {
   struct Finish {
     void operator()(PGconn* connection) const { PQfinish(connection); }
   };
+  std::unique_ptr<std::string> notices_ = std::make_unique<std::string>();
   std::unique_ptr<PGconn, Finish> connection_;
 };
 
