@@ -72,11 +72,12 @@ foreach(place vxnls:bash-completion/completions _vxnls:zsh/vendor-completions vx
   install(FILES ${completions}/${file} DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder} COMPONENT command)
 endforeach()
 
-# Manual pages, packed as Debian has them where there is gzip.
+# Manual pages, packed as Debian has them where there is gzip: of the command, its files, and the library.
 set(pages ${PROJECT_BINARY_DIR}/man)
 find_program(VXNLS_GZIP gzip)
-if(TARGET man_pages AND VXNLS_GZIP)
-  add_custom_command(OUTPUT ${pages}-packed/written DEPENDS man_pages ${pages}/man1/vxnls.1
+if(VXNLS_GZIP)
+  file(GLOB written_by_hand ${pages}/man[2-9]/*)
+  add_custom_command(OUTPUT ${pages}-packed/written DEPENDS man_pages ${pages}/man1/vxnls.1 ${written_by_hand}
     COMMAND ${CMAKE_COMMAND} -E rm -rf ${pages}-packed
     COMMAND ${CMAKE_COMMAND} -E copy_directory ${pages} ${pages}-packed/man
     COMMAND ${VXNLS_GZIP} -9nr ${pages}-packed/man
@@ -84,9 +85,8 @@ if(TARGET man_pages AND VXNLS_GZIP)
   add_custom_target(packed_man_pages ALL DEPENDS ${pages}-packed/written)
   set(pages ${pages}-packed/man)
 endif()
-if(TARGET man_pages)
-  install(DIRECTORY ${pages}/ DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT command)
-endif()
+install(DIRECTORY ${pages}/man1 ${pages}/man5 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT command)
+install(DIRECTORY ${pages}/man3 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT development)
 
 # The reference manual, in BUILD/manual.
 add_custom_target(manual COMMAND ${PROJECT_SOURCE_DIR}/script/manual ${PROJECT_BINARY_DIR}/manual VERBATIM)
