@@ -1,15 +1,15 @@
 // The functions that SQL calls. An error of the server is a long jump, so nothing in here has a destructor; whatever
 // has one is behind session.h.
 extern "C" {
-#include "postgres.h"
+#include <postgres.h>
 
-#include "catalog/namespace.h"
-#include "fmgr.h"
-#include "mb/pg_wchar.h"
-#include "storage/ipc.h"
-#include "utils/builtins.h"
-#include "utils/date.h"
-#include "utils/datetime.h"
+#include <catalog/namespace.h>
+#include <fmgr.h>
+#include <mb/pg_wchar.h>
+#include <storage/ipc.h>
+#include <utils/builtins.h>
+#include <utils/date.h>
+#include <utils/datetime.h>
 
 PG_MODULE_MAGIC;
 }
