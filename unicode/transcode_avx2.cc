@@ -129,7 +129,16 @@ struct Utf8 {
   static bool all_plain(const uint8_t* in) { return top_bits(_mm256_or_si256(load(in), load(in + vector_bytes))) == 0; }
   template <std::endian order>
   static void write_plain(const uint8_t* in, uint8_t* out) {
-    for (int i = 0; i < 32; i += 8) store_dwords<order>(out + 4 * i, _mm256_cvtepu8_epi32(load_quarter(in + i)));
+    constexpr char z = static_cast<char>(no_byte);
+    const Vector first = _mm256_setr_epi8(0, z, z, z, 1, z, z, z, 2, z, z, z, 3, z, z, z,  //
+                                          4, z, z, z, 5, z, z, z, 6, z, z, z, 7, z, z, z);
+    const Vector second = _mm256_setr_epi8(8, z, z, z, 9, z, z, z, 10, z, z, z, 11, z, z, z,  //
+                                           12, z, z, z, 13, z, z, z, 14, z, z, z, 15, z, z, z);
+    for (int i = 0; i < 32; i += 16) {
+      const Vector bytes = both(load_half(in + i));
+      store_dwords<order>(out + 4 * i, _mm256_shuffle_epi8(bytes, first));
+      store_dwords<order>(out + 4 * i + 32, _mm256_shuffle_epi8(bytes, second));
+    }
   }
 
   template <std::endian order>
@@ -281,6 +290,18 @@ int64_t convert_window(const uint8_t* in, int64_t length, uint8_t* out, int64_t 
   return end * Form::unit;
 }
 
+/// Writes the plain characters at the front, at most `most`, 64 bytes of them at a time: that needs no looking ahead.
+template <class Form, std::endian order>
+int64_t write_plain_run(const uint8_t* in, int64_t most, uint8_t* out) {
+  constexpr int64_t of_vector = vector_bytes / Form::unit;
+  int64_t done = 0;
+  for (; most - done >= 2 * of_vector && Form::all_plain(in + Form::unit * done); done += 2 * of_vector) {
+    Form::template write_plain<order>(in + Form::unit * done, out + 4 * done);
+    Form::template write_plain<order>(in + Form::unit * done + vector_bytes, out + 4 * (done + of_vector));
+  }
+  return done;
+}
+
 template <class Form, std::endian order>
 Converted to_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t capacity) {
   constexpr int64_t block_bytes = Form::unit * Form::positions, ahead = 2 * block_bytes;
@@ -291,13 +312,12 @@ Converted to_utf32(const uint8_t* in, int64_t length, uint8_t* out, int64_t capa
     Block block{};
     for (bool scanned = false; length >= ahead && capacity - count >= room_ahead;) {
       if (!scanned) {
-        if (Form::all_plain(in)) {  // needs no looking ahead
-          constexpr int64_t characters = vector_bytes / Form::unit;
-          Form::template write_plain<order>(in, out + 4 * count);
-          Form::template write_plain<order>(in + vector_bytes, out + 4 * (count + characters));
-          count += 2 * characters;
-          in += 2 * vector_bytes;
-          length -= 2 * vector_bytes;
+        const int64_t plain =
+            write_plain_run<Form, order>(in, std::min(length / Form::unit, capacity - count), out + 4 * count);
+        if (plain > 0) {
+          count += plain;
+          in += Form::unit * plain;
+          length -= Form::unit * plain;
           continue;
         }
         block = Form::scan(in, 0);
