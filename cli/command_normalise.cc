@@ -122,7 +122,15 @@ class Rewriting {
  public:
   Rewriting(const Plan& plan, const column::LocaleMaker& maker)
       : plan_(plan), splitter_(plan.dialect, plan.columns, plan.expected_cells) {
-    for (const column::Decision& decision : plan.decisions) readers_.emplace_back(maker, decision, plan.output);
+    for (column::Decision decision : plan.decisions) {
+      readers_.emplace_back(maker, decision, plan.output);
+      if (plan.dialect.format != table::Format::json_lines) continue;
+      // The numbers of JSON have a decimal point whatever its strings have.
+      decision.decimal_point = ".";
+      decision.group_separators.clear();
+      decision.unit.clear();
+      number_readers_.emplace_back(maker, decision, plan.output);
+    }
   }
 
   void work(const table::Block& block, Result& result) {
@@ -166,12 +174,13 @@ class Rewriting {
     // Numbers, true and null of JSON are values already; what is nested is none.
     if (cell.kind == table::Kind::literal || cell.kind == table::Kind::nested) return true;
     const column::Kind kind = plan_.decisions[cell.column].kind;
-    const bool numeric = kind == column::Kind::number || kind == column::Kind::integer;
-    if (cell.kind == table::Kind::number && numeric && plan_.output.to_locale.empty()) {
+    const bool json_number =
+        cell.kind == table::Kind::number && (kind == column::Kind::number || kind == column::Kind::integer);
+    if (json_number && plan_.output.to_locale.empty()) {
       ++result.counts[cell.column][Outcome::read];
       return true;
     }
-    column::Reader& reader = readers_[cell.column];
+    column::Reader& reader = (json_number ? number_readers_ : readers_)[cell.column];
     const std::string_view value = splitter_.value(record_, cell, scratch_);
     const Outcome outcome = reader.read(value);
     ++result.counts[cell.column][outcome];
@@ -192,7 +201,7 @@ class Rewriting {
 
   const Plan& plan_;
   table::Splitter splitter_;
-  std::vector<column::Reader> readers_;
+  std::vector<column::Reader> readers_, number_readers_;
   table::Record record_;
   std::string scratch_;
 };

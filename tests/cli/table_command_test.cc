@@ -105,6 +105,17 @@ TEST_F(TableCommand, TheSameBytesHoweverTheInputIsCut) {
   }
 }
 
+TEST(TableOfJson, NumbersHaveAPointWhateverTheStringsHave) {
+  static constexpr vxtest::CommandCase cases[] = {
+      {"vxnls normalise -q --format jsonl -c n:number -l de_DE",
+       "{\"n\":\"1234.5\"}\n{\"n\":\"2.25\"}\n{\"n\":1.500}\n", "", 0,
+       "{\"n\":\"1.234,5\"}\n{\"n\":\"2,25\"}\n{\"n\":1.500}\n"},
+      {"vxnls normalise -q --format jsonl -c n:number -l de_DE --to-locale de_DE",
+       "{\"n\":\"1.234,5\"}\n{\"n\":\"2,25\"}\n{\"n\":\"1,500\"}\n", "", 0,
+       "{\"n\":\"1.234,5\"}\n{\"n\":\"2,25\"}\n{\"n\":1.500}\n"}};
+  vxtest::expect(cases);
+}
+
 TEST_F(TableCommand, TheSameBytesThroughParallel) {
   std::string text;
   for (int i = 0; i < 2000; ++i)
