@@ -48,7 +48,9 @@ add_for() {
     grep -q "Failed to fetch" "$work/log" && skip "Debian's archive cannot be reached: $(tail -n 3 "$work/log")"
     fail "$(<"$work/log")"
   }
-  find "$work/cache/archives" -name '*.deb' -print0 | xargs -0 -n 1 -P 2 sh -c 'dpkg-deb -x "$1" "$0"' "$root"
+  # Not dpkg-deb --extract: in a user's own namespace there is no other owner than root.
+  find "$work/cache/archives" -name '*.deb' -print0 | xargs -0 -n 1 -P 2 bash -e -o pipefail -c \
+    'dpkg-deb --fsys-tarfile "$1" | tar -C "$0" -x --no-same-owner --keep-directory-symlink' "$root"
   local package name
   for package in "$work"/cache/archives/*.deb; do
     dpkg-deb -f "$package" >>"$database/status"
