@@ -140,6 +140,29 @@ Library::Library(const LocaleMaker& make_locale, const std::string& locale, bool
   offset_piece_ = make_time_form("%z", strict).piece;
 }
 
+std::vector<std::string> Library::names(std::string_view directive) const {
+  std::vector<std::string> all;
+  const auto add = [&](std::span<const NLSName> list) {
+    for (const NLSName& name : list) all.push_back(utf8(name));
+  };
+  for (const VXLocale* each : locales_) {
+    const VXLocaleData& data = *each->localeData;
+    if (directive == "%b") {
+      add(data.monthNames);
+      add(data.altMonthNames);
+    } else if (directive == "%A") {
+      add(data.dayNames);
+      add(data.altDayNames);
+    } else if (directive == "%q") {
+      add(data.quarterNames);
+    } else {
+      add({&data.amMarker, 1});
+      add({&data.pmMarker, 1});
+    }
+  }
+  return all;
+}
+
 void Library::set_date(size_t names, const Piece& piece) {
   if (date_[names] == piece.id) return;
   copy(locales_[names]->localeData->datePattern, piece.units);

@@ -5,6 +5,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/column/form.h"
 #include "cli/column/profiler.h"
@@ -45,6 +46,8 @@ class Library {
   Library(const LocaleMaker& make_locale, const std::string& locale, bool strict);
 
   VXLocale* locale() const { return locales_[0]; }
+  /// What a directive with names ("%b", "%A", "%q", "%p") can read.
+  std::vector<std::string> names(std::string_view directive) const;
 
   /// Each reads the beginning of a text; `consumed` counts bytes.
   bool weekday(std::string_view text, size_t& consumed);

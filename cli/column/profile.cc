@@ -144,8 +144,8 @@ Decision read_decision(const Json& json) {
   Decision decision;
   decision.locale_source = "profile";
   for (const auto& [name, value] : json.items()) {
-    const auto* const member =
-        std::find_if(std::begin(members), std::end(members), [&](const Member& each) { return each.name == name; });
+    const auto* const member = std::find_if(std::begin(members), std::end(members),
+                                            [&, &wanted = name](const Member& each) { return each.name == wanted; });
     if (member == std::end(members)) {
       std::vector<std::string> names;
       for (const Member& each : members) names.emplace_back(each.name);

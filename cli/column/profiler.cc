@@ -10,6 +10,7 @@
 #include "cli/column/library.h"
 #include "cli/column/number_text.h"
 #include "cli/column/reader.h"
+#include "cli/column/vocabulary.h"
 #include "cli/text.h"
 #include "vxnls/locale_blocks.h"
 
@@ -163,6 +164,20 @@ Forms make_forms(const VXLocaleData& data, bool strict, bool basic) {
   return forms;
 }
 
+/// A pattern without its directives.
+std::string literals_of(std::string_view pattern) {
+  std::string literals;
+  for (size_t at = 0; at < pattern.size(); ++at) {
+    if (pattern[at] != '%') {
+      literals += pattern[at];
+      continue;
+    }
+    at = std::min(pattern.find_first_not_of("#0?", at + 1), pattern.size());  // its letter
+    literals += ' ';
+  }
+  return literals;
+}
+
 std::string pattern_of(const Forms& forms, const FormKey& key, Order order) {
   std::string pattern;
   if (key.period != 0) return forms.periods[key.period - 1U].pattern;
@@ -206,6 +221,27 @@ class LocaleForms {
     if ((digit || names) && dated(text, {}, names, found)) return true;
     if (names && !digit && with_weekday(text, found)) return true;
     return time_alone(text, names, found) || period(text, names, found);
+  }
+
+  void add_words(Vocabulary& words, Vocabulary::Locales locale) const {
+    for (const std::string_view directive : {"%b", "%A", "%q", "%p"}) {
+      const std::vector<std::string> names = library.names(directive);
+      words.add_names(directive, directive, names, locale);
+      const auto add = [&](const auto& list) {
+        for (const auto& form : list) words.add_names(form.pattern, directive, names, locale);
+      };
+      add(forms.dates);
+      add(forms.times);
+      add(forms.periods);
+    }
+    const auto add_literals = [&](const auto& list) {
+      for (const auto& form : list) words.add(literals_of(form.pattern), locale);
+    };
+    add_literals(forms.dates);
+    add_literals(forms.times);
+    add_literals(forms.periods);
+    for (const std::string_view connector : connectors) words.add(connector, locale);
+    for (const std::string_view offset : {"Z", "UTC", "GMT"}) words.add(offset, locale);
   }
 
   std::string name;
@@ -383,6 +419,7 @@ struct Profiler::State {
   LocaleMaker make_locale;
   ProfilerOptions options;
   std::vector<PerLocale> locales;
+  Vocabulary words;
 
   uint64_t values = 0, empty = 0;
   Moments moments;                                    // that depend on no locale
@@ -396,6 +433,7 @@ struct Profiler::State {
     for (const std::string& name : options.locales) {
       PerLocale& each = locales.emplace_back();
       each.forms = std::make_unique<LocaleForms>(make_locale, name, options);
+      each.forms->add_words(words, Vocabulary::bit(locales.size() - 1));
     }
     plain_numbers = &numbers_with("");
   }
@@ -455,9 +493,12 @@ struct Profiler::State {
       if (add_number(text, value, place)) return;
       if (!moments_first && add_moment(text, value, place)) return;
     }
-    for (PerLocale& each : locales) {
+    const Vocabulary::Locales speak = digits ? words.which(text) : 0;
+    for (size_t i = 0; i < locales.size(); ++i) {
+      PerLocale& each = locales[i];
       Recognised found;
-      if (digits && each.forms->recognise(text, true, options.kind, options.first_year, found)) {
+      const bool possible = (speak & Vocabulary::bit(i)) != 0;
+      if (possible && each.forms->recognise(text, true, options.kind, options.first_year, found)) {
         each.moments.add(found, value, place, options.shown);
         if (&each == &locales.front()) note_numbers(found);
       } else {
