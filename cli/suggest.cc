@@ -15,6 +15,14 @@ char folded(char c) {
   return c == '-' || c == ' ' ? '_' : c;
 }
 
+/// The beginning of a word is as near to it as one slip.
+size_t steps_between(std::string_view word, std::string_view candidate) {
+  constexpr size_t shortest_beginning = 3;
+  const size_t distance = edit_distance(word, candidate);
+  if (word.size() < shortest_beginning || word.size() >= candidate.size()) return distance;
+  return edit_distance(word, candidate.substr(0, word.size())) == 0 ? 1 : distance;
+}
+
 }  // namespace
 
 size_t edit_distance(std::string_view a, std::string_view b) {
@@ -45,9 +53,9 @@ std::vector<std::string> nearest(std::string_view word, const std::vector<std::s
   size_t best = std::min<size_t>(3, word.size() / 3) + 1;  // one step too far
   std::vector<std::string> found;
   for (const std::string& candidate : candidates) {
-    size_t distance = edit_distance(word, candidate);
+    size_t distance = steps_between(word, candidate);
     if (const size_t slash = candidate.rfind('/'); slash != std::string::npos) {
-      distance = std::min(distance, edit_distance(word, std::string_view(candidate).substr(slash + 1)));
+      distance = std::min(distance, steps_between(word, std::string_view(candidate).substr(slash + 1)));
     }
     if (distance > best || (distance == best && found.empty())) continue;
     if (distance < best) found.clear();

@@ -13,7 +13,8 @@ namespace vxcli {
 size_t edit_distance(std::string_view a, std::string_view b);
 
 /// What `word` may be a slip of the finger for: the nearest of `candidates`, at most three, in their order; nothing
-/// when all are far away. A word also stands for the part of a candidate behind its last "/".
+/// when all are far away. The beginning of a candidate, of three characters or more, is near. A word also stands for
+/// the part of a candidate behind its last "/".
 std::vector<std::string> nearest(std::string_view word, const std::vector<std::string>& candidates);
 
 /// "; did you mean a, b or c?", or nothing.

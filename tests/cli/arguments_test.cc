@@ -117,6 +117,9 @@ TEST(Suggest, NearestOnly) {
   EXPECT_EQ(did_you_mean("berlin", names), "; did you mean Europe/Berlin?");
   EXPECT_EQ(did_you_mean("New York", names), "; did you mean America/New_York?");
   EXPECT_EQ(did_you_mean("Europe/Berlni", names), "; did you mean Europe/Berlin?");
+  EXPECT_EQ(did_you_mean("eur", names), "; did you mean Europe/Berlin or Europe/Dublin?");
+  EXPECT_EQ(did_you_mean("dubl", names), "; did you mean Europe/Dublin?");
+  EXPECT_EQ(did_you_mean("du", names), "");
   EXPECT_EQ(did_you_mean("Munich", names), "");
   EXPECT_EQ(did_you_mean("", names), "");
   EXPECT_EQ(did_you_mean(std::string(100000, 'x'), names), "");
