@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/commands.h"
+#include "cli/date_at_once.h"
 #include "cli/datetime_writer.h"
 #include "cli/for_each_value.h"
 #include "cli/json.h"
@@ -101,6 +102,11 @@ class Parser {
   }
 
   std::string parse(std::string_view text) {
+    if (kind_ == DatetimeKind::date && !asks_why_) {
+      if (const auto date = date_at_once(locale_, text, reader_kind_)) {
+        return writer_ != nullptr ? writer_->write({day_number(*date) * seconds_a_day}) : iso8601::write(*date);
+      }
+    }
     const VXExplanation told = ask(text, reader_kind_);
     check(told, text);
     const std::string written = write(told);
@@ -277,6 +283,7 @@ class Parser {
   VXLocale* locale_ = nullptr;
   uint32_t reader_kind_ = 0;
   bool own_pattern_ = false;
+  const bool asks_why_ = invocation_.arguments.has(explain) || invocation_.arguments.has(options::json);
   std::unique_ptr<DatetimeWriter> writer_;
 };
 

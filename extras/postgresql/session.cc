@@ -5,10 +5,10 @@
 #include <array>
 #include <cmath>
 #include <new>
-#include <optional>
 #include <string>
 #include <unordered_map>
 
+#include "cli/date_at_once.h"
 #include "cli/refusal.h"
 #include "cli/text.h"
 #include "vxnls/vxhost.h"
@@ -198,22 +198,6 @@ void check_rest(std::string_view text, int64_t consumed, std::string_view what) 
 
 const uint8_t* bytes(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
 
-/// A text that is a date and nothing else. What it is otherwise takes longer to find out: the explanation tries every
-/// form to the end.
-std::optional<Date> date_at_once(VXLocale* reader, std::string_view text, uint32_t kind) {
-  uint32_t month = 0;
-  uint32_t day = 0;
-  uint32_t year = 0;
-  int64_t consumed = 0;
-  const VXStatus status = reader->ops.NLSBufToDateU(reader, bytes(text), static_cast<int64_t>(text.size()), kind,
-                                                    &month, &day, &year, &consumed);
-  if (status != 0 || year == 0) return std::nullopt;
-  NLSCalendarWork work{0, 0, 0, 0, {31, 0, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31}, 1950};
-  if (std::isnan(NLSmdy(&work, month, day, year))) return std::nullopt;
-  if (!vxcli::without_blanks(text.substr(static_cast<size_t>(consumed))).empty()) return std::nullopt;
-  return Date{static_cast<int32_t>(year), static_cast<int32_t>(month), static_cast<int32_t>(day)};
-}
-
 std::array<uint8_t, 2048> written;
 
 std::string_view written_text(int64_t length) {
@@ -227,8 +211,8 @@ Problem parse_date(std::string_view text, std::string_view locale, std::string_v
     check_length(text);
     const Form& form = form_called(form_name, false);
     VXLocale* const reader = &form == &own_pattern ? open.with_pattern(locale, form_name) : open.shared(locale);
-    if (const auto read = date_at_once(reader, text, form.reader_kind)) {
-      date = *read;
+    if (const auto read = vxcli::date_at_once(reader, text, form.reader_kind)) {
+      date = {read->year, read->month, read->day};
       return Problem::none;
     }
     VXExplanation told;
