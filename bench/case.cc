@@ -113,5 +113,5 @@ int main(int argc, char** argv) {
         const Pair& pair = (*pairs)[i % 64];
         return wmemcmp(reinterpret_cast<const wchar_t*>(pair.a), reinterpret_cast<const wchar_t*>(pair.b), 256);
       });
-  return run("case", argc, argv);
+  return run("Case and order", argc, argv);
 }

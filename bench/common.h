@@ -110,7 +110,7 @@ HostContext* host_context();
 /// Ends the program unless `holds`: contenders are compared only when they do the same.
 void require(bool holds, const char* what);
 
-/// Runs all rows; the arguments are Google Benchmark's.
+/// Runs all rows; the arguments are Google Benchmark's. `family` heads their table.
 int run(const char* family, int argc, char** argv);
 
 }  // namespace vxbench

@@ -154,5 +154,5 @@ int main(int argc, char** argv) {
         return NLSLocaleDestroyCallback(&entry);
       })
       .peer("glibc newlocale, freelocale", [](size_t) { freelocale(newlocale(LC_ALL_MASK, "C.UTF-8", nullptr)); });
-  return vxbench::run("locale", argc, argv);
+  return vxbench::run("Locales", argc, argv);
 }

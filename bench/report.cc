@@ -147,8 +147,8 @@ std::string page(const std::vector<Family>& families, const std::map<std::string
       "# Performance\n\n"
       "Written by `script/bench`. Do not edit.\n\n"
       "Times of vxnlsloc and of its peers on the same seeded inputs in the same process, in interleaved repetitions; "
-      "medians of\nprocessor time. The ratio is ours divided by the fastest peer's: below 1 is ahead. No value comes "
-      "again within 65,536\ncalls.\n\n"
+      "medians of\nprocessor time. The ratio is ours divided by the fastest peer's: below 1 is ahead. Values do not "
+      "come again within\n65,536 calls, texts are cut from 192 KiB of each kind or 1 MiB.\n\n"
       "![Ratios](performance.svg)\n\n";
   size_t with_target = 0, reached = 0;
   for (const Family& family : families) {

@@ -238,5 +238,5 @@ int main(int argc, char** argv) {
     utf16(kinds[k], page, to_utf16_rates[k]);
     counting(kinds[k], page);
   }
-  return run("text", argc, argv);
+  return run("Text between UTF-8, UTF-16 and UTF-32", argc, argv);
 }
