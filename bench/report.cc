@@ -213,7 +213,7 @@ std::string chart(const std::vector<Family>& families) {
   }}
 </style>
 <rect class="paper" width="{0}" height="{1}"/>
-<text x="10" y="20">Time as a share of the fastest peer's; shorter is faster. Tick: the share to reach.</text>
+<text x="10" y="20">Time as a share of the fastest peer's; shorter is faster. Tick: the share to reach; green: reached.</text>
 <line class="peer" x1="{2}" y1="28" x2="{2}" y2="{3}"/>
 <text x="{4}" y="38">the fastest peer</text>
 )",
@@ -228,7 +228,7 @@ std::string chart(const std::vector<Family>& families) {
       svg +=
           fmt::format("<text x=\"{}\" y=\"{}\" text-anchor=\"end\">{}</text>", label - 8, y + 12, escaped(row.title));
       svg += fmt::format("<rect class=\"{}\" x=\"{}\" y=\"{}\" width=\"{:.1f}\" height=\"{}\" rx=\"2\"/>",
-                         row.ratio() <= 1 ? "ahead" : "behind", label, y + 2, length, line - 5);
+                         row.reached() ? "ahead" : "behind", label, y + 2, length, line - 5);
       if (row.reach > 0) {
         const double at = label + std::min(row.reach, 1.25) * one;
         svg += fmt::format("<line class=\"reach\" x1=\"{0:.1f}\" y1=\"{1}\" x2=\"{0:.1f}\" y2=\"{2}\"/>", at, y,
