@@ -15,6 +15,9 @@ inline constexpr std::array<std::string_view, 7> kind_words = {"date",    "time"
                                                                "integer", "number", "text"};
 inline constexpr size_t kinds = kind_words.size();
 
+/// What is longer is text.
+inline constexpr size_t longest_value = 1000;  // bytes
+
 /// What stands first in a date whose numbers alone do not tell: 03/04/21.
 enum class Order : uint8_t { none, day_first, month_first, year_first };
 inline constexpr std::array<std::string_view, 4> order_words = {"none", "day-first", "month-first", "year-first"};

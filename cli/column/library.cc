@@ -297,13 +297,24 @@ bool Library::period(const PeriodForm& form, std::string_view text, Day& first) 
   return false;
 }
 
-VXStatus Library::number(std::string_view text, VXChar decimal_point, VXChar group_separator) {
+void Library::set_number(const NumberReading& reading) {
   VXLocaleData& data = *locales_[0]->localeData;
-  data.decimalPoint = decimal_point;
-  data.groupSeparator = group_separator;
+  data.decimalPoint = reading.decimal_point;
+  data.groupSeparator = reading.group_separator != 0    ? reading.group_separator
+                        : reading.decimal_point == U'.' ? U','
+                                                        : U'.';
+}
+
+bool Library::accepts(std::string_view digits, const NumberReading& reading) {
+  set_number(reading);
   double value = 0;
   int64_t used = 0;
-  return NLSBufToDoubleU(locales_[0], bytes(text), static_cast<int32_t>(text.size()), &value, &used);
+  return NLSBufToDoubleU(locales_[0], bytes(digits), static_cast<int32_t>(digits.size()), &value, &used) == 0;
+}
+
+bool Library::number(const NumberText& number) {
+  const NumberReading& first = number.point.possible ? number.point : number.comma;
+  return accepts(number.digits, first) && (!number.differ || accepts(number.digits, number.comma));
 }
 
 void Library::explain_date(const Piece& piece, std::string_view text, VXExplanation& told) {
@@ -331,12 +342,9 @@ void Library::explain_period(const PeriodForm& form, std::string_view text, VXEx
                size_of(text), &told);
 }
 
-void Library::explain_number(std::string_view text, VXChar decimal_point, VXChar group_separator,
-                             VXNumberReading& reading) {
-  VXLocaleData& data = *locales_[0]->localeData;
-  data.decimalPoint = decimal_point;
-  data.groupSeparator = group_separator;
-  vxnlsExplainNumber(locales_[0], bytes(text), size_of(text), VX_NUMBER_DOUBLE, 0, &reading);
+void Library::explain_number(std::string_view digits, const NumberReading& reading, VXNumberReading& told) {
+  set_number(reading);
+  vxnlsExplainNumber(locales_[0], bytes(digits), size_of(digits), VX_NUMBER_DOUBLE, 0, &told);
 }
 
 }  // namespace vxcli::column

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cli/column/form.h"
+#include "cli/column/number_text.h"
 #include "cli/column/profiler.h"
 #include "vxnls/explain.h"
 #include "vxnls/explain_number.h"
@@ -58,8 +59,8 @@ class Library {
   bool offset(std::string_view text, int32_t& seconds);
   /// Its first day.
   bool period(const PeriodForm& form, std::string_view text, Day& first);
-  /// A number without sign and unit.
-  VXStatus number(std::string_view text, VXChar decimal_point, VXChar group_separator);
+  /// Whether the digits can be read in all ways that are possible: no double is too small for them.
+  bool number(const NumberText& number);
 
   /// Whether the text is a name of another day of the week and not of this one.
   bool names_other_weekday(std::string_view text, int weekday) const;
@@ -68,12 +69,14 @@ class Library {
   void explain_time(const TimeForm& form, std::string_view text, VXExplanation& told);
   void explain_period(const PeriodForm& form, std::string_view text, VXExplanation& told);
   void explain_offset(std::string_view text, VXExplanation& told);
-  void explain_number(std::string_view text, VXChar decimal_point, VXChar group_separator, VXNumberReading& reading);
+  void explain_number(std::string_view digits, const NumberReading& reading, VXNumberReading& told);
 
  private:
   void set_date(size_t names, const Piece& piece);
   void set_time(size_t names, const Piece& piece);
   void set_period(size_t names, const PeriodForm& form);
+  void set_number(const NumberReading& reading);
+  bool accepts(std::string_view digits, const NumberReading& reading);
 
   std::array<VXLocale*, 2> locales_{};
   std::array<uint32_t, 2> date_{}, time_{};  // ids of the pieces that stand in the records

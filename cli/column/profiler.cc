@@ -27,7 +27,6 @@ const std::vector<std::string>& auto_locales() {
 
 namespace {
 
-constexpr size_t longest_value = 1000;  // of what can be a date or a number, in bytes
 constexpr size_t shown_bytes = 200;
 constexpr double overwhelming = 0.95;
 
@@ -460,11 +459,7 @@ struct Profiler::State {
     if (options.strict && number.digits.size() + (text[0] == '-' || text[0] == '+' ? 1 : 0) != text.size()) {
       return false;
     }
-    const NumberReading& reading = number.point.possible ? number.point : number.comma;
-    const VXChar separator = reading.group_separator != 0   ? reading.group_separator
-                             : reading.decimal_point == '.' ? ','
-                                                            : '.';
-    if (first.library.number(number.digits, reading.decimal_point, separator) != 0) return false;
+    if (!first.library.number(number)) return false;
     std::vector<Tally>& tallies = number.unit.empty() ? *plain_numbers : numbers_with(number.unit);
     tallies[bits_of(number)].add(value, place, options.shown);
     return true;

@@ -22,8 +22,6 @@ namespace vxcli::column {
 
 namespace {
 
-constexpr size_t longest_value = 1000;  // of what can be a date or a number, in bytes
-
 char* two_digits(char* to, int32_t number) {
   to[0] = static_cast<char>('0' + number / 10 % 10);
   to[1] = static_cast<char>('0' + number % 10);
@@ -69,11 +67,6 @@ struct Found {
 };
 
 std::string iso_date(const Day& day) { return fmt::format("{:04}-{:02}-{:02}", day.year, day.month, day.day); }
-
-VXChar separator_for(const NumberReading& reading) {
-  if (reading.group_separator != 0) return reading.group_separator;
-  return reading.decimal_point == '.' ? ',' : '.';
-}
 
 }  // namespace
 
@@ -129,13 +122,15 @@ struct Reader::State {
 
   Outcome read_value(std::string_view value) {
     if (decision.kind == Kind::text) {
+      const bool perhaps_empty = value.empty() || value[0] <= ' ' || static_cast<unsigned char>(value[0]) >= 0x80;
+      if (perhaps_empty && value.size() <= longest_value) {
+        cleaned.set(value, decision.strict);
+        if (without_blanks(cleaned.text()).empty()) return Outcome::empty;
+      }
       shown = value;
-      return without_blanks(value).empty() ? Outcome::empty : Outcome::read;
+      return Outcome::read;
     }
-    if (value.size() > longest_value) {
-      cleaned.set(value, true);
-      return without_blanks(value).empty() ? Outcome::empty : Outcome::unread;
-    }
+    if (value.size() > longest_value) return Outcome::unread;
     cleaned.set(value, decision.strict);
     const std::string_view text = cleaned.text();
     if (text.empty() || (decision.strict && without_blanks(text).empty())) return Outcome::empty;
@@ -233,10 +228,10 @@ struct Reader::State {
     if (decision.strict && number.digits.size() + (text[0] == '-' || text[0] == '+' ? 1 : 0) != text.size()) {
       return Outcome::unread;
     }
+    if (!library.number(number)) return Outcome::unread;
     const Outcome judged = rule.judge(bits_of(number), number.unit);
     if (judged != Outcome::read) return judged;
     const NumberReading& reading = taken();
-    if (library.number(number.digits, reading.decimal_point, separator_for(reading)) != 0) return Outcome::unread;
     number.append_plain(reading, out);
     if (writer != nullptr) localise(out);
     shown = out;
@@ -468,7 +463,8 @@ struct Reader::State {
     why.position = static_cast<size_t>(n.digits.data() - text.data());
     why.length = n.digits.size();
     VXNumberReading told;
-    library.explain_number(n.digits, taken().decimal_point, separator_for(taken()), told);
+    library.explain_number(n.digits, taken(), told);
+    if (told.status == 0 && n.differ) library.explain_number(n.digits, n.comma, told);
     if (told.status != 0) {
       why.position += static_cast<size_t>(told.fault_offset);
       why.length = static_cast<size_t>(told.fault_length);
