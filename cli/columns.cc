@@ -1,12 +1,8 @@
 #include "cli/columns.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <set>
 #include <thread>
 #include <utility>
@@ -59,31 +55,11 @@ constexpr Option strict{.name = "strict",
 constexpr Option jobs{
     .name = "jobs", .letter = 'j', .value = "N", .help = "threads; else one for each processor, at most 4"};
 
-File::File(const std::string* path) : name_(path == nullptr ? "standard input" : *path), descriptor_(STDIN_FILENO) {
-  if (path != nullptr) descriptor_ = open(path->c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor_ < 0) fail(ExitCode::io, "{}: {}", name_, std::strerror(errno));
-  struct stat status {};
-  if (fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode)) start_ = lseek(descriptor_, 0, SEEK_CUR);
-}
-
-File::~File() {
-  if (descriptor_ != STDIN_FILENO) close(descriptor_);
-}
-
-void File::rewind() const {
-  if (lseek(descriptor_, start_, SEEK_SET) != start_) fail(ExitCode::io, "{}: {}", name_, std::strerror(errno));
-}
-
 namespace {
-
-const std::string* path_of(const Invocation& invocation) {
-  const auto& files = invocation.arguments.values();
-  return files.empty() || files.front() == "-" ? nullptr : &files.front();
-}
 
 table::Dialect dialect_of(const Invocation& invocation) {
   const Arguments& arguments = invocation.arguments;
-  const std::string* const path = path_of(invocation);
+  const std::string* const path = file_named(invocation.arguments.values());
   table::Format chosen_format = table::Format::csv;
   if (const auto word = arguments.value(format)) chosen_format = table::format_of(*word);
   else if (path != nullptr) chosen_format = table::format_of_file(*path).value_or(table::Format::csv);
@@ -129,7 +105,7 @@ std::vector<Wanted> wanted_of(const Invocation& invocation, const table::Head& h
 }  // namespace
 
 Input::Input(Invocation& invocation)
-    : file_(path_of(invocation)),
+    : file_(file_named(invocation.arguments.values())),
       dialect_(dialect_of(invocation)),
       reader_(std::make_unique<table::BlockReader>(file_.descriptor(), file_.name(), dialect_)) {
   if (file_.descriptor() == STDIN_FILENO && isatty(STDIN_FILENO) != 0) {

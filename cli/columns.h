@@ -2,8 +2,6 @@
 #ifndef VXNLS_CLI_COLUMNS_H
 #define VXNLS_CLI_COLUMNS_H
 
-#include <sys/types.h>
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,6 +11,7 @@
 #include "cli/column/profile.h"
 #include "cli/column/profiler.h"
 #include "cli/command.h"
+#include "cli/file.h"
 #include "cli/session.h"
 #include "cli/table/block_reader.h"
 #include "cli/table/dialect.h"
@@ -31,27 +30,6 @@ extern const Option decimal;      // --decimal
 extern const Option first_year;   // --first-year
 extern const Option strict;       // --strict
 extern const Option jobs;         // -j
-
-/// A descriptor that is closed again unless it is standard input.
-class File {
- public:
-  /// Null: standard input. Throws Failure (ExitCode::io).
-  explicit File(const std::string* path);
-  ~File();
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-
-  int descriptor() const { return descriptor_; }
-  const std::string& name() const { return name_; }
-  /// Whether it can be read from the start again.
-  bool can_rewind() const { return start_ >= 0; }
-  void rewind() const;
-
- private:
-  std::string name_;
-  int descriptor_ = 0;
-  off_t start_ = -1;  // where reading began, of a regular file
-};
 
 struct Wanted {
   std::string name;

@@ -296,7 +296,7 @@ void refuse_own_input(const columns::Input& input, const std::optional<std::stri
 }
 
 std::vector<column::Decision> decisions_of_profile(const std::string& path) {
-  const columns::File file(&path);
+  const File file(&path);
   std::string text;
   std::array<char, 1 << 16> bytes{};
   while (const size_t count = read_some(file.descriptor(), path, bytes.data(), bytes.size(), ::read)) {

@@ -1,5 +1,4 @@
 // vxnls transcode
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,6 +7,7 @@
 
 #include "cli/coding.h"
 #include "cli/commands.h"
+#include "cli/file.h"
 #include "cli/input.h"
 #include "cli/options.h"
 #include "cli/session.h"
@@ -52,34 +52,23 @@ constexpr size_t block_size = size_t{1} << 16;
 /// A file, or standard input, read in blocks.
 class Source {
  public:
-  explicit Source(const std::string* path) : name_(path == nullptr ? "standard input" : *path) {
-    if (path == nullptr) return;
-    descriptor_ = open(path->c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor_ < 0) fail(ExitCode::io, "{}: {}", name_, std::strerror(errno));
-  }
-  ~Source() {
-    if (descriptor_ != STDIN_FILENO) close(descriptor_);
-  }
-  Source(const Source&) = delete;
-  Source& operator=(const Source&) = delete;
+  explicit Source(const std::string* path) : file_(path) {}
 
-  const std::string& name() const { return name_; }
-
-  bool is_pausing() const { return !is_readable(descriptor_); }
-  uint64_t size() const { return bytes_left(descriptor_); }
+  const std::string& name() const { return file_.name(); }
+  bool is_pausing() const { return !is_readable(file_.descriptor()); }
+  uint64_t size() const { return bytes_left(file_.descriptor()); }
 
   /// Appends a block; false at the end.
   bool read_more(std::vector<uint8_t>& bytes) const {
     const size_t before = bytes.size();
     bytes.resize(before + block_size);
-    const size_t count = read_some(descriptor_, name_, bytes.data() + before, block_size, ::read);
+    const size_t count = read_some(file_.descriptor(), name(), bytes.data() + before, block_size, ::read);
     bytes.resize(before + count);
     return count > 0;
   }
 
  private:
-  std::string name_;
-  int descriptor_ = STDIN_FILENO;
+  File file_;
 };
 
 enum class OnError { fail, replace, skip };
@@ -183,11 +172,7 @@ class Transcoder {
   uint64_t first_fault_ = 0;
 };
 
-ExitCode run(Invocation& invocation) {
-  const auto& files = invocation.arguments.values();
-  const bool standard_input = files.empty() || files.front() == "-";
-  return Transcoder(invocation).run(standard_input ? nullptr : &files.front());
-}
+ExitCode run(Invocation& invocation) { return Transcoder(invocation).run(file_named(invocation.arguments.values())); }
 
 constexpr Argument arguments[] = {
     {.name = "FILE", .help = "what is read; standard input when there is none, or -", .completes = Completes::files}};
