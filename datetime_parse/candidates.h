@@ -108,10 +108,18 @@ constexpr int32_t place_of(TextView pattern, const char (&wanted)[N]) {
 /// stand for them) in its main date pattern. A part that is missing counts as -1, so a locale that has the year and the
 /// day but no month in this sense counts as month-first, kept on purpose.
 constexpr bool writes_month_first(TextView main) {
-  const auto first_of = [main](int32_t place, const auto& other) { return place >= 0 ? place : place_of(main, other); };
-  const int32_t year = first_of(place_of(main, "%Y"), "%y");
-  const int32_t month = first_of(place_of(main, "%m"), "%o");
-  const int32_t day = first_of(first_of(place_of(main, "%d"), "%e"), "%b");
+  constexpr char letters[7] = {'Y', 'y', 'm', 'o', 'd', 'e', 'b'};
+  int32_t places[7] = {-1, -1, -1, -1, -1, -1, -1};
+  for (int64_t i = 0; i + 1 < main.length; ++i) {
+    if (main.text[i] != '%') continue;
+    for (size_t k = 0; k < 7; ++k) {
+      if (main.text[i + 1] == static_cast<VXChar>(letters[k]) && places[k] < 0) places[k] = static_cast<int32_t>(i);
+    }
+  }
+  const auto first_of = [](int32_t place, int32_t other) { return place >= 0 ? place : other; };
+  const int32_t year = first_of(places[0], places[1]);
+  const int32_t month = first_of(places[2], places[3]);
+  const int32_t day = first_of(first_of(places[4], places[5]), places[6]);
   return month < year && month < day;
 }
 

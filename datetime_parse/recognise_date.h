@@ -42,41 +42,52 @@ Finding read_by_pattern(VXLocale* locale, const Input<Text>& text, uint32_t sour
                         Trace& trace) {
   Finding finding;
   Input<Text> rest = text;
-  NLSParseFields read;
-  if (matches(locale, rest, view(locale_pattern(*locale->localeData, source)), is_lenient(kind), {source, 0}, read,
-              trace)) {
-    finding.keep(read, text.left - rest.left, 0);
-    trace.matched(part, read, rest);
+  if (matches(locale, rest, view(locale_pattern(*locale->localeData, source)), is_lenient(kind), {source, 0},
+              finding.fields, trace)) {
+    finding.found = true;
+    finding.status = 0;
+    finding.consumed = text.left - rest.left;
+    trace.matched(part, finding.fields, rest);
   }
   return finding;
 }
 
 /// What stands in a text behind the first part of a common date, for each of the parts that there are. A row whose
 /// second part is another character cannot match, and need not be tried.
-struct AfterFirstPart {
-  static constexpr VXChar nothing = 0xFFFFFFFF;  // the part itself does not stand there
-  VXChar digits = nothing, month = nothing;
-
-  bool may_match(const Row& row) const {
-    if (row.begins_with_digits()) return row.text[2] == digits;
-    if (row.text[1] != 'b') return true;
-    return month != nothing && (row.text[2] == month || row.text[2] == ' ');  // a blank may be missing
-  }
-};
-
 template <class Text>
-AfterFirstPart after_first_part(VXLocale* locale, const Input<Text>& text, bool lenient) {
-  const auto first_of = [](const Input<Text>& rest) { return rest.empty() ? VXChar{0} : VXChar{*rest.at}; };
-  AfterFirstPart after;
-  Input<Text> rest = text;
-  while (stands_at_digit(rest)) rest.skip(1);
-  if (rest.left < text.left) after.digits = first_of(rest);
-  rest = text;
-  const Directive* const month = (lenient ? lenient_directives : strict_directives).find('b');
-  int32_t index = 0;
-  if (read_name(locale, rest, *month, &index) == VX_REASON_NONE) after.month = first_of(rest);
-  return after;
-}
+class AfterFirstPart {
+ public:
+  AfterFirstPart(VXLocale* locale, const Input<Text>& text, bool lenient)
+      : locale_(locale), text_(text), lenient_(lenient) {
+    Input<Text> rest = text;
+    while (stands_at_digit(rest)) rest.skip(1);
+    if (rest.left < text.left) digits_ = first_of(rest);
+  }
+
+  bool may_match(const Row& row) {
+    if (row.begins_with_digits()) return row.text[2] == digits_;
+    if (row.text[1] != 'b') return true;
+    if (month_ == unknown) month_ = after_month();
+    return month_ != nothing && (row.text[2] == month_ || row.text[2] == ' ');  // a blank may be missing
+  }
+
+ private:
+  static constexpr VXChar nothing = 0xFFFFFFFF;  // the part itself does not stand there
+  static constexpr VXChar unknown = 0xFFFFFFFE;
+
+  static VXChar first_of(const Input<Text>& rest) { return rest.empty() ? 0 : *rest.at; }
+  VXChar after_month() const {
+    const Directive* const month = (lenient_ ? lenient_directives : strict_directives).find('b');
+    Input<Text> rest = text_;
+    int32_t index = 0;
+    return read_name(locale_, rest, *month, &index) == VX_REASON_NONE ? first_of(rest) : nothing;
+  }
+
+  VXLocale* locale_;
+  const Input<Text>& text_;
+  bool lenient_;
+  VXChar digits_ = nothing, month_ = unknown;
+};
 
 /// The locale's three date patterns, then the common dates; the first match wins, however much it leaves.
 template <class Text, class Trace>
@@ -97,7 +108,7 @@ Finding lenient_Date(VXLocale* locale, const Input<Text>& text, uint32_t kind, T
     if (ends_search({source, 0}, view(locale_pattern(data, source)))) return finding;
   }
   const Row(&rows)[17] = writes_month_first(view(data.datePattern)) ? month_first_dates : day_first_dates;
-  const auto after = after_first_part<Text>(locale, start, is_lenient(kind));
+  AfterFirstPart<Text> after(locale, start, is_lenient(kind));
   for (uint32_t i = 0; i < 17; ++i) {
     if (!Trace::watches && !after.may_match(rows[i])) continue;
     if (ends_search({VX_SOURCE_COMMON_DATE, i}, rows[i].view())) return finding;

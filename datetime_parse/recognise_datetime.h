@@ -43,7 +43,8 @@ DatetimeFinding datetime_of(VXLocale* locale, const NLSParseFields& date, const 
     return {};
   }
   const int64_t seconds = ((int64_t{day} * 24 + time.hour) * 60 + time.minute) * 60 + time.second;
-  const double value = static_cast<double>(seconds) + time.milliseconds / 1000.0;
+  double value = static_cast<double>(seconds);
+  if (time.milliseconds != 0) value += time.milliseconds / 1000.0;
   return {0, in_zone_of_locale(locale, time, value), consumed};
 }
 
