@@ -9,11 +9,13 @@ function(vx_room_sources)
 endfunction()
 
 # Sources that are made of vector instructions. g++ would build their constants anew in every turn of a loop (through
-# general registers, which its tuning takes for cheap); this has them loaded from memory.
+# general registers, which its tuning takes for cheap); this has them loaded from memory. Loops of 70 instructions lose
+# a quarter of their speed when they begin anywhere: they are aligned.
 function(vx_vector_sources)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
     set_property(SOURCE ${ARGV} TARGET_DIRECTORY vxnlsloc_objects
-      APPEND PROPERTY COMPILE_OPTIONS -mtune-ctrl=^inter_unit_moves_to_vec)
+      APPEND PROPERTY COMPILE_OPTIONS -mtune-ctrl=^inter_unit_moves_to_vec
+      -falign-functions=64 -falign-loops=64 -falign-jumps=32)
   endif()
 endfunction()
 
