@@ -215,7 +215,6 @@ bool Findings::add_flaws(const table::Record& record) {
 void Findings::add_broken(const table::Block& block) {
   const size_t at = table::invalid_utf8(block.text);
   if (at == std::string_view::npos) return;
-  ++broken_blocks;
   if (!broken_at) broken_at = block.offset + at;
 }
 
@@ -224,7 +223,6 @@ void Findings::merge(const Findings& later) {
   if (flaws == 0) first_flaw = later.first_flaw;
   flaws += later.flaws;
   lost += later.lost;
-  broken_blocks += later.broken_blocks;
   if (!broken_at) broken_at = later.broken_at;
 }
 

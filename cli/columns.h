@@ -76,7 +76,6 @@ struct Findings {
   uint64_t flaws = 0;  // records that are not as they should be
   uint64_t lost = 0;   // of them, those that have no cells at all
   std::string first_flaw;
-  uint64_t broken_blocks = 0;         // pieces of the input with bytes that are no UTF-8
   std::optional<uint64_t> broken_at;  // the first such byte, from the start of the input
 
   /// False when the record has no cells because it is no record of its format.
