@@ -109,7 +109,8 @@ constexpr Example examples[] = {
      "1  number, decimal comma (decided by values of the column), locale en_US (LANG)\n"
      "  read  3  100 %\n"
      "  2 values read only with a decimal comma (the first \"1.234,50\" on line 1)\n"
-     "  1 value could be read with a decimal point or a decimal comma"}};
+     "  1 value could be read with a decimal point or a decimal comma\n"
+     "  groups of digits are separated by \".\""}};
 
 }  // namespace
 

@@ -82,6 +82,9 @@ std::vector<std::string> reasons_of(const ColumnReport& report) {
     sentences.push_back(
         open_question(report.either_decimal, "with a decimal point or a decimal comma", report.decision.decimal_by));
   }
+  const std::string& separators = report.decision.group_separators;
+  if (!separators.empty())
+    sentences.push_back(fmt::format("groups of digits are separated by {}", in_quotes(separators)));
   return sentences;
 }
 
