@@ -157,6 +157,7 @@ unsigned threads(const Invocation& invocation) {
 }
 
 column::LocaleMaker locale_maker(Session& session) {
+  session.zone();  // here, not by several threads at once
   return [&session](const std::string& name) { return session.locale_called(name); };
 }
 
