@@ -46,7 +46,7 @@ function(vx_link_library)
   target_link_options(vxnlsloc PRIVATE
     -Wl,--version-script=${PROJECT_BINARY_DIR}/vxnlsloc.map -Wl,-Bsymbolic-functions
     -Wl,--dynamic-list=${PROJECT_BINARY_DIR}/vxnlsloc.dynamic
-    -static-libgcc)
+    -Wl,--as-needed -static-libgcc)
   if(NOT VXNLS_SANITIZE)
     target_link_options(vxnlsloc PRIVATE -Wl,-z,defs)
   endif()
