@@ -48,7 +48,7 @@ TASKS = [
          dateutils="dateutils.dconv -i '%G-W%V-%u' -f %F 2020-W53-1",
          date="date -d 2020-W53-1 +%F",
          miller="""mlr -n put 'end{print strftime(strptime("2020-W53-1","%G-W%V-%u"),"%Y-%m-%d")}'"""),
-    dict(title="A date that does not exist is refused, and the message says why", has="31",
+    dict(title="A date that does not exist is refused, and the message says why", has="day",
          fails=True,
          vxnls="vxnls parse date 2021-02-31 -l sv_SE",
          date="date -d 2021-02-31 +%F",
