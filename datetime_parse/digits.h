@@ -59,16 +59,24 @@ VXReason lenient_extractdigits(Input<Text>& in, Digits number, int32_t* out) {
 }
 
 /// The value of two or four digits; negative when one of them is none. They are there.
-template <class Unit>
-int32_t two_digits_at(const Unit* at) {
+inline int32_t two_digits_at(const uint8_t* at) {
+  const uint32_t digits = (at[0] | uint32_t{at[1]} << 8) - 0x3030;
+  return (((digits + 0x0606) | digits) & 0xFFFFF0F0) != 0 ? -1
+                                                          : static_cast<int32_t>(10 * (digits & 0xF) + (digits >> 8));
+}
+
+inline int32_t two_digits_at(const VXChar* at) {
   const uint32_t tens = at[0] - uint32_t{'0'}, ones = at[1] - uint32_t{'0'};
   return tens > 9 || ones > 9 ? -1 : static_cast<int32_t>(10 * tens + ones);
 }
 
 template <class Unit>
 int32_t four_digits_at(const Unit* at) {
-  const int32_t front = two_digits_at(at), back = two_digits_at(at + 2);
-  return (front | back) < 0 ? -1 : 100 * front + back;
+  // A character below "0" borrows from its neighbour, but shows itself; the lowest byte is the first digit.
+  uint32_t digits = static_cast<uint32_t>(take_four(at)) - 0x30303030;
+  if ((((digits + 0x06060606) | digits) & 0xF0F0F0F0) != 0) return -1;
+  digits = (10 * digits + (digits >> 8)) & 0x00FF00FF;
+  return static_cast<int32_t>((100 * digits + (digits >> 16)) & 0xFFFF);
 }
 
 }  // namespace vxnls

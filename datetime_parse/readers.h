@@ -201,29 +201,30 @@ template <class Reader, class Text>
 int64_t take_plain_steps(Input<Text>& in, TextView pattern, int64_t place, NLSParseFields& fields) {
   const VXChar* from = pattern.text + place;
   const VXChar* const end = pattern.text + pattern.length;
-  Input<Text> rest = in;
+  const typename Text::Unit* at = in.at;
+  const typename Text::Unit* const stop = at + in.left;
   while (from < end) {
     const VXChar c = *from;
     if (c != '%') {
-      if (rest.left < 1 || *rest.at != c || c >= 0x80) break;
-      rest.skip(1);
+      if (at == stop || *at != c || c >= 0x80) break;
+      ++at;
       ++from;
       continue;
     }
     if (end - from < 2) break;
-    const QuickNumber number = Reader::quick_numbers.of(from[1]);
-    const int32_t digits = Reader::quick_digits(rest, number.width);
+    const QuickNumber& number = Reader::quick_numbers.of(from[1]);
+    const int32_t digits = Reader::quick_digits(Input<Text>{at, stop - at}, number.width);
     if (digits == 0) break;
-    const int32_t value = digits == 2   ? two_digits_at(rest.at)
-                          : digits == 4 ? four_digits_at(rest.at)
-                                        : static_cast<int32_t>(*rest.at - uint32_t{'0'});
+    const int32_t value = digits == 2   ? two_digits_at(at)
+                          : digits == 4 ? four_digits_at(at)
+                                        : static_cast<int32_t>(*at - uint32_t{'0'});
     if (static_cast<uint32_t>(value - number.minimum) > number.span) break;
     fields.*number.field = value;
     fields.modifier = 0;
-    rest.skip(digits);
+    at += digits;
     from += 2;
   }
-  in = rest;
+  in = {at, stop - at};
   return from - pattern.text;
 }
 

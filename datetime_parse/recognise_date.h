@@ -38,8 +38,7 @@ struct Finding {
 
 /// One pattern of the locale; text may be left.
 template <class Text, class Trace>
-Finding read_by_pattern(VXLocale* locale, const Input<Text>& text, uint32_t source, Part part, uint32_t kind,
-                        Trace& trace) {
+Finding read_by_pattern(VXLocale* locale, Input<Text> text, uint32_t source, Part part, uint32_t kind, Trace& trace) {
   Finding finding;
   Input<Text> rest = text;
   if (matches(locale, rest, view(locale_pattern(*locale->localeData, source)), is_lenient(kind), {source, 0},
@@ -57,8 +56,7 @@ Finding read_by_pattern(VXLocale* locale, const Input<Text>& text, uint32_t sour
 template <class Text>
 class AfterFirstPart {
  public:
-  AfterFirstPart(VXLocale* locale, const Input<Text>& text, bool lenient)
-      : locale_(locale), text_(text), lenient_(lenient) {
+  AfterFirstPart(VXLocale* locale, Input<Text> text, bool lenient) : locale_(locale), text_(text), lenient_(lenient) {
     Input<Text> rest = text;
     while (stands_at_digit(rest)) rest.skip(1);
     if (rest.left < text.left) digits_ = first_of(rest);
@@ -84,14 +82,14 @@ class AfterFirstPart {
   }
 
   VXLocale* locale_;
-  const Input<Text>& text_;
+  Input<Text> text_;
   bool lenient_;
   VXChar digits_ = nothing, month_ = unknown;
 };
 
 /// The locale's three date patterns, then the common dates; the first match wins, however much it leaves.
 template <class Text, class Trace>
-Finding lenient_Date(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trace& trace) {
+Finding lenient_Date(VXLocale* locale, Input<Text> text, uint32_t kind, Trace& trace) {
   const VXLocaleData& data = *locale->localeData;
   Finding finding;
   Input<Text> start = text;
@@ -143,12 +141,12 @@ struct PeriodSearch {
   }
 
   template <class Complete>
-  bool ends(const Input<Text>& text, uint32_t source, Complete complete) {
+  bool ends(Input<Text> text, uint32_t source, Complete complete) {
     return ends(text, {source, 0}, view(locale_pattern(*locale->localeData, source)), complete);
   }
 
   template <size_t N, class Complete>
-  bool ends(const Input<Text>& text, uint32_t source, const Row (&rows)[N], Complete complete) {
+  bool ends(Input<Text> text, uint32_t source, const Row (&rows)[N], Complete complete) {
     for (uint32_t i = 0; i < N; ++i) {
       if (ends(text, {source, i}, rows[i].view(), complete)) return true;
     }
@@ -157,7 +155,7 @@ struct PeriodSearch {
 };
 
 template <class Text, class Trace>
-Finding read_month(VXLocale* locale, const Input<Text>& text, Trace& trace) {
+Finding read_month(VXLocale* locale, Input<Text> text, Trace& trace) {
   PeriodSearch<Text, Trace> search{locale, trace};
   const Input<Text> stripped = without_trailing_blanks(text);
   const auto complete = [](NLSParseFields& read) {
@@ -178,7 +176,7 @@ inline void set_quarter(NLSParseFields& read, int32_t quarter) {
 /// The locale's own patterns name the quarter and are held against the text with its trailing blanks; the common rows
 /// number it, and the number stands where a month would.
 template <class Text, class Trace>
-Finding read_quarter(VXLocale* locale, const Input<Text>& text, Trace& trace) {
+Finding read_quarter(VXLocale* locale, Input<Text> text, Trace& trace) {
   PeriodSearch<Text, Trace> search{locale, trace};
   const auto by_name = [](NLSParseFields& read) {
     if (read.quarter == 0) return VX_REASON_NO_QUARTER;
@@ -218,7 +216,7 @@ inline const WeekFamily& week_family(const VXLocaleData& data) {
 }
 
 template <class Text, class Trace>
-Finding read_week(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trace& trace) {
+Finding read_week(VXLocale* locale, Input<Text> text, uint32_t kind, Trace& trace) {
   PeriodSearch<Text, Trace> search{locale, trace};
   const Input<Text> stripped = without_trailing_blanks(text);
   const auto by_locale = [&] {
@@ -237,7 +235,7 @@ Finding read_week(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trac
 }
 
 template <class Text, class Trace>
-Finding read_date(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trace& trace) {
+Finding read_date(VXLocale* locale, Input<Text> text, uint32_t kind, Trace& trace) {
   switch (kind) {
     case kind_first: return read_by_pattern(locale, text, VX_SOURCE_DATE_1, Part::date, kind, trace);
     case kind_second: return read_by_pattern(locale, text, VX_SOURCE_DATE_2, Part::date, kind, trace);

@@ -50,7 +50,7 @@ DatetimeFinding datetime_of(VXLocale* locale, const NLSParseFields& date, const 
 
 /// A common date, then a common time with nothing after it.
 template <class Text, class Trace>
-DatetimeFinding read_date_and_time(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trace& trace) {
+DatetimeFinding read_date_and_time(VXLocale* locale, Input<Text> text, uint32_t kind, Trace& trace) {
   const Finding date = lenient_Date(locale, text, kind, trace);
   if (date.status != 0) return {};
   Input<Text> rest = text;
@@ -62,13 +62,17 @@ DatetimeFinding read_date_and_time(VXLocale* locale, const Input<Text>& text, ui
 }
 
 template <class Text, class Trace>
-DatetimeFinding read_datetime(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trace& trace) {
+DatetimeFinding read_datetime(VXLocale* locale, Input<Text> text, uint32_t kind, Trace& trace) {
   if ((kind & kind_common) == 0) {
     const Finding whole = read_by_pattern(locale, text, VX_SOURCE_DATETIME, Part::datetime, kind, trace);
     if (whole.found) {
-      const DatetimeFinding result = datetime_of(locale, whole.fields, whole.fields, whole.consumed, trace);
-      if constexpr (Trace::watches) read_date_and_time(locale, text, kind, trace);  // what else it could have been
-      return result;
+      if constexpr (Trace::watches) {
+        const DatetimeFinding result = datetime_of(locale, whole.fields, whole.fields, whole.consumed, trace);
+        read_date_and_time(locale, text, kind, trace);  // what else it could have been
+        return result;
+      } else {
+        return datetime_of(locale, whole.fields, whole.fields, whole.consumed, trace);
+      }
     }
   }
   return read_date_and_time(locale, text, kind, trace);

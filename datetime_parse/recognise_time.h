@@ -80,7 +80,7 @@ inline VXReason apply_marker(const VXLocaleData& data, TextView candidate, NLSPa
 
 /// Up to ten candidates, each of which must use the whole text but for trailing blanks.
 template <class Text, class Trace>
-Finding lenient_Time(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trace& trace) {
+Finding lenient_Time(VXLocale* locale, Input<Text> text, uint32_t kind, Trace& trace) {
   const VXLocaleData& data = *locale->localeData;
   const Input<Text> start = without_trailing_blanks(text);
   Finding finding;
@@ -119,7 +119,7 @@ Finding lenient_Time(VXLocale* locale, const Input<Text>& text, uint32_t kind, T
 }
 
 template <class Text, class Trace>
-Finding read_time(VXLocale* locale, const Input<Text>& text, uint32_t kind, Trace& trace) {
+Finding read_time(VXLocale* locale, Input<Text> text, uint32_t kind, Trace& trace) {
   switch (kind) {
     case kind_first: return read_by_pattern(locale, text, VX_SOURCE_TIME_1, Part::time, kind, trace);
     case kind_common: return lenient_Time(locale, text, kind, trace);

@@ -59,11 +59,18 @@ struct NoTrace {
   void refused(VXReason, const NLSParseFields&) {}
 };
 
-/// Holds the whole pattern against the text, from its first character that is not a blank on. On success `in` stands
-/// after what was read, and text may be left.
+/// How a walk ended: the units that it left, and why it went no further.
+struct Walked {
+  int64_t left;
+  VXReason reason;
+};
+
+/// Holds the whole pattern against the text, from its first character that is not a blank on. On success text may be
+/// left. The text is given and the end told by value, in registers: a place that was stored in pieces just before is
+/// waited for.
 template <class Reader, class Text, class Trace>
-[[gnu::noinline]] VXReason walk(VXLocale* locale, Input<Text>& in, TextView pattern, NLSParseFields& fields,
-                                Trace& trace) {
+[[gnu::noinline]] Walked walk(VXLocale* locale, Input<Text> in, TextView pattern, NLSParseFields& fields,
+                              Trace& trace) {
   fields = cleared_fields;
   skip_blanks(in);
   for (int64_t at = 0; at < pattern.length;) {
@@ -83,19 +90,21 @@ template <class Reader, class Text, class Trace>
     }
     if (reason != VX_REASON_NONE) {
       trace.failed(step, reason, before, in);
-      return reason;
+      return {in.left, reason};
     }
     trace.read(step, before, in);
   }
-  return VX_REASON_NONE;
+  return {in.left, VX_REASON_NONE};
 }
 
 template <class Text, class Trace>
 bool matches(VXLocale* locale, Input<Text>& in, TextView pattern, bool lenient, Candidate candidate,
              NLSParseFields& fields, Trace& trace) {
   trace.begin(candidate, pattern, lenient, in.at);
-  return (lenient ? walk<LenientReader>(locale, in, pattern, fields, trace)
-                  : walk<StrictReader>(locale, in, pattern, fields, trace)) == VX_REASON_NONE;
+  const Walked walked = lenient ? walk<LenientReader>(locale, in, pattern, fields, trace)
+                                : walk<StrictReader>(locale, in, pattern, fields, trace);
+  in.skip(in.left - walked.left);
+  return walked.reason == VX_REASON_NONE;
 }
 
 /// A match that leaves nothing of the text.

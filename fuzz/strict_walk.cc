@@ -10,12 +10,13 @@ template <class Reader>
 void walk_both(Locale& locale, const NLSName& pattern, const Text& text, bool lenient) {
   vxnls::NoTrace trace;
   vxnls::NLSParseFields a, b;
-  auto units = vxnls::input_of<vxnls::Utf32Text>(text.units.data(), text.length());
-  auto bytes = vxnls::input_of<vxnls::Utf8Text>(text.bytes.data(), text.byte_length());
-  const VXReason reason = vxnls::walk<Reader>(locale.get(), units, vxnls::view(pattern), a, trace);
-  require(vxnls::walk<Reader>(locale.get(), bytes, vxnls::view(pattern), b, trace) == reason);
-  if (reason != VX_REASON_NONE) return;
-  text.require_same(text.length() - units.left, text.byte_length() - bytes.left);
+  const auto units = vxnls::input_of<vxnls::Utf32Text>(text.units.data(), text.length());
+  const auto bytes = vxnls::input_of<vxnls::Utf8Text>(text.bytes.data(), text.byte_length());
+  const vxnls::Walked of_units = vxnls::walk<Reader>(locale.get(), units, vxnls::view(pattern), a, trace);
+  const vxnls::Walked of_bytes = vxnls::walk<Reader>(locale.get(), bytes, vxnls::view(pattern), b, trace);
+  require(of_units.reason == of_bytes.reason);
+  if (of_units.reason != VX_REASON_NONE) return;
+  text.require_same(text.length() - of_units.left, text.byte_length() - of_bytes.left);
   require(std::memcmp(&a, &b, sizeof a) == 0);
   if (lenient && TwoWay(vxnls::view(pattern), lenient).marker &&
       vxnls::apply_marker(locale.data, vxnls::view(pattern), a) != VX_REASON_NONE) {

@@ -113,9 +113,10 @@ struct Walked {
 template <class Reader, class Text, class Trace>
 Walked walk_with(Trace trace, VXLocale* locale, NLSName pattern, const typename Text::Unit* at, int64_t length) {
   Walked result{};
-  vxnls::Input<Text> in = vxnls::input_of<Text>(at, length);
-  result.reason = vxnls::walk<Reader>(locale, in, vxnls::view(pattern), result.fields, trace);
-  result.consumed = result.reason == VX_REASON_NONE ? length - in.left : -1;
+  const vxnls::Walked walked =
+      vxnls::walk<Reader>(locale, vxnls::input_of<Text>(at, length), vxnls::view(pattern), result.fields, trace);
+  result.reason = walked.reason;
+  result.consumed = walked.reason == VX_REASON_NONE ? length - walked.left : -1;
   return result;
 }
 
