@@ -92,6 +92,24 @@ TEST(Calendar, EveryDayAgainstChrono) {
   }
 }
 
+TEST(Calendar, MonthsEndWhereTheyEnd) {
+  for (const int64_t year : {1582, 1900, 2000, 2023, 2024, 4000, 19999, 20000}) {
+    Counter at;
+    at.year = year;
+    for (int month = 1; month <= 12; ++month) {
+      int32_t last = 0;
+      for (; at.month == month; at.next()) last = static_cast<int32_t>(at.day);
+      NLSCalendarWork work = NLSFMT_Global_Values;
+      EXPECT_EQ(work.monthDays[month - 1], month == 2 ? 0 : last);
+      const auto y = static_cast<double>(year), m = static_cast<double>(month);
+      EXPECT_NE(bits(NLSmdy(&work, m, last, y)), missing) << year << ' ' << month;
+      EXPECT_EQ(bits(NLSmdy(&work, m, last + 1, y)), missing) << year << ' ' << month;
+      EXPECT_EQ(bits(NLSmdy(&work, m, 0, y)), missing) << year << ' ' << month;
+      EXPECT_FALSE(vxnls::is_valid({static_cast<int32_t>(year), month, last + 1})) << year << ' ' << month;
+    }
+  }
+}
+
 TEST(Calendar, SampleDays) {
   static constexpr struct {
     double date, julian;
