@@ -104,6 +104,12 @@ std::vector<Wanted> wanted_of(const Invocation& invocation, const table::Head& h
 
 }  // namespace
 
+std::vector<std::string> names_of(const std::vector<Wanted>& wanted) {
+  std::vector<std::string> names;
+  for (const Wanted& each : wanted) names.push_back(each.name);
+  return names;
+}
+
 Input::Input(Invocation& invocation)
     : file_(file_named(invocation.arguments.values())),
       dialect_(dialect_of(invocation)),

@@ -36,6 +36,8 @@ struct Wanted {
   std::optional<column::Kind> kind;
 };
 
+std::vector<std::string> names_of(const std::vector<Wanted>& wanted);
+
 /// The file that the arguments name, and the columns that they choose.
 class Input {
  public:

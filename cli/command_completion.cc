@@ -8,24 +8,12 @@ namespace vxcli {
 
 namespace {
 
-std::vector<std::string> zones(VXHost* host) {
-  std::vector<std::string> ids;
-  vxhostForEachZone(
-      host,
-      [](void* user, const char* id) {
-        static_cast<std::vector<std::string>*>(user)->emplace_back(id);
-        return 0;
-      },
-      &ids);
-  return ids;
-}
-
 /// The kind of what follows in the first line, then a candidate a line with its help.
 void answer(Invocation& invocation, std::span<const std::string> words) {
   Completion next = complete(words);
   std::vector<std::string> names;
   if (next.what == Completes::locales) names = LocaleDatabase(invocation.session.host()).names();
-  if (next.what == Completes::zones) names = zones(invocation.session.host());
+  if (next.what == Completes::zones) names = zone_ids(invocation.session.host());
   for (const std::string& name : names) next.candidates.push_back({next.prefix + name, ""});
 
   if (next.what == Completes::files) {

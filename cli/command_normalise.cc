@@ -1,5 +1,4 @@
 // vxnls normalise
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -240,7 +239,7 @@ Allowance allowance_of(const Arguments& arguments) {
 class Rejects {
  public:
   Rejects(const std::string& path, const std::string& input_name, const Plan& plan)
-      : descriptor_(opened(path)), out_(descriptor_, path), input_name_(input_name), plan_(plan) {}
+      : out_(open_for_writing(path), path), input_name_(input_name), plan_(plan) {}
 
   void put(const Reject& reject) {
     Json name;
@@ -266,13 +265,6 @@ class Rejects {
   void finish() { out_.finish(); }
 
  private:
-  static int opened(const std::string& path) {
-    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (descriptor < 0) fail(ExitCode::io, "{}: {}", path, std::strerror(errno));
-    return descriptor;
-  }
-
-  int descriptor_;
   Output out_;
   const std::string& input_name_;
   const Plan& plan_;
@@ -303,12 +295,6 @@ std::vector<column::Decision> decisions_of_profile(const std::string& path) {
     text.append(bytes.data(), count);
   }
   return column::read_profile(text, path);
-}
-
-std::vector<std::string> names_of(const std::vector<columns::Wanted>& wanted) {
-  std::vector<std::string> names;
-  for (const columns::Wanted& each : wanted) names.push_back(each.name);
-  return names;
 }
 
 class Normaliser {
@@ -415,7 +401,7 @@ class Normaliser {
     if (wanted.empty() && plan_.dialect.format != table::Format::lines) {
       fail(ExitCode::usage, "say which columns with -c, as -c when:date,amount:number, or with --profile");
     }
-    plan_.columns = input_.choose(names_of(wanted));
+    plan_.columns = input_.choose(columns::names_of(wanted));
     std::vector<column::ProfilerOptions> options(plan_.columns.size(), columns::profiler_options(invocation_));
     for (size_t i = 0; i < wanted.size(); ++i) options[i].kind = wanted[i].kind;
     for (const column::ColumnReport& report : sampled(options)) plan_.decisions.push_back(report.decision);
@@ -500,8 +486,7 @@ class Normaliser {
 
 ExitCode run(Invocation& invocation) { return Normaliser(invocation).run(); }
 
-constexpr Argument arguments[] = {
-    {.name = "FILE", .help = "what is read; standard input when there is none, or -", .completes = Completes::files}};
+constexpr Argument arguments[] = {options::file};
 constexpr const Option* command_options[] = {&columns::chosen,
                                              &columns::format,
                                              &columns::separator,

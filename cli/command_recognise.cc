@@ -1,9 +1,6 @@
 // vxnls recognise
-#include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include "cli/columns.h"
@@ -27,9 +24,7 @@ constexpr Option html{.name = "html",
 constexpr Option show{.name = "show", .value = "N", .help = "examples of each sort that are listed; 5"};
 
 void write_file(const std::string& path, const std::string& text) {
-  const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (descriptor < 0) fail(ExitCode::io, "{}: {}", path, std::strerror(errno));
-  Output out(descriptor, path);
+  Output out(open_for_writing(path), path);
   out.put(text);
   out.finish();
 }
@@ -37,9 +32,7 @@ void write_file(const std::string& path, const std::string& text) {
 ExitCode run(Invocation& invocation) {
   const Arguments& arguments = invocation.arguments;
   columns::Input input(invocation);
-  std::vector<std::string> names;
-  for (const columns::Wanted& wanted : input.wanted()) names.push_back(wanted.name);
-  const std::vector<table::Column> chosen = input.choose(names);
+  const std::vector<table::Column> chosen = input.choose(columns::names_of(input.wanted()));
   std::vector<column::ProfilerOptions> options(chosen.size(), columns::profiler_options(invocation));
   constexpr int32_t usual_examples = 5;
   constexpr int32_t page_examples = 50;
@@ -71,8 +64,7 @@ ExitCode run(Invocation& invocation) {
   return ExitCode::done;
 }
 
-constexpr Argument arguments[] = {
-    {.name = "FILE", .help = "what is read; standard input when there is none, or -", .completes = Completes::files}};
+constexpr Argument arguments[] = {options::file};
 constexpr const Option* command_options[] = {&columns::chosen,
                                              &columns::format,
                                              &columns::separator,

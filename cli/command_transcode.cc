@@ -174,8 +174,7 @@ class Transcoder {
 
 ExitCode run(Invocation& invocation) { return Transcoder(invocation).run(file_named(invocation.arguments.values())); }
 
-constexpr Argument arguments[] = {
-    {.name = "FILE", .help = "what is read; standard input when there is none, or -", .completes = Completes::files}};
+constexpr Argument arguments[] = {options::file};
 constexpr const Option* command_options[] = {&from, &to, &on_error, &mark};
 constexpr Example examples[] = {
     {"printf 'Grüße' | vxnls transcode --to utf-16le | vxnls transcode --from utf-16le", "Grüße"},

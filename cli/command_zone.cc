@@ -111,14 +111,7 @@ ExitCode run_list(Invocation& invocation) {
   const Arguments& arguments = invocation.arguments;
   VXHost* const host = invocation.session.host();
   const std::string filter = arguments.values().empty() ? "" : arguments.values()[0];
-  std::vector<std::string> ids;
-  vxhostForEachZone(
-      host,
-      [](void* user, const char* id) {
-        static_cast<std::vector<std::string>*>(user)->emplace_back(id);
-        return 0;
-      },
-      &ids);
+  const std::vector<std::string> ids = zone_ids(host);
   Table table;
   Json list = Json::array();
   size_t count = 0;

@@ -26,6 +26,12 @@ void File::rewind() const {
   if (lseek(descriptor_, start_, SEEK_SET) != start_) fail(ExitCode::io, "{}: {}", name_, std::strerror(errno));
 }
 
+int open_for_writing(const std::string& path) {
+  const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (descriptor < 0) fail(ExitCode::io, "{}: {}", path, std::strerror(errno));
+  return descriptor;
+}
+
 const std::string* file_named(const std::vector<std::string>& values) {
   return values.empty() || values.front() == "-" ? nullptr : &values.front();
 }

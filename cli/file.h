@@ -30,6 +30,9 @@ class File {
   off_t start_ = -1;  // where reading began, of a regular file
 };
 
+/// A new or emptied file to write to. Throws Failure (ExitCode::io).
+int open_for_writing(const std::string& path);
+
 /// The file that the first of `values` names; null for standard input: there is none, or it is "-".
 const std::string* file_named(const std::vector<std::string>& values);
 

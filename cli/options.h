@@ -46,6 +46,10 @@ inline constexpr Option chunk_header{
     .name = "chunk-header",
     .help = "standard input comes in blocks: a line with the number of values, then so many lines"};
 
+/// The one argument of commands that read a file.
+inline constexpr Argument file{
+    .name = "FILE", .help = "what is read; standard input when there is none, or -", .completes = Completes::files};
+
 }  // namespace vxcli::options
 
 #endif

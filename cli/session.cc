@@ -98,9 +98,7 @@ const Session::Choice& Session::chosen_locale(LocaleCategory category) {
 
 Zone Session::open_zone(const std::string& name, const std::string& source) {
   if (auto zone = Zone::open(host(), name.c_str())) return std::move(*zone);
-  std::vector<std::string> ids;
-  vxhostForEachZone(host(), collect, &ids);
-  std::string suggestion = did_you_mean(name, ids);
+  std::string suggestion = did_you_mean(name, zone_ids(host()));
   if (suggestion.empty()) suggestion = "; \"vxnls zone list\" lists them";
   fail(ExitCode::usage, "{}there is no time zone {}{}", in_front(source), in_quotes(name), suggestion);
 }

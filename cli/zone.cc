@@ -62,4 +62,16 @@ Zone::LocalTime Zone::how_often(double local) const {
   return later != first && offset_at_utc(local - later) == later ? LocalTime::twice : LocalTime::once;
 }
 
+std::vector<std::string> zone_ids(VXHost* host) {
+  std::vector<std::string> ids;
+  vxhostForEachZone(
+      host,
+      [](void* user, const char* id) {
+        static_cast<std::vector<std::string>*>(user)->emplace_back(id);
+        return 0;
+      },
+      &ids);
+  return ids;
+}
+
 }  // namespace vxcli

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "vxnls/vxhost.h"
 
@@ -39,6 +40,9 @@ class Zone {
   VXZoneService* service_;
   VXZone* zone_;
 };
+
+/// Every identifier that the host knows.
+std::vector<std::string> zone_ids(VXHost* host);
 
 }  // namespace vxcli
 
