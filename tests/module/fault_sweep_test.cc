@@ -1,12 +1,13 @@
-// Every call that the library makes to its host fails in turn: once, and from then on, with each status that means
-// something and with one that does not. After every run the result is the documented one, the library holds nothing
-// more than before, and the next try succeeds.
+// Every call that the library makes to its host fails in turn: once, and from then on, with each documented status and
+// one that is none, with the out arguments left alone or full of rubbish. After every run the result is the documented
+// one, the library holds what it held before (or what the undisturbed call leaves), and the next try succeeds.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <iostream>
 #include <numeric>
 #include <optional>
+#include <set>
 #include <thread>
 
 #include "tests/support/failing_host.h"
@@ -20,9 +21,13 @@ using vxtest::Holdings;
 using vxtest::Op;
 
 constexpr VXStatus undocumented = 0x803f1234;
-constexpr VXStatus statuses[] = {VX_E_MEMORY,     VX_E_ROOM, VX_E_ZONE,   VX_E_NOMATCH,
-                                 VX_W_SUBSTITUTE, VX_W_FILL, undocumented};
+constexpr VXStatus statuses[] = {VX_E_MEMORY,    VX_E_DIGITS,   VX_E_DIRECTIVE, VX_E_ROOM,       VX_E_SEQUENCE,
+                                 VX_E_NOMATCH,   VX_E_MISSING,  VX_E_RANGE,     VX_E_TRUNCATED,  VX_W_FILL,
+                                 VX_E_NOTNUMBER, VX_E_OVERFLOW, VX_E_UNDERFLOW, VX_E_INCOMPLETE, VX_E_WIDTH,
+                                 VX_W_PRECISION, VX_E_KIND,     VX_E_LENGTH,    VX_W_SUBSTITUTE, VX_E_NULL,
+                                 VX_E_MISSCHAR,  VX_E_ZONE,     VX_E_GROUPING,  VX_E_SPLIT,      undocumented};
 constexpr VXStatus untouched = 0x5A5A5A5A;
+constexpr int64_t least_faults = 10000;
 
 /// What came of a call: for a function without a status, its answer in place of one.
 struct Outcome {
@@ -277,6 +282,21 @@ Outcome normalised(const Failures& failures, VXStatus fault) {
   return failures.empty() ? Outcome{true, 0} : Outcome{false, fault};
 }
 
+/// The status is that of the one that failed, whichever it was.
+Outcome write_messages(Stage& stage) {
+  VXJournal* const journal = stage.host.journal();
+  static constexpr VXChar message[] = {'m', 0};
+  const VXStatus statuses[] = {vxlMessageToBuf(journal, 0, 0, 0, 0, 0), vxlMessageToJnl(journal, 3, message, 0),
+                               vxlStatusToBuf(journal, 1, 0, 0, 0), vxlStatusToJnl(journal, 4, 1)};
+  return {vxlGetLocale(journal, 0, 0, 0, 0, 0) == journal,
+          std::accumulate(statuses, statuses + 4, VXStatus{0}, [](auto a, auto b) { return a | b; })};
+}
+
+Outcome messages_written(const Failures& failures, VXStatus fault) {
+  const bool lost_locale = first_of(failures, Op::get_locale) != nullptr;
+  return {!lost_locale, failures.size() > (lost_locale ? 1 : 0) ? fault : 0};
+}
+
 Outcome widen_year(Stage& stage) {
   stage.host.answers().year_cutoff = 1900;
   return {true, static_cast<VXStatus>(vxfmtzjulymd(30, 1, 1))};
@@ -370,32 +390,61 @@ const Scenario scenarios[] = {
     {"double by the host's conversion", &make_locale, &format_by_host, &formatted_by_host},
     {"name of the zone", &make_locale_in_india, formatting(U"%Z"), formatted(U"Asia/Kolkata", U"XST")},
     {"datetime read in another zone", &make_locale, &read_in_zone, &read},
+    {"messages", &load_module, &write_messages, &messages_written},
     {"offset of the zone", &make_locale_in_india, formatting(U"%z"), formatted(U"+0530", U"+0000")},
 };
 
-/// One run with the k-th call failing; false when no call failed, so that the sweep is over.
-bool run(const Scenario& scenario, int64_t k, bool lasting, VXStatus fault, int64_t* injected) {
-  SCOPED_TRACE(testing::Message() << scenario.name << ", call " << k << (lasting ? " and all after it" : "")
-                                  << " failing with " << std::hex << fault);
+struct Fault {
+  VXStatus status;
+  bool lasting, rubbish;
+};
+std::ostream& operator<<(std::ostream& out, const Fault& f) {
+  return out << " failing with " << std::hex << f.status << std::dec << (f.lasting ? ", as all after it" : "")
+             << (f.rubbish ? ", and leaving rubbish" : "");
+}
+
+/// Calls `sweep(k, fault)` for k = 1, 2, ... until it says that no call failed, with every fault there is; gives how
+/// often one did. What a failing call leaves behind does not depend on its status: rubbish comes with two of them.
+template <class Sweep>
+int64_t with_every_fault(Sweep sweep) {
+  int64_t injected = 0;
+  for (const VXStatus status : statuses) {
+    for (const bool lasting : {false, true}) {
+      for (const bool rubbish : {false, true}) {
+        if (rubbish && status != VX_E_MEMORY && status != undocumented) continue;
+        for (int64_t k = 1; sweep(k, Fault{status, lasting, rubbish}); ++k, ++injected) {
+          if (k > 1000) ADD_FAILURE() << "the sweep does not end";
+          if (testing::Test::HasFailure()) return injected;
+        }
+      }
+    }
+  }
+  return injected;
+}
+
+/// One run with the k-th call failing; false when no call failed, so that the sweep is over. `left` is what an
+/// undisturbed run leaves behind; `seen` gathers what has failed.
+bool run(const Scenario& scenario, int64_t k, const Fault& fault, const Holdings& left, std::set<Op>* seen) {
+  SCOPED_TRACE(testing::Message() << scenario.name << ", call " << k << fault);
   Stage stage;
   FailingHost& host = stage.host;
   scenario.prepare(stage);
   const Holdings before = host.holdings();
-  host.fail_call(k, lasting, fault);
+  host.fail_call(k, fault.lasting, fault.status, fault.rubbish);
   const Outcome outcome = scenario.act(stage);
   const Failures failures = host.failures();
   host.fail_nothing();
-  *injected += failures.empty() ? 0 : 1;
   testing::Message what;
-  for (const Failure& failure : failures) what << name_of(failure.op) << " " << failure.about << "; ";
-  SCOPED_TRACE(what);
-  EXPECT_EQ(outcome, scenario.documented(failures, fault));
-  EXPECT_EQ(host.holdings().held_locks, 0);
-  if (!outcome.done) {
-    EXPECT_EQ(host.holdings(), before);
+  for (const Failure& failure : failures) {
+    what << name_of(failure.op) << " " << failure.about << "; ";
+    seen->insert(failure.op);
   }
+  SCOPED_TRACE(what);
+  EXPECT_EQ(outcome, scenario.documented(failures, fault.status));
+  EXPECT_EQ(host.holdings(), outcome.done ? left : before);
 
   EXPECT_EQ(scenario.act(stage), scenario.documented({}, 0)) << "the next try";
+  EXPECT_EQ(host.holdings(), left) << "after the next try";
   const bool refused_zone_option = !failures.empty() && failures.front().op == Op::normalise_zone &&
                                    failures.front().about.empty() && host.stray_releases() == 1;
   EXPECT_TRUE(host.stray_releases() == 0 || refused_zone_option) << host.stray_releases() << " stray releases";
@@ -407,69 +456,66 @@ bool run(const Scenario& scenario, int64_t k, bool lasting, VXStatus fault, int6
 
 TEST(FaultSweep, EveryCallOfEveryScenario) {
   int64_t injected = 0;
+  std::set<Op> seen;
   for (const Scenario& scenario : scenarios) {
-    const int64_t before = injected;
-    for (const VXStatus fault : statuses) {
-      for (const bool lasting : {false, true}) {
-        int64_t k = 1;
-        while (run(scenario, k, lasting, fault, &injected)) {
-          ASSERT_LT(++k, 1000) << "the sweep does not end";
-          if (HasFailure()) return;
-        }
-      }
-    }
-    EXPECT_GT(injected, before) << scenario.name << " calls nothing";
+    Stage undisturbed;
+    scenario.prepare(undisturbed);
+    scenario.act(undisturbed);
+    const Holdings left = undisturbed.host.holdings();
+    undisturbed.host.close();
+    const int64_t faults =
+        with_every_fault([&](int64_t k, const Fault& fault) { return run(scenario, k, fault, left, &seen); });
+    if (HasFailure()) return;
+    EXPECT_GT(faults, 0) << scenario.name << " calls nothing";
+    injected += faults;
   }
-  std::cout << injected << " runs with a fault\n";
-  EXPECT_GE(injected, 1500);
+  for (size_t op = 0; op < vxtest::operation_count; ++op) {
+    EXPECT_TRUE(seen.contains(static_cast<Op>(op))) << name_of(static_cast<Op>(op)) << " never failed";
+  }
+  std::cout << injected << " faults in " << std::size(scenarios) << " scenarios\n";
+  EXPECT_GE(injected, least_faults);
 }
 
 // Two threads create a locale each, so the k-th call falls now here, now there. What each gets is one of the documented
 // results, and together they leave exactly the locales that were made.
 TEST(FaultSweep, TwoLocalesAtOnce) {
-  for (const VXStatus fault : statuses) {
-    for (const bool lasting : {false, true}) {
-      bool failed = true;
-      for (int64_t k = 1; failed; ++k) {
-        SCOPED_TRACE(testing::Message() << "call " << k << (lasting ? " and all after it" : "") << " failing with "
-                                        << std::hex << fault);
-        Stage stage;
-        make_cache(stage);
-        const Holdings before = stage.host.holdings();
-        stage.host.fail_call(k, lasting, fault);
-        Outcome outcomes[2];
-        std::thread other([&] { outcomes[1] = create(stage.host, U"en_GB", U"UTC", true); });
-        outcomes[0] = create(stage.host, U"en_US", U"UTC", true);
-        other.join();
-        failed = !stage.host.failures().empty();
-        stage.host.fail_nothing();
-        Holdings expected = before;
-        for (const Outcome& outcome : outcomes) {
-          if (outcome.done) {
-            EXPECT_EQ(outcome.status, 0u);
-            expected.blocks += 3;
-            expected.locks += 2;
-            expected.tracks += 2;
-            expected.entries += 2;
-            expected.extensions += 1;
-            expected.zones += 1;
-          } else {
-            EXPECT_TRUE(outcome.status == 0 || outcome.status == fault || outcome.status == VX_E_MEMORY ||
-                        outcome.status == VX_E_ZONE)
-                << outcome;
-          }
-        }
-        EXPECT_EQ(stage.host.holdings(), expected);
-        for (const auto name : {U"en_US", U"en_GB"}) {
-          EXPECT_EQ(create(stage.host, name, U"UTC", true), (Outcome{true, 0})) << "the next try";
-        }
-        stage.host.close();
-        EXPECT_EQ(stage.host.holdings(), Holdings{});
-        EXPECT_EQ(stage.host.complaints(), std::vector<std::string>{});
-        if (HasFailure()) return;
+  const int64_t injected = with_every_fault([](int64_t k, const Fault& fault) {
+    SCOPED_TRACE(testing::Message() << "call " << k << fault);
+    Stage stage;
+    make_cache(stage);
+    Holdings expected = stage.host.holdings();
+    stage.host.fail_call(k, fault.lasting, fault.status, fault.rubbish);
+    Outcome outcomes[2];
+    std::thread other([&] { outcomes[1] = create(stage.host, U"en_GB", U"UTC", true); });
+    outcomes[0] = create(stage.host, U"en_US", U"UTC", true);
+    other.join();
+    const bool failed = !stage.host.failures().empty();
+    stage.host.fail_nothing();
+    for (const Outcome& outcome : outcomes) {
+      if (outcome.done) {
+        EXPECT_EQ(outcome.status, 0u);
+        expected.blocks += 3;
+        expected.locks += 2;
+        expected.tracks += 2;
+        expected.entries += 2;
+        expected.extensions += 1;
+        expected.zones += 1;
+      } else {
+        EXPECT_TRUE(outcome.status == 0 || outcome.status == fault.status || outcome.status == VX_E_MEMORY ||
+                    outcome.status == VX_E_ZONE)
+            << outcome;
       }
     }
-  }
+    EXPECT_EQ(stage.host.holdings(), expected);
+    for (const auto name : {U"en_US", U"en_GB"}) {
+      EXPECT_EQ(create(stage.host, name, U"UTC", true), (Outcome{true, 0})) << "the next try";
+    }
+    stage.host.close();
+    EXPECT_EQ(stage.host.holdings(), Holdings{});
+    EXPECT_EQ(stage.host.complaints(), std::vector<std::string>{});
+    return failed;
+  });
+  std::cout << injected << " faults\n";
 }
 
 }  // namespace

@@ -17,12 +17,6 @@ namespace vxtest {
 
 namespace {
 
-constexpr size_t operation_count = 0
-#define VX_OPERATION(name) +1
-    VX_HOST_OPERATIONS(VX_OPERATION)
-#undef VX_OPERATION
-    ;
-
 std::u32string text_of(const VXChar* text, int64_t length) { return std::u32string(text, text + length); }
 
 template <class Bytes>
@@ -82,7 +76,7 @@ struct Of : Object {
 struct HostState {
   // Faults. The fast path takes no lock, so that the host orders threads as little as it can.
   std::atomic<int64_t> first_failing{0};  // 0: nothing fails
-  std::atomic<bool> lasting{false};
+  std::atomic<bool> lasting{false}, rubbish{false};
   std::atomic<VXStatus> fault_status{0};
   std::atomic<int64_t> calls_since{0};
   std::atomic<bool> tracing{false};
@@ -140,6 +134,13 @@ struct HostState {
     const std::lock_guard lock(books);
     failures.push_back({op, std::string(about)});
     return fault_status;
+  }
+  /// The same for an operation with these out arguments, which may be full of rubbish when it fails.
+  template <class... Out>
+  VXStatus fault(Op op, std::string_view about, Out*... out) {
+    const VXStatus status = fault(op, about);
+    if (status != 0 && rubbish.load(std::memory_order_relaxed)) (std::memset(out, 0xA5, sizeof *out), ...);
+    return status;
   }
 
   void require(bool kept, std::string_view what) {
@@ -471,11 +472,11 @@ VXStatus fill(VXLocaleDatabase* database, VXLocaleData* data, const VXChar* name
   const int64_t kept = std::min<int64_t>(length, 60);
   host->require(data->localeName.length == kept && text_of(data->localeName.text, kept) == text_of(name, kept),
                 "fill: the name does not stand in the record");
-  VXStatus status = host->fault(Op::fill, "");
+  const NLSName written = data->localeName;
+  VXStatus status = host->fault(Op::fill, "", data);
   if (status == 0) status = host->answers.fill_status;
   if (status != 0 && status != VX_W_FILL) return status;
   static const auto english = std::make_unique<PlainLocale>();
-  const NLSName written = data->localeName;
   *data = english->data;
   data->localeName = written;
   return status;
@@ -529,7 +530,7 @@ VXStatus lookup_locale(HostContext* context, const VXChar* name, int64_t length,
   host->require(mode == 8, "lookup_locale: mode");
   host->require(static_cast<Lock*>(host->creation_lock)->holder == std::this_thread::get_id(),
                 "lookup_locale: without the creation lock");
-  VXStatus status = host->fault(Op::lookup_locale, "");
+  VXStatus status = host->fault(Op::lookup_locale, "", record);
   if (status == 0) status = host->answers.lookup_status;
   if (status != 0 && status != VX_W_SUBSTITUTE) return status;
   if (host->answers.null_record) return status;
@@ -542,6 +543,8 @@ VXStatus lookup_locale(HostContext* context, const VXChar* name, int64_t length,
   return status;
 }
 
+using ZoneName = VXChar[50];
+
 void put_zone(HostState* host, std::u32string_view id, VXChar* out, int64_t* out_length) {
   host->require(*out_length == 50, "a zone identifier: room");
   for (size_t i = 0; i < id.size() && i < 50; ++i) out[i] = id[i];
@@ -549,11 +552,15 @@ void put_zone(HostState* host, std::u32string_view id, VXChar* out, int64_t* out
 }
 
 VXStatus normalise_zone(HostContext* context, const VXChar* id, int64_t length, VXZoneIdOptions options, VXChar* out,
-                        int64_t* out_length, uint64_t*) {
+                        int64_t* out_length, uint64_t* extra) {
   HostState* const host = host_of(context);
   host->require(options.mode == 16 && options.zero1 == 0 && options.zero2 == 0, "normalise_zone: options");
   const bool created = static_cast<Lock*>(host->creation_lock)->holder == std::this_thread::get_id();
-  if (const VXStatus status = host->fault(Op::normalise_zone, created ? "created" : ""); status != 0) return status;
+  auto* const room = reinterpret_cast<ZoneName*>(out);
+  const char* const about = created ? "created" : "";
+  if (const VXStatus status = host->fault(Op::normalise_zone, about, room, out_length, extra); status != 0) {
+    return status;
+  }
   const ZoneRule* const rule = find_rule(text_of(id, length));
   if (rule == nullptr) return VX_E_ZONE;
   put_zone(host, rule->id, out, out_length);
@@ -563,7 +570,8 @@ VXStatus normalise_zone(HostContext* context, const VXChar* id, int64_t length, 
 VXStatus os_zone(HostContext* context, VXChar* out, int64_t* out_length, uint32_t mode) {
   HostState* const host = host_of(context);
   host->require(mode == 8, "os_zone: mode");
-  if (const VXStatus status = host->fault(Op::os_zone, ""); status != 0) return status;
+  auto* const room = reinterpret_cast<ZoneName*>(out);
+  if (const VXStatus status = host->fault(Op::os_zone, "", room, out_length); status != 0) return status;
   if (host->answers.system_zone_status != 0) return host->answers.system_zone_status;
   put_zone(host, host->answers.system_zone, out, out_length);
   return 0;
@@ -601,7 +609,10 @@ VXStatus describe_zone(VXZoneService* service, VXZone* zone, int32_t, double, VX
                        int32_t* offset) {
   HostState* const host = host_of(service);
   const ZoneRule* const rule = reinterpret_cast<Zone*>(zone)->rule;
-  if (const VXStatus status = host->fault(Op::describe_zone, utf8(rule->id)); status != 0) return status;
+  auto* const room = reinterpret_cast<ZoneName*>(name);
+  if (const VXStatus status = host->fault(Op::describe_zone, utf8(rule->id), room, name_length, offset); status != 0) {
+    return status;
+  }
   put_zone(host, rule->id, name, name_length);
   *offset = rule->offset;
   return 0;
@@ -662,7 +673,7 @@ int32_t compare(VXNormaliser* normaliser, const uint8_t* a, int64_t length_a, co
 /// Any value is "#": enough to tell whose conversion it was.
 VXStatus format_double(VXLocale* locale, int32_t, int32_t, uint32_t, VXChar* buffer, int64_t size, int64_t* length,
                        const NLSDoubleExOpts*, double) {
-  if (const VXStatus status = host_of(locale->host)->fault(Op::format_double, ""); status != 0) return status;
+  if (const VXStatus status = host_of(locale->host)->fault(Op::format_double, "", length); status != 0) return status;
   *length = size > 0 ? 1 : 0;
   if (size > 0) buffer[0] = '#';
   return 0;
@@ -716,10 +727,11 @@ VXJournal* FailingHost::journal() { return &state_->journal; }
 NLSModule* FailingHost::module() const { return state_->module; }
 FailingHost::Answers& FailingHost::answers() { return state_->answers; }
 
-void FailingHost::fail_call(int64_t k, bool lasting, VXStatus status) {
+void FailingHost::fail_call(int64_t k, bool lasting, VXStatus status, bool rubbish) {
   state_->failures.clear();
   state_->calls_since = 0;
   state_->lasting = lasting;
+  state_->rubbish = rubbish;
   state_->fault_status = status;
   state_->first_failing = k;
 }

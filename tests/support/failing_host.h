@@ -31,6 +31,11 @@ enum class Op {
   VX_HOST_OPERATIONS(VX_OPERATION)
 #undef VX_OPERATION
 };
+inline constexpr size_t operation_count = 0
+#define VX_OPERATION(name) +1
+    VX_HOST_OPERATIONS(VX_OPERATION)
+#undef VX_OPERATION
+    ;
 const char* name_of(Op op);
 
 /// A call that was made to fail: the operation, and what it was about (the name of a lock, a track, an extension or a
@@ -75,8 +80,8 @@ class FailingHost {
 
   /// The k-th call from now fails, from 1; `lasting`: and all after it. Operations that answer with a status give
   /// `status`, others null or nothing. Operations that give back do so all the same. lookup_locale and fill do their
-  /// work when `status` is the one that they may add to it.
-  void fail_call(int64_t k, bool lasting, VXStatus status);
+  /// work when `status` is the one that they may add to it. `rubbish`: a failing operation fills its out arguments.
+  void fail_call(int64_t k, bool lasting, VXStatus status, bool rubbish = false);
   void fail_nothing();
   /// The calls that failed since fail_call, in their order.
   std::vector<Failure> failures() const;
