@@ -2,6 +2,8 @@
 #ifndef VXNLS_NUMBER_PARSE_READ_DOUBLE_H
 #define VXNLS_NUMBER_PARSE_READ_DOUBLE_H
 
+#include <limits>
+
 #include "number_parse/calc_double.h"
 #include "number_parse/number_text.h"
 
@@ -17,10 +19,14 @@ inline VXStatus evaluate(const NumberText& number, double* value) {
     *value = qmMissVal(number.missing);
     return 0;
   }
-  // Texts have at most 2^31 units, so the clamp changes nothing that could still become a number.
-  constexpr int64_t far = 1 << 30;
-  return vxnlsCalcDouble(number.high, number.low, static_cast<int32_t>(std::min(number.digits, far)),
-                         static_cast<int32_t>(std::clamp(number.exponent, -far, far)), number.negative, value);
+  // Digits past the thirtieth only move the point, so that a text of very many may lose the same number from both
+  // counts. An exponent that is clamped then is far outside of what a double holds.
+  using Limits = std::numeric_limits<int32_t>;
+  constexpr int64_t most_digits = 1 << 30;
+  const int64_t lost = std::max<int64_t>(number.digits - most_digits, 0);
+  const int64_t exponent = std::clamp<int64_t>(number.exponent + lost, Limits::min(), Limits::max());
+  return vxnlsCalcDouble(number.high, number.low, static_cast<int32_t>(number.digits - lost),
+                         static_cast<int32_t>(exponent), number.negative, value);
 }
 
 template <class Code>

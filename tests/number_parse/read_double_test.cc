@@ -365,6 +365,25 @@ TEST(ReadDouble, AgreesWithTheModel) {
   EXPECT_GT(rounded, numbers * 9 / 10);
 }
 
+// Longer texts than memory holds here, as they are recognised: digits past the thirtieth change nothing.
+TEST(ReadDouble, AsManyDigitsAsATextCanHave) {
+  for (const int64_t whole : {int64_t{-300}, int64_t{0}, int64_t{1}, int64_t{40}, int64_t{300}}) {
+    vxnls::NumberText number;
+    number.high = number.low = 123456789012345;
+    number.digits = 30;
+    number.exponent = whole - 30;
+    double expected = 0;
+    ASSERT_EQ(vxnls::evaluate(number, &expected), 0u);
+    for (const int64_t digits : {int64_t{31}, int64_t{1} << 30, (int64_t{1} << 30) + 1, int64_t{INT32_MAX}}) {
+      number.digits = digits;
+      number.exponent = whole - digits;
+      double value = 0;
+      EXPECT_EQ(vxnls::evaluate(number, &value), 0u);
+      EXPECT_EQ(value, expected) << digits << " digits, " << whole << " before the point";
+    }
+  }
+}
+
 /// What docs/numbers.md promises to be correctly rounded without exception.
 TEST(ReadDouble, CertainTexts) {
   std::mt19937_64 random(4);
