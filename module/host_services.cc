@@ -79,6 +79,7 @@ VXStatus system_zone(HostContext* host, ZoneId* out) {
 }
 
 void describe_zone(const VXLocale* locale, double seconds, ZoneState* state) {
+  std::fill(std::begin(state->name), std::end(state->name), VXChar{' '});
   state->name_length = longest_zone_id;
   state->offset = 0;
   VXZoneService* const zones = locale->host != nullptr ? locale->host->zones : nullptr;

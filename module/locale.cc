@@ -208,7 +208,9 @@ VXLocale* find_or_make(HostContext* host, VXJournal* journal, TextView asked, co
 }
 
 VXLocale* create(HostContext* host, TextView name, const LocaleCreateOptions* options, VXStatus& status) {
-  status = host == nullptr || (name.text == nullptr && name.length > 0) ? VX_E_NULL : name.length < 0 ? VX_E_LENGTH : 0;
+  const bool incomplete =
+      host == nullptr || host->kernel == nullptr || host->pool == nullptr || host->creationLock == nullptr;
+  status = incomplete || (name.text == nullptr && name.length > 0) ? VX_E_NULL : name.length < 0 ? VX_E_LENGTH : 0;
   if (status != 0) return nullptr;
   VXJournal* const journal = locale_journal(host);
   ZoneId zone;

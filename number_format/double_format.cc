@@ -1,8 +1,10 @@
 #include "number_format/double_format.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 #include "number_format/digits.h"
 #include "number_format/draft.h"
@@ -631,7 +633,7 @@ VXBDConv* host_conversion() {
                                    uint32_t flags, uint8_t* buffer, int64_t size, int64_t* length,
                                    const NLSDoubleExOpts* extended, double value) {
   if (buffer == nullptr || length == nullptr) return VX_E_NULL;
-  VXChar text[host_units];
+  VXChar text[host_units] = {};  // whatever length the host claims, nothing of this stack leaves
   int64_t units = 0;
   const VXStatus status = table->format_double(locale, width, decimals, flags, text,
                                                size < host_units ? size : host_units, &units, extended, value);
@@ -672,7 +674,12 @@ VXStatus NLSDoubleFormat(VXLocale* locale, int32_t width, int32_t decimals, uint
 VXStatus NLSDoubleFormatWithExOpts(VXLocale* locale, int32_t width, int32_t decimals, uint32_t flags, VXChar* buffer,
                                    int64_t size, int64_t* length, const NLSDoubleExOpts* extended, double value) {
   if (VXBDConv* const table = vxnls::host_conversion()) {
-    return table->format_double(locale, width, decimals, flags, buffer, size, length, extended, value);
+    constexpr int64_t unclaimed = std::numeric_limits<int64_t>::min();
+    int64_t claimed = unclaimed;
+    const VXStatus status = table->format_double(locale, width, decimals, flags, buffer, size,
+                                                 length != nullptr ? &claimed : nullptr, extended, value);
+    if (claimed != unclaimed) *length = std::clamp<int64_t>(claimed, 0, std::max<int64_t>(size, 0));
+    return status;
   }
   return vxnls::NLSDoubleFormatWithExOptsLegacy(locale, width, decimals, flags, buffer, size, length, extended, value);
 }

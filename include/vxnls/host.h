@@ -268,7 +268,7 @@ struct VXNormaliser {
 };
 
 /// The host's own conversion of doubles. When `enabled` is not 0, NLSDoubleFormatWithExOpts and its UTF-8 form hand
-/// their work to `format_double`, whose arguments are theirs.
+/// their work to `format_double`, whose arguments are theirs. A length that exceeds the size counts as the size.
 struct VXBDConv {
   int32_t enabled;
   int32_t reserved;

@@ -73,7 +73,7 @@ struct VXLocaleData {
 /// Returns the locale with status 0, or null with nothing left behind and
 ///   0x803fc002  memory is exhausted, or the track of zones cannot be made
 ///   0x803fe818  `length` is negative
-///   0x803fe831  `host` is null, or `name` with a length; the lookup gave no name
+///   0x803fe831  `host` is null, or its kernel, pool or creation lock; `name` with a length; the lookup gave no name
 ///   0x803fe83c  the zone cannot be opened
 ///   0           (or 0x803fe81a, from the lookup) "vxemsg" or "vxnlsldb" cannot be loaded
 ///   0           a lock, or the track of messages, cannot be made
