@@ -89,7 +89,7 @@ constexpr Definition codes[] = {{"0", "done"},
                                 {"1", "finished, but some values could not be read"},
                                 {"2", "wrong usage, locale, zone or pattern"},
                                 {"3", "reading or writing failed"},
-                                {"4", "the host failed"}};
+                                {"4", "the host failed, or memory is exhausted"}};
 
 }  // namespace
 

@@ -15,7 +15,7 @@ enum class ExitCode : int {
   some_unread = 1,  // finished, but some values could not be read (or some locales broke a rule)
   usage = 2,        // wrong command, option, locale, zone or pattern
   io = 3,           // reading or writing failed
-  host = 4          // the host, its library or its extensions failed
+  host = 4          // the host, its library or its extensions failed, or memory is exhausted
 };
 
 /// Ends the command: one line on standard error, nothing more on standard output.

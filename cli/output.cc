@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "cli/errors.h"
@@ -94,8 +95,14 @@ void Output::give_up(int error) {
   fail(ExitCode::io, "cannot write {}: {}", name_, std::strerror(error));
 }
 
-void Messages::error(std::string_view text) const {
-  to_standard_error(fmt::format("{} {}\n", colors_.paint(Tint::error, "vxnls:"), text));
+void Messages::error(std::string_view text) const noexcept {
+  try {
+    to_standard_error(fmt::format("{} {}\n", colors_.paint(Tint::error, "vxnls:"), text));
+  } catch (const std::bad_alloc&) {
+    for (const std::string_view part : {std::string_view("vxnls: "), text, std::string_view("\n")}) {
+      to_standard_error(part);
+    }
+  }
 }
 
 void Messages::note(std::string_view text) const {

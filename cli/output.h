@@ -49,7 +49,8 @@ class Output {
 /// Lines for people, on standard error, each written at once. That they cannot be written changes nothing.
 class Messages {
  public:
-  void error(std::string_view text) const;
+  /// Without colour and in parts when memory is exhausted.
+  void error(std::string_view text) const noexcept;
   /// Something to know, not a failure; not shown when quiet.
   void note(std::string_view text) const;
   void be_quiet() { quiet_ = true; }

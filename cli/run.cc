@@ -2,7 +2,11 @@
 
 #include <unistd.h>
 
+#include <exception>
+#include <new>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "cli/arguments.h"
 #include "cli/help.h"
@@ -52,23 +56,32 @@ ExitCode run_command(const Arguments& arguments, const Messages& messages, Outpu
   return arguments.command().run(invocation);
 }
 
-}  // namespace
-
-ExitCode run(std::vector<std::string> words) {
-  Messages messages;
+ExitCode run_words(std::vector<std::string> words, Messages& messages) {
   messages.use_colors(colors_for(color_asked_for(words), STDERR_FILENO));
   Output out(STDOUT_FILENO, "standard output");
+  const Arguments arguments(std::move(words));
+  messages.use_colors(colors_for(arguments.value(options::color).value_or(""), STDERR_FILENO));
+  if (arguments.has(options::quiet)) messages.be_quiet();
+  const ExitCode code = run_command(arguments, messages, out);
+  out.finish();
+  return code;
+}
+
+}  // namespace
+
+ExitCode run(std::span<char* const> given) noexcept {
+  Messages messages;
   try {
-    const Arguments arguments(std::move(words));
-    messages.use_colors(colors_for(arguments.value(options::color).value_or(""), STDERR_FILENO));
-    if (arguments.has(options::quiet)) messages.be_quiet();
-    const ExitCode code = run_command(arguments, messages, out);
-    out.finish();
-    return code;
+    return run_words({given.begin(), given.end()}, messages);
   } catch (const Failure& failure) {
     messages.error(failure.what());
     return failure.code();
+  } catch (const std::bad_alloc&) {
+    messages.error("memory is exhausted");
+  } catch (const std::exception& error) {
+    messages.error(error.what());
   }
+  return ExitCode::host;
 }
 
 }  // namespace vxcli
