@@ -1,20 +1,19 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
-#include <chrono>
-#include <cmath>
 #include <functional>
 #include <limits>
-#include <optional>
 #include <random>
-#include <string>
 #include <vector>
 
+#include "tests/datetime_format/expander.h"
 #include "tests/support/guard_page.h"
 #include "tests/support/plain_locale.h"
 
 namespace {
 
+using vxtest::Expander;
 using vxtest::GuardedBuffer;
 using vxtest::PlainLocale;
 using vxtest::set_name;
@@ -51,103 +50,6 @@ struct AnsweringZone {
   static inline int32_t offset;
   static inline bool failing;
   static inline std::vector<double> asked;
-};
-
-// What the contract of the header says, over the standard library's calendar; for dates before the year 4000 only.
-struct Expander {
-  const VXLocaleData& data;
-  bool of_date;
-  std::chrono::year_month_day ymd;
-  unsigned week_day;
-  long hour, minute, second;
-  std::u32string text;
-
-  Expander(const VXLocaleData& record, std::chrono::sys_days at) : data(record), of_date(true), ymd(at) {
-    week_day = std::chrono::weekday{at}.c_encoding();
-  }
-  static Expander of_seconds(const VXLocaleData& record, double value) {
-    const auto whole = static_cast<int64_t>(std::floor(value));
-    const std::chrono::sys_seconds at =
-        std::chrono::sys_days{std::chrono::year{1960} / 1 / 1} + std::chrono::seconds{whole};
-    const auto midnight = std::chrono::floor<std::chrono::days>(at);
-    Expander e(record, midnight);
-    const std::chrono::hh_mm_ss time{at - midnight};
-    e.of_date = false;
-    e.hour = time.hours().count(), e.minute = time.minutes().count(), e.second = time.seconds().count();
-    return e;
-  }
-
-  static std::u32string of(const NLSName& name) {
-    return {name.text, name.text + std::clamp<int64_t>(name.length, 0, 60)};
-  }
-  void digits(long value, bool padded) {
-    if (padded || value % 100 > 9) text += static_cast<char32_t>('0' + value / 10 % 10);
-    text += static_cast<char32_t>('0' + value % 10);
-  }
-  void places(long value) {
-    text += value > 9 ? static_cast<char32_t>('0' + value / 10) : U' ';
-    text += static_cast<char32_t>('0' + value % 10);
-  }
-  bool one(char32_t letter, bool lower, bool padded) {
-    const auto month = static_cast<unsigned>(ymd.month());
-    const auto year = static_cast<int>(ymd.year());
-    if (letter == 'm' && lower) letter = 'n';
-    if (of_date && std::u32string_view(U"abcdefnouwyz").find(letter) == std::u32string_view::npos) return false;
-    switch (letter) {
-      case 'a': text += of(lower ? data.altDayNames[week_day] : data.dayNames[week_day]); break;
-      case 'b': text += of(lower ? data.altMonthNames[month - 1] : data.monthNames[month - 1]); break;
-      case 'c': text += of(data.monthNames[month - 1]); break;
-      case 'd': digits(static_cast<unsigned>(ymd.day()), padded); break;
-      case 'e': places(static_cast<unsigned>(ymd.day())); break;
-      case 'f': text += of(data.dayNames[week_day]); break;
-      case 'h': digits(hour, padded); break;
-      case 'i': digits((hour + 11) % 12 + 1, padded); break;
-      case 'k': digits(hour == 0 ? hour = 24 : hour, padded); break;
-      case 'l': digits(hour == 0 ? 0 : (hour + 11) % 12 + 1, padded); break;
-      case 'm': digits(minute, padded); break;
-      case 'n': digits(month, padded); break;
-      case 'o': places(month); break;
-      case 'p': text += of(hour >= 12 ? data.pmMarker : data.amMarker); break;
-      case 's': digits(second, padded); break;
-      case 'u': text += U'7'; break;
-      case 'w': digits(week_day, false); break;
-      case 'y': digits(year / 100, padded), digits(year, padded); break;
-      case 'z':
-        if (lower) {
-          const long minutes = std::abs(AnsweringZone::offset) / 60;
-          text += AnsweringZone::offset < 0 ? U'-' : U'+';
-          digits(minutes / 60, true), digits(minutes % 60, true);
-        } else {
-          text += AnsweringZone::name;
-        }
-        break;
-      default: return false;
-    }
-    return true;
-  }
-  /// The whole text, or nothing when a directive is refused.
-  std::optional<std::u32string> expand(std::u32string_view pattern) {
-    for (size_t i = 0; i < pattern.size(); ++i) {
-      if (pattern[i] != '%') {
-        text += pattern[i];
-        continue;
-      }
-      const std::u32string_view rest = pattern.substr(i + 1);
-      const bool question = rest.starts_with(U'?'), hash = rest.starts_with(U'#');
-      i += question || hash ? 2 : 1;
-      if (i >= pattern.size()) return {};
-      const char32_t c = pattern[i];
-      if (c == '%') {
-        text += c;
-        continue;
-      }
-      const bool small = c >= 'a' && c <= 'z', capital = c >= 'A' && c <= 'Z';
-      if (!small && !capital) return {};
-      if (!one(small ? c : c + 32, question || (small && !hash), !hash)) return {};
-    }
-    while (text.ends_with(U' ')) text.pop_back();
-    return text;
-  }
 };
 
 /// One call in both flavours.
@@ -231,6 +133,10 @@ void expect_as_expanded(const Call& call, Expander expander, std::u32string_view
   }
 }
 
+Expander of_seconds(const PlainLocale& plain, double value) {
+  return Expander::of_seconds(plain.data, value, AnsweringZone::name, AnsweringZone::offset);
+}
+
 PlainLocale& accented() {
   static PlainLocale plain;
   set_name(plain.data.dayNames[6], U"Sábado");
@@ -241,62 +147,63 @@ PlainLocale& accented() {
   return plain;
 }
 
-TEST(DatetimeFormat, EveryDirectiveWithEveryModifier) {
-  PlainLocale& plain = accented();
-  AnsweringZone zone(plain);
-  const double values[] = {0,
-                           11 * 3600.0,
-                           12 * 3600.0,
-                           13 * 3600 + 59.75,
-                           23 * 3600 + 59 * 60 + 59,
-                           -1,
-                           -0.5,
-                           -138052 * day,
-                           -11928470400 + 9 * day,
-                           45 * 365 * day,
-                           20089 * day + 36000 + 300 + 9};
-  std::u32string letters = U"%?# 1@[`{éŉſ\xFF";
-  for (char32_t c = 'A'; c <= 'Z'; ++c) letters += {c, c + 32};
-  for (const char32_t letter : letters) {
-    for (const std::u32string modifier : {U"", U"?", U"#"}) {
-      const std::u32string pattern = U"<%" + modifier + letter + U">";
-      set_name(plain.data.datetimePattern, pattern);
-      set_name(plain.data.timePattern, pattern);
-      set_name(plain.data.datePattern, pattern);
-      for (const double value : values) {
-        expect_as_expanded(datetime(plain, value), Expander::of_seconds(plain.data, value), pattern);
-        expect_as_expanded(time_by(plain, 0, value), Expander::of_seconds(plain.data, value), pattern);
-        const auto at = std::chrono::sys_days{std::chrono::year{1960} / 1 / 1} +
-                        std::chrono::days{static_cast<int>(std::floor(value / day))};
-        const std::chrono::year_month_day ymd{at};
-        expect_as_expanded(date(plain, static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()),
-                                static_cast<uint32_t>(static_cast<int>(ymd.year()))),
-                           Expander(plain.data, at), pattern);
-      }
-      if (HasFatalFailure()) return;
-    }
-  }
-}
-
+// Every directive with every modifier, in patterns of up to 14 pieces, over the days that the standard library's
+// calendar has in common with this one, the first of which index the tables of names truly. tests/datetime_parse has
+// all patterns of one and two directives.
 TEST(DatetimeFormat, RandomPatternsAndValues) {
   PlainLocale& plain = accented();
   AnsweringZone zone(plain);
-  constexpr std::u32string_view pieces[] = {U"%Y", U"%m", U"%d", U"%H", U"%M", U"%S", U"%#d", U"%?M", U"%A",
-                                            U"%b", U"%B", U"%p", U"%I", U"%K", U"%z", U"%Z",  U"%o",  U"%e",
-                                            U"%%", U"-",  U" ",  U"  ", U"年", U"😀",  U"%#Y"};
+  constexpr std::u32string_view literals[] = {U"%%", U"-", U" ", U"  ", U"年", U"😀"};
+  constexpr std::u32string_view two_digits[] = {U"%Y", U"%m", U"%d", U"%H", U"%M", U"%S"};
+  constexpr std::u32string_view letters = U"AaBbCcDdEeFfHhIiKkLlMmNnOoPpSsUuWwYyZz", wrong = U"GJQRTVX1@[`{éŉſ\xFF";
   std::mt19937 random(7);
-  for (int round = 0; round < 20000; ++round) {
+  const auto one_of = [&](const auto& from) { return from[random() % std::size(from)]; };
+  for (int round = 0; round < 30000; ++round) {
     std::u32string pattern;
-    const size_t kinds = random() % 2 == 0 ? std::size(pieces) : 6;  // or nothing but two digits, mostly
-    for (auto n = random() % 14; n > 0; --n) pattern += pieces[random() % kinds];
-    if (random() % 4 == 0) pattern += pieces[random() % std::size(pieces)];
-    if (random() % 8 == 0) pattern += random() % 2 != 0 ? U"%" : U"%#";
-    const double value =
-        std::floor(static_cast<double>(random()) / 4294967296.0 * 76e9 - 11.9e9) + (random() % 2 != 0 ? 0.25 : 0);
+    const bool plain_numbers = random() % 2 == 0;
+    for (auto n = random() % 14; n > 0; --n) {
+      if (random() % 4 == 0) pattern += one_of(literals);
+      else if (plain_numbers && random() % 16 != 0) pattern += one_of(two_digits);
+      else pattern += std::u32string(one_of(std::array{U"%", U"%?", U"%#"})) + one_of(letters);
+    }
+    if (random() % 8 == 0) pattern += std::u32string(one_of(std::array{U"%", U"%#"})) + one_of(wrong);
+    if (random() % 16 == 0) pattern += one_of(std::array{U"%", U"%#", U"%?"});
+    const auto days = static_cast<int>(random() % 880000) - 138061;
+    const auto at = std::chrono::sys_days{std::chrono::year{1960} / 1 / 1} + std::chrono::days{days};
+    const double value = days * day + static_cast<double>(random() % 86400) + (random() % 2 != 0 ? 0.25 : 0);
     const auto flag = static_cast<int32_t>(random() % 3) - 1;
     set_name(flag != 0 ? plain.data.timePattern1 : plain.data.timePattern, pattern);
-    expect_as_expanded(time_by(plain, flag, value), Expander::of_seconds(plain.data, value), pattern);
+    set_name(plain.data.datetimePattern, pattern);
+    set_name(plain.data.datePattern, pattern);
+    const Expander expander = of_seconds(plain, value);
+    expect_as_expanded(time_by(plain, flag, value), expander, pattern);
+    expect_as_expanded(datetime(plain, value), expander, pattern);
+    const std::chrono::year_month_day ymd{at};
+    expect_as_expanded(date(plain, static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()),
+                            static_cast<uint32_t>(static_cast<int>(ymd.year()))),
+                       Expander(plain.data, at, AnsweringZone::name, AnsweringZone::offset), pattern);
     if (HasFatalFailure() || HasNonfatalFailure()) FAIL() << value;
+  }
+}
+
+// Patterns of plain numbers have a road of their own, where they are short and there is room.
+TEST(DatetimeFormat, PlainNumbersOfEveryLengthWithAFaultAtEveryPlace) {
+  PlainLocale& plain = accented();
+  AnsweringZone zone(plain);
+  constexpr std::u32string_view numbers = U"%Y-%m.%d%H%M:%S";
+  const double value = 20089 * day + 36000 + 300 + 9;
+  for (size_t length = 0; length <= 60; ++length) {
+    std::u32string whole;
+    while (whole.size() < length) whole += numbers[(whole.size() + length) % numbers.size()];
+    for (size_t place = 0; place <= length; ++place) {
+      for (const char32_t fault : U"A% #?é\x80") {
+        std::u32string pattern = whole;
+        if (place < length) pattern[place] = fault;
+        set_name(plain.data.datetimePattern, pattern);
+        expect_as_expanded(datetime(plain, value), of_seconds(plain, value), pattern);
+        if (HasFailure()) return;
+      }
+    }
   }
 }
 
