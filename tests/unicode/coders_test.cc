@@ -3,15 +3,19 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <vector>
 
 #include "tests/support/guard_page.h"
 #include "unicode/text_flavour.h"
+#include "unicode/transcode.h"
 #include "vxnls/unicode.h"
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
+using namespace vxnls;
 using vxtest::GuardedBuffer;
 
 constexpr uint32_t end_of_code_points = 0x110000;
@@ -43,6 +47,12 @@ Bytes utf32_of(uint32_t c, bool big) {
   return bytes;
 }
 
+#if VXNLS_HAS_AVX2_VARIANTS
+const Transcoders* const every_variant[] = {&generic_transcoders, processor_has_avx2() ? &avx2_transcoders : nullptr};
+#else
+const Transcoders* const every_variant[] = {&generic_transcoders};
+#endif
+
 struct Read {
   uint32_t code_point;
   int64_t consumed;
@@ -63,7 +73,7 @@ Read read_by(VXDecoder decoder, const uint8_t* at, int64_t remaining) {
 TEST(Coders, EveryCodePointThroughEveryPairAndBack) {
   static const struct {
     VXEncoder encoder;
-    VXDecoder decoder;
+    VXDecoder decoder;  // null: there is no way back
     Bytes (*expected)(uint32_t);
     bool surrogates;  // come back as they are
   } pairs[] = {
@@ -72,6 +82,10 @@ TEST(Coders, EveryCodePointThroughEveryPairAndBack) {
       {UTF32_UTF16s_SWAP, UTF16_UTF32, [](uint32_t c) { return utf16_of(c, true); }, false},
       {COPY_UTF32, COPY_UTF32b, [](uint32_t c) { return utf32_of(c, true); }, true},
       {COPY_UTF32_SWAP, COPY_UTF32b_SWAP, [](uint32_t c) { return utf32_of(c, false); }, true},
+      // Kept on purpose: the low 16 bits are all that these know.
+      {UTF16_UTF8, nullptr, [](uint32_t c) { return utf8_of(c & 0xFFFF); }, true},
+      {UTF32_UTF16, nullptr, [](uint32_t c) { return utf16_of(c & 0xFFFF, false); }, true},
+      {UTF32_UTF16_SWAP, nullptr, [](uint32_t c) { return utf16_of(c & 0xFFFF, true); }, true},
   };
   GuardedBuffer<uint8_t> memory(4);
   for (const auto& pair : pairs) {
@@ -82,6 +96,7 @@ TEST(Coders, EveryCodePointThroughEveryPairAndBack) {
       int64_t written = -1;
       ASSERT_EQ(pair.encoder(c, out, n, &written), 0u) << c;
       ASSERT_EQ(Bytes(out, out + written), expected) << c;
+      if (pair.decoder == nullptr) continue;
       const Read back = read_by(pair.decoder, out, n);
       if (pair.surrogates || !U_IS_SURROGATE(c)) {
         ASSERT_EQ(back, (Read{c, n, 0})) << c;
@@ -92,80 +107,183 @@ TEST(Coders, EveryCodePointThroughEveryPairAndBack) {
   }
 }
 
-TEST(Coders, Utf16UnitsOfEveryCodePoint) {
-  for (uint32_t c = 0; c < end_of_code_points; ++c) {
-    const Bytes bytes = utf8_of(c);
-    uint16_t units[2] = {0, 0xAAAA}, expected[2] = {0, 0xAAAA};
-    size_t n = 0;
-    U16_APPEND_UNSAFE(expected, n, c);
-    int64_t consumed = 0;
-    ASSERT_EQ(UTF8_UTF16(bytes.data(), static_cast<int64_t>(bytes.size()), units, &consumed), 0u) << c;
-    ASSERT_EQ(consumed, static_cast<int64_t>(bytes.size())) << c;
-    ASSERT_EQ(units[0], expected[0]) << c;
-    ASSERT_EQ(units[1], expected[1]) << c;  // below U+10000 the second unit stays as it was
+bool is_long_run() { return std::getenv("VXNLS_LONG_TESTS") != nullptr; }
+
+/// What a text gives as a whole: characters up to the first fault.
+struct Whole {
+  std::array<uint32_t, 128> characters;
+  int64_t count = 0;
+  VXStatus status = 0;
+};
+
+/// One body of each pair of byte orders gives it, in every variant. The text stands among others, so that blocks of any
+/// size meet it.
+template <size_t N>
+bool bodies_give(const Whole& expected, const std::array<uint8_t, N>& text, ByOrder<ToUtf32Body> Transcoders::*form) {
+  const auto length = static_cast<int64_t>(N);
+  for (const Transcoders* const variant : every_variant) {
+    if (variant == nullptr) continue;
+    uint32_t out[128];
+    const Converted done = (variant->*form).little(text.data(), length, reinterpret_cast<uint8_t*>(out), 128);
+    if (done.count != expected.count || done.status != expected.status) return false;
+    if (!std::equal(out, out + done.count, expected.characters.begin())) return false;
   }
+  return true;
 }
 
-TEST(Coders, EveryPairOfSurrogates) {
-  for (uint32_t high = 0xD800; high < 0xDC00; ++high) {
-    for (uint32_t low = 0xDC00; low < 0xE000; ++low) {
-      const uint8_t big[] = {static_cast<uint8_t>(high >> 8), static_cast<uint8_t>(high),
-                             static_cast<uint8_t>(low >> 8), static_cast<uint8_t>(low)};
-      const uint8_t little[] = {big[1], big[0], big[3], big[2]};
-      const Read expected{static_cast<uint32_t>(U16_GET_SUPPLEMENTARY(high, low)), 4, 0};
-      ASSERT_EQ(read_by(UTF16_UTF32, big, 4), expected);
-      ASSERT_EQ(read_by(UTF16_UTF32_SWAP, little, 4), expected);
-      ASSERT_EQ(BYTE_UTF16_UTF32(big), high);
-      ASSERT_EQ(BYTE_UTF16_UTF32_SWAP(little), high);
+/// UTF-16 as ICU knows its units.
+Whole utf16_by_icu(const uint16_t* units, int n) {
+  Whole whole;
+  for (int i = 0; i < n; ++i) {
+    const uint16_t unit = units[i];
+    if (U16_IS_LEAD(unit) && i + 1 < n && U16_IS_TRAIL(units[i + 1])) {
+      ++i;
+      whole.characters[static_cast<size_t>(whole.count++)] =
+          static_cast<uint32_t>(U16_GET_SUPPLEMENTARY(unit, units[i]));
+    } else if (U16_IS_SURROGATE(unit)) {
+      whole.status = U16_IS_LEAD(unit) && i + 1 == n ? VX_E_INCOMPLETE : VX_E_SEQUENCE;
+      return whole;
+    } else {
+      whole.characters[static_cast<size_t>(whole.count++)] = unit;
     }
+  }
+  return whole;
+}
+
+/// All pairs of units that begin with `first`, one by one; and a part of them amid other text.
+bool pairs_are_as_icu_says(uint32_t first, uint32_t one_in) {
+  constexpr int around = 24;
+  for (uint32_t second = 0; second < 0x10000; ++second) {
+    const uint8_t big[] = {static_cast<uint8_t>(first >> 8), static_cast<uint8_t>(first),
+                           static_cast<uint8_t>(second >> 8), static_cast<uint8_t>(second)};
+    const uint8_t little[] = {big[1], big[0], big[3], big[2]};
+    const bool is_pair = U16_IS_LEAD(first) && U16_IS_TRAIL(second);
+    const Read expected = is_pair              ? Read{static_cast<uint32_t>(U16_GET_SUPPLEMENTARY(first, second)), 4, 0}
+                          : U16_IS_LEAD(first) ? Read{0xFFFD, 4, VX_E_SEQUENCE}
+                          : U16_IS_TRAIL(first) ? Read{0xFFFD, 2, VX_E_SEQUENCE}
+                                                : Read{first, 2, 0};
+    if (read_by(UTF16_UTF32, big, 4) != expected || read_by(UTF16_UTF32_SWAP, little, 4) != expected) return false;
+    if ((first + second) % one_in != 0) continue;
+    std::array<uint16_t, around + 2 + around> units;
+    units.fill('a');
+    const size_t place = (first * 7 + second) % around;
+    units[place] = static_cast<uint16_t>(first), units[place + 1] = static_cast<uint16_t>(second);
+    const Whole whole = utf16_by_icu(units.data(), static_cast<int>(units.size()));
+    const auto bytes = std::bit_cast<std::array<uint8_t, sizeof units>>(units);
+    if (!bodies_give(whole, bytes, &Transcoders::from_utf16_little)) return false;
+    for (uint16_t& unit : units) unit = __builtin_bswap16(unit);
+    const auto swapped = std::bit_cast<std::array<uint8_t, sizeof units>>(units);
+    if (!bodies_give(whole, swapped, &Transcoders::from_utf16_big)) return false;
+  }
+  return true;
+}
+
+// All 2^32 in the long run; otherwise all that begin with a surrogate, and one in 64 of the others.
+TEST(Coders, EveryPairOfUtf16Units) {
+  for (uint32_t first = 0; first < 0x10000; ++first) {
+    if (!is_long_run() && !U16_IS_SURROGATE(first) && first % 64 != 0) continue;
+    ASSERT_TRUE(pairs_are_as_icu_says(first, is_long_run() ? 1 : 61)) << std::hex << first;
   }
 }
 
 // What the contract says of a lead and the bytes behind it, from the code points' ranges and not from tables.
-Read utf8_by_contract(const Bytes& text, size_t remaining, size_t readable) {
+Read utf8_by_contract(const uint8_t* text, int64_t remaining, int64_t readable) {
   const uint8_t lead = text[0];
-  const size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : lead < 0xFC ? 5 : 6;
+  const int length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : lead < 0xFC ? 5 : 6;
   const bool begins = lead < 0x80 || (lead > 0xC1 && lead < 0xF5);
-  if (begins && remaining < length) return {0xFFFD, static_cast<int64_t>(remaining), VX_E_INCOMPLETE};
+  if (begins && remaining < length) return {0xFFFD, remaining, VX_E_INCOMPLETE};
   if (begins) {
     uint32_t value = length == 1 ? lead : lead % (1u << (7 - length));
-    for (size_t i = 1; i < length; ++i) value = value * 64 + text[i] % 64;
-    return {value, static_cast<int64_t>(length), 0};
+    for (int i = 1; i < length; ++i) value = value * 64 + text[i] % 64;
+    return {value, length, 0};
   }
-  size_t n = 1;
+  int64_t n = 1;
   while (n < length && n < readable && text[n] / 64 == 2) ++n;
-  return {0xFFFD, static_cast<int64_t>(n), VX_E_SEQUENCE};
+  return {0xFFFD, n, VX_E_SEQUENCE};
 }
 
-TEST(Coders, EveryStartOfAUtf8Sequence) {
-  constexpr uint8_t followers[] = {0x00, 0x41, 0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0, 0xED, 0xF4, 0xFF};
-  GuardedBuffer<uint8_t> memory(6);
-  for (unsigned lead = 0; lead < 256; ++lead) {
-    for (const uint8_t second : followers) {
-      for (const uint8_t third : followers) {
-        for (const uint8_t fourth : followers) {
-          const Bytes text = {static_cast<uint8_t>(lead), second, third, fourth, 0x80, 0xBF};
-          for (size_t remaining = 1; remaining <= text.size(); ++remaining) {
-            const Read bounded = utf8_by_contract(text, remaining, remaining);
-            const uint8_t* const cut = memory.copy(text.data(), remaining);
-            const auto inside = vxnls::Utf8Text::decode(cut, static_cast<int64_t>(remaining));
-            ASSERT_EQ((Read{inside.code_point, inside.consumed, inside.status}), bounded) << lead;
-            uint16_t units[2];
-            int64_t consumed;
-            ASSERT_EQ(UTF8_UTF16(cut, static_cast<int64_t>(remaining), units, &consumed),
-                      bounded.status == 0 ? 0 : VX_E_SEQUENCE);
-            ASSERT_EQ(consumed, bounded.consumed);
-            if (bounded.status != 0) {
-              ASSERT_EQ(units[0], 0xFFFD);
-            }
-            // By itself the decoder counts on past what remains.
-            ASSERT_EQ(read_by(UTF8_UTF32, text.data(), static_cast<int64_t>(remaining)),
-                      utf8_by_contract(text, remaining, text.size()))
-                << lead;
-          }
-        }
-      }
+/// A string of n bytes that spell `number`, at the end of memory, before continuation bytes, and amid other text.
+class Utf8String {
+ public:
+  bool is_decoded_as_contract(uint32_t number, int64_t n) {
+    uint8_t* const cut = memory_.at(static_cast<size_t>(n));
+    std::array<uint8_t, 8> continued;
+    continued.fill(0x80);
+    for (int64_t i = 0; i < n; ++i)
+      continued[static_cast<size_t>(i)] = cut[i] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));
+
+    const Read bounded = utf8_by_contract(cut, n, n);
+    const auto inside = Utf8Text::decode(cut, n);
+    uint16_t units[2] = {0xAAAA, 0xAAAA}, expected[2] = {0xAAAA, 0xAAAA};
+    int64_t consumed = -1, i = 0;
+    const VXStatus status = UTF8_UTF16(cut, n, units, &consumed);
+    // Beyond U+10FFFF, too: a high surrogate that counts on.
+    const uint32_t c = bounded.code_point;
+    if (c < 0x10000) expected[i++] = static_cast<uint16_t>(c);
+    else
+      expected[i++] = static_cast<uint16_t>(0xD800 + (c - 0x10000) / 0x400),
+      expected[i++] = static_cast<uint16_t>(0xDC00 + c % 0x400);
+    // By itself the decoder counts on past what remains.
+    return Read{inside.code_point, inside.consumed, inside.status} == bounded && consumed == bounded.consumed &&
+           status == (bounded.status == 0 ? 0 : VX_E_SEQUENCE) && std::equal(units, units + 2, expected) &&
+           read_by(UTF8_UTF32, continued.data(), n) == utf8_by_contract(continued.data(), n, 8) &&
+           is_judged_as_by_icu(cut, n);
+  }
+
+  bool is_transcoded_as_contract(uint32_t number, int64_t n) {
+    constexpr int64_t size = 100, longest_character = 6;
+    std::array<uint8_t, size> text;
+    text.fill('a');
+    const int64_t place = number % 67, end = place + n + longest_character;
+    for (int64_t i = 0; i < n; ++i)
+      text[static_cast<size_t>(place + i)] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));
+    Whole whole;
+    whole.characters.fill('a');
+    whole.count = place;
+    for (int64_t at = place; at < size;) {
+      const Read next = at < end ? utf8_by_contract(text.data() + at, size - at, size - at) : Read{'a', size - at, 0};
+      if ((whole.status = next.status) != 0) break;
+      whole.characters[static_cast<size_t>(whole.count)] = next.code_point;
+      whole.count += at < end ? 1 : size - at;
+      at += next.consumed;
     }
+    return bodies_give(whole, text, &Transcoders::from_utf8);
+  }
+
+ private:
+  // Of a text as long as its lead announces ICU says the same, but for what F4 lets pass.
+  static bool is_judged_as_by_icu(const uint8_t* s, int64_t n) {
+    if (n != (U8_IS_LEAD(s[0]) ? 1 + U8_COUNT_TRAIL_BYTES(s[0]) : 1)) return true;
+    int64_t good, i = 0;
+    UChar32 c;
+    U8_NEXT(s, i, n, c);
+    const bool past_the_end =
+        s[0] == 0xF4 && s[1] >= 0x90 && s[1] < 0xC0 && (s[2] & 0xC0) == 0x80 && (s[3] & 0xC0) == 0x80;
+    return isLegalUTF8(s, n, &good) == ((c >= 0 && i == n) || past_the_end);
+  }
+
+  GuardedBuffer<uint8_t> memory_{8};
+};
+
+TEST(Coders, EveryStringOfOneToThreeBytes) {
+  Utf8String string;
+  for (int64_t n = 1; n <= 3; ++n) {
+    for (uint32_t number = 0; number < 1u << 8 * n; ++number) {
+      ASSERT_TRUE(string.is_decoded_as_contract(number, n)) << n << " bytes " << std::hex << number;
+      ASSERT_TRUE(string.is_transcoded_as_contract(number, n)) << n << " bytes " << std::hex << number;
+    }
+  }
+}
+
+// A string of four bytes that begins below C0 is transcoded as a character and a string of three.
+TEST(Coders, EveryStringOfFourBytesInTheLongRun) {
+  if (!is_long_run()) GTEST_SKIP() << "set VXNLS_LONG_TESTS to run it";
+  Utf8String string;
+  for (uint64_t number = 0; number < uint64_t{1} << 32; ++number) {
+    const auto bytes = static_cast<uint32_t>(number);
+    ASSERT_TRUE(string.is_decoded_as_contract(bytes, 4)) << std::hex << bytes;
+    if (bytes < 0xC0000000) continue;
+    ASSERT_TRUE(string.is_transcoded_as_contract(bytes, 4)) << std::hex << bytes;
   }
 }
 
@@ -268,23 +386,6 @@ TEST(Coders, ReadersAtAnyAlignment) {
   EXPECT_EQ(Byte2DWord_swap(bytes + 1), 0x12345678u);
   EXPECT_EQ(Byte2Word(bytes + 1), 0x3412);
   EXPECT_EQ(Byte2Word_swap(bytes + 1), 0x1234);
-}
-
-// ICU agrees on every sequence of the right length for its lead, but for what F4 lets pass.
-TEST(Coders, LegalityAgainstIcu) {
-  uint8_t s[4] = {};
-  for (uint32_t x = 0; x < 1u << 24; ++x) {
-    s[0] = static_cast<uint8_t>(x >> 16), s[1] = static_cast<uint8_t>(x >> 8), s[2] = static_cast<uint8_t>(x);
-    const int32_t length = U8_IS_LEAD(s[0]) ? 1 + U8_COUNT_TRAIL_BYTES(s[0]) : 1;
-    if (length == 4) s[3] = static_cast<uint8_t>(x * 0x9E3779B1u >> 24);
-    int32_t i = 0;
-    UChar32 c;
-    U8_NEXT(s, i, length, c);
-    const bool past_the_end =
-        s[0] == 0xF4 && s[1] >= 0x90 && s[1] < 0xC0 && (s[2] & 0xC0) == 0x80 && (s[3] & 0xC0) == 0x80;
-    int64_t good;
-    ASSERT_EQ(isLegalUTF8(s, length, &good), (c >= 0 && i == length) || past_the_end) << std::hex << x;
-  }
 }
 
 TEST(Coders, LegalityAndGoodLength) {
