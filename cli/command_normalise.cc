@@ -239,7 +239,7 @@ Allowance allowance_of(const Arguments& arguments) {
 class Rejects {
  public:
   Rejects(const std::string& path, const std::string& input_name, const Plan& plan)
-      : out_(open_for_writing(path), path), input_name_(input_name), plan_(plan) {}
+      : file_(path), input_name_(input_name), plan_(plan) {}
 
   void put(const Reject& reject) {
     Json name;
@@ -248,24 +248,24 @@ class Rejects {
       name = plan_.columns[reject.column].name;
       kind = column::word_of(column::kind_words, plan_.decisions[reject.column].kind);
     }
-    out_.line(json_line({{"file", input_name_},
-                         {"line", reject.place.line},
-                         {"record", reject.place.record},
-                         {"byte", reject.place.offset},
-                         {"column", name},
-                         {"kind", kind},
-                         {"value", reject.value},
-                         {"outcome", word_of(reject.outcome)},
-                         {"position", reject.refusal.position},
-                         {"length", reject.refusal.length},
-                         {"expected", reject.refusal.expected},
-                         {"status", fmt::format("0x{:08x}", reject.refusal.status)}}));
+    file_.out().line(json_line({{"file", input_name_},
+                                {"line", reject.place.line},
+                                {"record", reject.place.record},
+                                {"byte", reject.place.offset},
+                                {"column", name},
+                                {"kind", kind},
+                                {"value", reject.value},
+                                {"outcome", word_of(reject.outcome)},
+                                {"position", reject.refusal.position},
+                                {"length", reject.refusal.length},
+                                {"expected", reject.refusal.expected},
+                                {"status", fmt::format("0x{:08x}", reject.refusal.status)}}));
   }
-  void flush() { out_.flush(); }
-  void finish() { out_.finish(); }
+  void flush() { file_.out().flush(); }
+  void finish() { file_.finish(); }
 
  private:
-  Output out_;
+  NewFile file_;
   const std::string& input_name_;
   const Plan& plan_;
 };

@@ -24,9 +24,9 @@ constexpr Option html{.name = "html",
 constexpr Option show{.name = "show", .value = "N", .help = "examples of each sort that are listed; 5"};
 
 void write_file(const std::string& path, const std::string& text) {
-  Output out(open_for_writing(path), path);
-  out.put(text);
-  out.finish();
+  NewFile file(path);
+  file.out().put(text);
+  file.finish();
 }
 
 ExitCode run(Invocation& invocation) {

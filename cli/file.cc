@@ -5,11 +5,38 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 #include "cli/errors.h"
 
 namespace vxcli {
+
+namespace {
+
+constexpr mode_t usual_mode = 0666;
+constexpr mode_t all_modes = 0777;
+
+/// The file that another can take the place of; empty: there is none.
+std::string replaceable_file(const std::string& path) {
+  // "/dev/stderr" may lead to a file that others write to, too.
+  if (path.starts_with("/dev/") || path.starts_with("/proc/")) return "";
+  struct stat status {};
+  if (lstat(path.c_str(), &status) != 0) return errno == ENOENT ? path : "";
+  if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) || access(path.c_str(), W_OK) != 0) return "";
+  const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), std::free);
+  return real != nullptr ? real.get() : "";
+}
+
+void discard(std::string& name) {
+  if (!name.empty()) unlink(name.c_str());
+  name.clear();
+}
+
+}  // namespace
 
 File::File(const std::string* path) : name_(path == nullptr ? "standard input" : *path), descriptor_(STDIN_FILENO) {
   if (path != nullptr) descriptor_ = open(path->c_str(), O_RDONLY | O_CLOEXEC);
@@ -26,10 +53,44 @@ void File::rewind() const {
   if (lseek(descriptor_, start_, SEEK_SET) != start_) fail(ExitCode::io, "{}: {}", name_, std::strerror(errno));
 }
 
-int open_for_writing(const std::string& path) {
-  const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+NewFile::NewFile(const std::string& path, std::string target) : path_(path), target_(std::move(target)) {}
+
+// Whatever is thrown from the body on, the destructor runs: the object is there when the other constructor has ended.
+NewFile::NewFile(const std::string& path) : NewFile(path, replaceable_file(path)) {
+  int descriptor = open_beside();
+  if (descriptor < 0) descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, usual_mode);
   if (descriptor < 0) fail(ExitCode::io, "{}: {}", path, std::strerror(errno));
-  return descriptor;
+  out_.emplace(descriptor, path);
+}
+
+NewFile::~NewFile() { discard(beside_); }
+
+/// Less than 0 when the file has to be written where it is.
+int NewFile::open_beside() {
+  if (target_.empty()) return -1;
+  std::string name = target_ + ".XXXXXX";
+  const int descriptor = mkostemp(name.data(), O_CLOEXEC);
+  if (descriptor < 0) return -1;
+  beside_ = std::move(name);
+  struct stat old {};
+  const mode_t mask = umask(0);
+  umask(mask);
+  const bool same = stat(target_.c_str(), &old) != 0 ? fchmod(descriptor, usual_mode & ~mask) == 0
+                                                     : fchown(descriptor, old.st_uid, old.st_gid) == 0 &&
+                                                           fchmod(descriptor, old.st_mode & all_modes) == 0;
+  if (same) return descriptor;
+  close(descriptor);
+  discard(beside_);
+  return -1;
+}
+
+void NewFile::finish() {
+  out_->finish();
+  if (beside_.empty()) return;
+  if (rename(beside_.c_str(), target_.c_str()) != 0) {
+    fail(ExitCode::io, "cannot write {}: {}", path_, std::strerror(errno));
+  }
+  beside_.clear();
 }
 
 const std::string* file_named(const std::vector<std::string>& values) {

@@ -1,11 +1,14 @@
-// A file that is read, or standard input.
+// A file that is read, or standard input; a file that is written.
 #ifndef VXNLS_CLI_FILE_H
 #define VXNLS_CLI_FILE_H
 
 #include <sys/types.h>
 
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "cli/output.h"
 
 namespace vxcli {
 
@@ -30,8 +33,29 @@ class File {
   off_t start_ = -1;  // where reading began, of a regular file
 };
 
-/// A new or emptied file to write to. Throws Failure (ExitCode::io).
-int open_for_writing(const std::string& path);
+/// A file that is written: it is whole, or what was there before stays. What is put goes to a file beside it that takes
+/// its place in the end. What is no regular file, or lies in a folder that takes no new file, is written where it is.
+/// All throw Failure (ExitCode::io).
+class NewFile {
+ public:
+  explicit NewFile(const std::string& path);
+  ~NewFile();
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  Output& out() { return *out_; }
+  /// Nothing can be put any more.
+  void finish();
+
+ private:
+  NewFile(const std::string& path, std::string target);
+  int open_beside();
+
+  const std::string path_;
+  const std::string target_;
+  std::string beside_;  // empty: there is no such file
+  std::optional<Output> out_;
+};
 
 /// The file that the first of `values` names; null for standard input: there is none, or it is "-".
 const std::string* file_named(const std::vector<std::string>& values);
