@@ -14,8 +14,8 @@ namespace vxtest {
 
 enum class Guard { behind, before };
 
-/// Room for `most` elements between two untouchable pages. `at(n)` is an area of n elements that touches one of them;
-/// each area lies in the same memory as the one before it.
+/// Room for `most` elements between two untouchable pages. `at(n)` is an area of n elements that touches one of them,
+/// or lies `away` elements from it; each area lies in the same memory as the one before it.
 template <class T>
 class GuardedBuffer {
  public:
@@ -33,13 +33,14 @@ class GuardedBuffer {
   GuardedBuffer(const GuardedBuffer&) = delete;
   GuardedBuffer& operator=(const GuardedBuffer&) = delete;
 
-  T* at(size_t n, Guard guard = Guard::behind) {
-    if (n * sizeof(T) > inner_) std::abort();
-    return reinterpret_cast<T*>(guard == Guard::before ? begin_ : begin_ + inner_ - n * sizeof(T));
+  T* at(size_t n, Guard guard = Guard::behind, size_t away = 0) {
+    if ((n + away) * sizeof(T) > inner_) std::abort();
+    T* const memory = reinterpret_cast<T*>(guard == Guard::before ? begin_ : begin_ + inner_ - (n + away) * sizeof(T));
+    return guard == Guard::before ? memory + away : memory;
   }
   /// An area that holds a copy of `n` elements.
-  T* copy(const T* from, size_t n, Guard guard = Guard::behind) {
-    T* const to = at(n, guard);
+  T* copy(const T* from, size_t n, Guard guard = Guard::behind, size_t away = 0) {
+    T* const to = at(n, guard, away);
     if (n > 0) std::memcpy(to, from, n * sizeof(T));
     return to;
   }

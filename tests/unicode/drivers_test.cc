@@ -2,6 +2,7 @@
 #include <iconv.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -106,19 +107,33 @@ std::vector<Bytes> texts_in(VXEncoder encoder, size_t length, Random& random) {
 
 constexpr int64_t longest = 300;
 
-/// Calls `convert(in, out)` on guarded memory with `room` bytes of output that touch a page before or behind them.
+/// How often each place of a fault has its turn, each time with other text, room and alignment.
+int64_t rounds() { return std::getenv("VXNLS_LONG_TESTS") != nullptr ? 64 : 2; }
+
+/// Where text and output lie: before or behind a page that may not be touched, or a little away from it, in order to be
+/// aligned otherwise.
+struct Place {
+  explicit Place(Random& random)
+      : guard(random.below(2) != 0 ? Guard::behind : Guard::before),
+        away_in(random.below(3) != 0 ? 0 : static_cast<size_t>(random.below(64))),
+        away_out(random.below(3) != 0 ? 0 : static_cast<size_t>(random.below(64))) {}
+  Guard guard;
+  size_t away_in, away_out;
+};
+
+/// Calls `convert(in, out)` on guarded memory with `room` bytes of output.
 template <class Convert>
-Result converted(const uint8_t* text, int64_t length, int64_t room, Guard guard, Convert convert) {
-  static GuardedBuffer<uint8_t> input(4 * longest + 8), output(4 * longest + 8);
-  uint8_t* const out = output.at(static_cast<size_t>(room), guard);
+Result converted(const uint8_t* text, int64_t length, int64_t room, const Place& place, Convert convert) {
+  static GuardedBuffer<uint8_t> input(4 * longest + 80), output(4 * longest + 80);
+  uint8_t* const out = output.at(static_cast<size_t>(room), place.guard, place.away_out);
   std::fill_n(out, room, uint8_t{0xAA});
   Result r{0, -1, {}};
-  r.status = convert(input.copy(text, static_cast<size_t>(length), guard), out, &r.written);
+  r.status = convert(input.copy(text, static_cast<size_t>(length), place.guard, place.away_in), out, &r.written);
   r.bytes.assign(out, out + room);
   return r;
 }
 
-// Every length, so every alignment of the end, and in each a fault at every place.
+// Every length, and in each a fault at every place.
 TEST(Transcoding, EveryVariantGivesWhatStepsGive) {
   static constexpr uint8_t faults[] = {0x00, 'A', 0x80, 0xBF, 0xC1, 0xC3, 0xD8, 0xDC, 0xE2, 0xF1, 0xF5, 0xFF};
   const auto all = variants();
@@ -126,14 +141,15 @@ TEST(Transcoding, EveryVariantGivesWhatStepsGive) {
   for (const Form& form : forms) {
     const auto texts = texts_in(form.encoder, longest, random);
     for (int64_t length = 0; length <= longest; ++length) {
-      for (int64_t fault = 0; fault <= 2 * length + 1; ++fault) {  // twice each
+      for (int64_t turn = 0; turn < rounds() * (length + 1); ++turn) {
+        const int64_t fault = turn / rounds();
         Bytes text = texts[static_cast<size_t>(random.below(static_cast<int64_t>(texts.size())))];
-        if (fault / 2 < length) text[static_cast<size_t>(fault / 2)] = random.of(faults);
+        if (fault < length) text[static_cast<size_t>(fault)] = random.of(faults);
         const int64_t room = random.below(3) != 0 ? 4 * length : random.below(4 * length + 4);
-        const Guard guard = random.below(2) != 0 ? Guard::behind : Guard::before;
+        const Place place(random);
         const Order& order = random.of(orders);
         const auto drive = [&](VXDecoder decoder) {
-          return converted(text.data(), length, room, guard, [&](const uint8_t* in, uint8_t* out, int64_t* written) {
+          return converted(text.data(), length, room, place, [&](const uint8_t* in, uint8_t* out, int64_t* written) {
             return ConvertToUTF32(in, length, out, room, written, decoder, order.encoder);
           });
         };
@@ -145,7 +161,7 @@ TEST(Transcoding, EveryVariantGivesWhatStepsGive) {
         ASSERT_EQ(drive(form.decoder), expected) << what();
         for (const Transcoders* const variant : all) {
           const auto body = variant->*form.from.*order.to;
-          ASSERT_EQ(converted(text.data(), length, room, guard,
+          ASSERT_EQ(converted(text.data(), length, room, place,
                               [&](const uint8_t* in, uint8_t* out, int64_t* written) {
                                 const Converted c = body(in, length, out, room / 4);
                                 *written = 4 * c.count;
@@ -167,19 +183,20 @@ TEST(Transcoding, EveryVariantGivesWhatStepsGiveFromUtf32) {
   for (const Order& order : orders) {
     const auto texts = texts_in(order.encoder, 4 * longest, random);
     for (int64_t characters = 0; characters <= longest; ++characters) {
-      for (int64_t place = 0; place <= 2 * characters + 1; ++place) {  // twice each
+      for (int64_t turn = 0; turn < rounds() * (characters + 1); ++turn) {
+        const int64_t fault = turn / rounds();
         Bytes text = texts[static_cast<size_t>(random.below(static_cast<int64_t>(texts.size())))];
-        if (place / 2 < characters) {
+        if (fault < characters) {
           Bytes unit;
           append(unit, random.of(special), order.encoder);
-          std::copy(unit.begin(), unit.end(), text.begin() + place / 2 * 4);
+          std::copy(unit.begin(), unit.end(), text.begin() + fault * 4);
         }
         const int64_t length = 4 * characters + (characters < longest ? random.below(4) : 0);
         const int64_t room = random.below(3) != 0 ? 4 * characters : random.below(4 * characters + 4);
-        const Guard guard = random.below(2) != 0 ? Guard::behind : Guard::before;
+        const Place place(random);
         const Form& form = random.of(forms);
         const auto drive = [&](VXEncoder encoder) {
-          return converted(text.data(), length, room, guard, [&](const uint8_t* in, uint8_t* out, int64_t* written) {
+          return converted(text.data(), length, room, place, [&](const uint8_t* in, uint8_t* out, int64_t* written) {
             return ConvertFromUTF32(in, length, out, room, written, encoder, order.reader);
           });
         };
@@ -191,7 +208,7 @@ TEST(Transcoding, EveryVariantGivesWhatStepsGiveFromUtf32) {
         ASSERT_EQ(drive(form.encoder), expected) << what();
         for (const Transcoders* const variant : all) {
           const auto body = variant->*form.to.*order.from;
-          ASSERT_EQ(converted(text.data(), length, room, guard,
+          ASSERT_EQ(converted(text.data(), length, room, place,
                               [&](const uint8_t* in, uint8_t* out, int64_t* written) {
                                 const Converted c = body(in, characters, out, room);
                                 *written = c.count;
@@ -202,8 +219,8 @@ TEST(Transcoding, EveryVariantGivesWhatStepsGiveFromUtf32) {
         }
         std::vector<VXChar> units(static_cast<size_t>(characters));
         for (size_t i = 0; i < units.size(); ++i) units[i] = order.reader(text.data() + 4 * i);
-        static GuardedBuffer<VXChar> guarded(longest);
-        const VXChar* const in = guarded.copy(units.data(), units.size(), guard);
+        static GuardedBuffer<VXChar> guarded(longest + 64);
+        const VXChar* const in = guarded.copy(units.data(), units.size(), place.guard, place.away_in);
         int64_t bytes = 0;
         for (const VXChar c : units) bytes += Utf8Text::units(c);
         for (const Transcoders* const variant : all) ASSERT_EQ(variant->utf8_length(in, characters), bytes) << what();
@@ -224,11 +241,11 @@ TEST(Transcoding, OtherPairsOfTheLibrarysCoders) {
   for (const Bytes& text : texts_in(COPY_UTF32_SWAP, 4 * 40, random)) {
     for (const auto& other : others) {
       for (int64_t room = 0; room <= 130; ++room) {
+        const Place place(random);
         const auto drive = [&](VXEncoder encoder) {
-          return converted(text.data(), 160, room, Guard::behind,
-                           [&](const uint8_t* in, uint8_t* out, int64_t* written) {
-                             return ConvertFromUTF32(in, 160, out, room, written, encoder, Byte2DWord);
-                           });
+          return converted(text.data(), 160, room, place, [&](const uint8_t* in, uint8_t* out, int64_t* written) {
+            return ConvertFromUTF32(in, 160, out, room, written, encoder, Byte2DWord);
+          });
         };
         ASSERT_EQ(drive(other.encoder), drive(other.step)) << room;
       }
