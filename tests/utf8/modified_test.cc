@@ -5,6 +5,7 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 #include "tests/support/guard_page.h"
@@ -13,103 +14,119 @@
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-using Pieces = std::vector<Bytes>;
 using Coder = VXStatus (*)(const uint8_t*, int64_t, uint8_t*, int64_t, int64_t*, uint32_t);
 
 constexpr uint32_t all_options[] = {0, 1, 4, 5};
-const Bytes replacement = {0xEF, 0xBF, 0xBD};
-const Bytes two_byte_nul = {0xC0, 0x80};
 
-Bytes utf8_of(uint32_t c) {
-  Bytes bytes(4);
-  size_t n = 0;
-  U8_APPEND_UNSAFE(bytes.data(), n, c);
-  bytes.resize(n);
-  return bytes;
+/// A few bytes, without a heap: whole domains go through here.
+struct Piece {
+  uint8_t bytes[8];  // as many as there are; the rest is never cleared
+  size_t size;
+
+  Piece() = default;
+  Piece(std::initializer_list<uint8_t> list) : size(0) {
+    for (const uint8_t byte : list) bytes[size++] = byte;
+  }
+  bool operator==(const Piece& other) const {
+    return std::equal(bytes, bytes + size, other.bytes, other.bytes + other.size);
+  }
+};
+const Piece replacement = {0xEF, 0xBF, 0xBD}, two_byte_nul = {0xC0, 0x80};
+
+Piece utf8_of(uint32_t c) {
+  Piece piece = {};
+  U8_APPEND_UNSAFE(piece.bytes, piece.size, c);
+  return piece;
 }
 
-Bytes joined(const Bytes& a, const Bytes& b) {
-  Bytes both = a;
-  both.insert(both.end(), b.begin(), b.end());
-  return both;
+Piece joined(Piece a, const Piece& b) {
+  for (size_t i = 0; i < b.size; ++i) a.bytes[a.size++] = b.bytes[i];
+  return a;
 }
 
 /// What the input falls apart into, and what becomes of it.
 struct Model {
-  Pieces pieces;
+  Piece pieces[24];
+  size_t count = 0;
   bool replaced = false;
-  void add(const Bytes& piece) { pieces.push_back(piece); }
+  void add(const Piece& piece) { pieces[count++] = piece; }
   void replace() {
     replaced = true;
-    pieces.push_back(replacement);
+    add(replacement);
   }
 };
 
-struct Token : Bytes {
+struct Token : Piece {
   size_t announced;
-  bool complete() const { return size() == announced; }
-  bool surrogate() const { return size() == 3 && (*this)[0] == 0xED && (*this)[1] > 0x9F; }
-  bool valid_lead() const { return (*this)[0] < 0x80 || ((*this)[0] > 0xC1 && (*this)[0] < 0xF5); }
+  bool complete() const { return size == announced; }
+  bool surrogate() const { return size == 3 && bytes[0] == 0xED && bytes[1] > 0x9F; }
+  bool valid_lead() const { return bytes[0] < 0x80 || (bytes[0] > 0xC1 && bytes[0] < 0xF5); }
   uint32_t low_bits() const {  // of all bytes behind the lead
     uint32_t value = 0;
-    for (size_t i = 1; i < size(); ++i) value = value * 64 + (*this)[i] % 64;
+    for (size_t i = 1; i < size; ++i) value = value * 64 + bytes[i] % 64;
     return value;
   }
 };
 
-std::vector<Token> tokens_of(const Bytes& text) {
-  std::vector<Token> tokens;
-  for (const uint8_t byte : text) {
-    const bool continues = byte / 64 == 2;
-    if (continues && !tokens.empty() && !tokens.back().complete()) {
-      tokens.back().push_back(byte);
+struct Tokens {
+  Token all[24];
+  size_t count = 0;
+};
+
+Tokens tokens_of(const uint8_t* text, size_t length) {
+  Tokens tokens;
+  for (size_t i = 0; i < length; ++i) {
+    const uint8_t byte = text[i];
+    Token* const last = tokens.count > 0 ? &tokens.all[tokens.count - 1] : nullptr;
+    if (byte / 64 == 2 && last != nullptr && !last->complete()) {
+      last->bytes[last->size++] = byte;
       continue;
     }
-    Token token;
-    token.push_back(byte);
+    Token& token = tokens.all[tokens.count++];
+    token.bytes[0] = byte;
+    token.size = 1;
     token.announced = byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : byte < 0xF8 ? 4 : byte < 0xFC ? 5 : 6;
-    tokens.push_back(token);
   }
   return tokens;
 }
 
-Model encoded(const Bytes& text, uint32_t options) {
+Model encoded(const Tokens& tokens, uint32_t options) {
   Model model;
-  for (const Token& token : tokens_of(text)) {
-    if (!token.complete() || token.surrogate() || (token.size() == 1 && !token.valid_lead())) {
+  for (size_t i = 0; i < tokens.count; ++i) {
+    const Token& token = tokens.all[i];
+    if (!token.complete() || token.surrogate() || (token.size == 1 && !token.valid_lead())) {
       model.replace();
-    } else if (token.size() == 4 && token.valid_lead()) {
+    } else if (token.size == 4 && token.valid_lead()) {
       // The plane less one is put beside A0 unchecked: overlong sequences give FF, planes 17 to 19 B0 to B2.
-      const uint32_t c = (token[0] % 8u) << 18 | token.low_bits();
+      const uint32_t c = (token.bytes[0] % 8u) << 18 | token.low_bits();
       const auto second = static_cast<uint8_t>(0xA0 | ((c >> 16) - 1));
-      const Bytes high = {0xED, second, static_cast<uint8_t>(0x80 | (c >> 10 & 63))};
-      const Bytes low = {0xED, static_cast<uint8_t>(0xB0 | (c >> 6 & 15)), static_cast<uint8_t>(0x80 | (c & 63))};
+      const Piece high = {0xED, second, static_cast<uint8_t>(0x80 | (c >> 10 & 63))};
+      const Piece low = {0xED, static_cast<uint8_t>(0xB0 | (c >> 6 & 15)), static_cast<uint8_t>(0x80 | (c & 63))};
       if (options == 4) {
         model.replace();
       } else {
         model.add(joined(high, low));
       }
     } else {
-      model.add(token[0] == 0 && options % 2 == 1 ? two_byte_nul : token);
+      model.add(token.bytes[0] == 0 && options % 2 == 1 ? two_byte_nul : token);
     }
   }
   return model;
 }
 
-Model decoded(const Bytes& text, uint32_t options) {
+Model decoded(const Tokens& tokens, uint32_t options) {
   Model model;
-  const std::vector<Token> tokens = tokens_of(text);
-  for (size_t i = 0; i < tokens.size(); ++i) {
-    const Token& token = tokens[i];
-    if (token.surrogate() && i + 1 < tokens.size() && tokens[i + 1].surrogate()) {
-      const uint32_t high = token.low_bits() & 0x3FF, low = tokens[++i].low_bits() & 0x3FF;
+  for (size_t i = 0; i < tokens.count; ++i) {
+    const Token& token = tokens.all[i];
+    if (token.surrogate() && i + 1 < tokens.count && tokens.all[i + 1].surrogate()) {
+      const uint32_t high = token.low_bits() & 0x3FF, low = tokens.all[++i].low_bits() & 0x3FF;
       model.add(utf8_of(0x10000 + (high << 10) + low));
     } else if (token.surrogate()) {
       model.replace();
-      if (i + 1 == tokens.size()) break;
+      if (i + 1 == tokens.count) break;
       // What follows a half is copied as it is, unless it is broken.
-      if (tokens[++i].complete()) {
-        model.add(tokens[i]);
+      if (tokens.all[++i].complete()) {
+        model.add(tokens.all[i]);
       } else {
         model.replace();
       }
@@ -124,90 +141,142 @@ Model decoded(const Bytes& text, uint32_t options) {
   return model;
 }
 
-/// The input as it is, byte by byte.
-Model copied(const Bytes& text) {
-  Model model;
-  for (const uint8_t byte : text) model.add({byte});
-  return model;
+Model model_of(Coder coder, const uint8_t* text, size_t length, uint32_t options) {
+  if (coder == vxzsu8Decode && options == 4) {  // the input as it is, byte by byte
+    Model model;
+    for (size_t i = 0; i < length; ++i) model.add({text[i]});
+    return model;
+  }
+  const Tokens tokens = tokens_of(text, length);
+  return coder == vxzsu8Encode ? encoded(tokens, options) : decoded(tokens, options);
 }
 
-Model model_of(Coder coder, const Bytes& text, uint32_t options) {
-  if (coder == vxzsu8Encode) return encoded(text, options);
-  return options == 4 ? copied(text) : decoded(text, options);
+/// What a room holds: whole pieces up to the first that does not fit.
+struct Held {
+  uint8_t bytes[192];
+  size_t size = 0;
+  VXStatus status;
+
+  Held(const Model& model, size_t room) {
+    for (size_t i = 0; i < model.count; ++i) {
+      const Piece& piece = model.pieces[i];
+      if (size + piece.size > room) {
+        status = VX_E_ROOM;
+        return;
+      }
+      std::copy_n(piece.bytes, piece.size, bytes + size);
+      size += piece.size;
+    }
+    status = model.replaced ? VX_E_SEQUENCE : 0;
+  }
+};
+
+bool is_as_modelled(Coder coder, const Model& model, const uint8_t* in, size_t length, size_t room, uint32_t options) {
+  static vxtest::GuardedBuffer<uint8_t> output(256);
+  const Held held(model, room);
+  uint8_t* const out = output.at(room);
+  int64_t written = -1;
+  const VXStatus status = coder(in, static_cast<int64_t>(length), out, static_cast<int64_t>(room), &written, options);
+  if (status == held.status && written == static_cast<int64_t>(held.size) &&
+      std::equal(out, out + held.size, held.bytes))
+    return true;
+  ADD_FAILURE() << (coder == vxzsu8Encode ? "encode " : "decode ") << testing::PrintToString(Bytes(in, in + length))
+                << " room " << room << " options " << options << " status " << status << " written " << written;
+  return false;
 }
 
 /// Runs a coder in every room from 0 to one more than is needed, between pages that may not be touched.
 void expect_in_every_room(Coder coder, const Bytes& text, uint32_t options) {
-  static vxtest::GuardedBuffer<uint8_t> input(256), output(256);
-  const Model model = model_of(coder, text, options);
-  const auto length = static_cast<int64_t>(text.size());
+  static vxtest::GuardedBuffer<uint8_t> input(256);
+  const Model model = model_of(coder, text.data(), text.size(), options);
   const uint8_t* const in = input.copy(text.data(), text.size());
-  size_t needed = 0;
-  for (const Bytes& piece : model.pieces) needed += piece.size();
+  const size_t needed = Held(model, 96).size;
   for (size_t room = 0; room <= needed + 1; ++room) {
-    Bytes expected;
-    bool fits = true;
-    for (const Bytes& piece : model.pieces) {
-      fits = fits && expected.size() + piece.size() <= room;
-      if (fits) expected = joined(expected, piece);
-    }
-    uint8_t* const out = output.at(room);
-    int64_t written = -1;
-    const VXStatus status = coder(in, length, out, static_cast<int64_t>(room), &written, options);
-    ASSERT_EQ(status, !fits            ? VX_E_ROOM
-                      : model.replaced ? VX_E_SEQUENCE
-                                       : 0)
-        << (coder == vxzsu8Encode ? "encode " : "decode ") << testing::PrintToString(text) << " room " << room
-        << " options " << options;
-    ASSERT_EQ(Bytes(out, out + written), expected) << testing::PrintToString(text) << " room " << room;
-    ASSERT_EQ(coder(in, length, out, static_cast<int64_t>(room), nullptr, options), status);
+    ASSERT_TRUE(is_as_modelled(coder, model, in, text.size(), room, options));
   }
+  uint8_t out[96];
+  ASSERT_EQ(coder(in, static_cast<int64_t>(text.size()), out, 96, nullptr, options), Held(model, 96).status);
+}
+
+/// All strings of n bytes that begin with `lowest` or more, each with one of the options, and in the room it needs.
+void check_all(size_t n, uint64_t lowest) {
+  vxtest::GuardedBuffer<uint8_t> input(8);
+  uint8_t* const text = input.at(n);
+  for (uint64_t number = lowest << 8 * (n - 1); number < uint64_t{1} << 8 * n; ++number) {
+    for (size_t i = 0; i < n; ++i) text[i] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));
+    const auto turn = static_cast<uint32_t>(number * 0x9E3779B1u) >> 24;
+    const uint32_t options = all_options[turn % 4];
+    for (const Coder coder : {&vxzsu8Encode, &vxzsu8Decode}) {
+      const Model model = model_of(coder, text, n, options);
+      ASSERT_TRUE(is_as_modelled(coder, model, text, n, Held(model, 96).size, options));
+    }
+  }
+}
+
+TEST(Modified, EveryStringOfOneToThreeBytes) {
+  for (unsigned number = 0; number < 0x10000; ++number) {
+    Bytes text = {static_cast<uint8_t>(number >> 8), static_cast<uint8_t>(number)};
+    for (const uint32_t options : all_options) {
+      expect_in_every_room(vxzsu8Encode, text, options);
+      expect_in_every_room(vxzsu8Decode, text, options);
+      expect_in_every_room(vxzsu8Encode, {text[1]}, options);
+      expect_in_every_room(vxzsu8Decode, {text[1]}, options);
+    }
+    if (HasFatalFailure()) return;
+  }
+  check_all(3, 0);
+}
+
+// What begins below C0 is a character and a string of three bytes.
+TEST(Modified, EveryStringOfFourBytesInTheLongRun) {
+  if (std::getenv("VXNLS_LONG_TESTS") == nullptr) GTEST_SKIP() << "set VXNLS_LONG_TESTS to run it";
+  check_all(4, 0xC0);
 }
 
 TEST(Modified, EveryCodePoint) {
   for (uint32_t c = 0; c < 0x110000; ++c) {
-    const Bytes plain = utf8_of(c);
+    const Piece plain = utf8_of(c);
     const bool surrogate = U_IS_SURROGATE(c);
     for (const uint32_t options : all_options) {
-      const Bytes expected = surrogate || (c > 0xFFFF && options == 4) ? replacement
+      const Piece expected = surrogate || (c > 0xFFFF && options == 4) ? replacement
                              : c > 0xFFFF                   ? joined(utf8_of(U16_LEAD(c)), utf8_of(U16_TRAIL(c)))
                              : c == 0 && (options & 1) != 0 ? two_byte_nul
                                                             : plain;
       const VXStatus expected_status = expected == replacement && plain != replacement ? VX_E_SEQUENCE : 0;
-      const auto size = static_cast<int64_t>(expected.size());
+      const auto size = static_cast<int64_t>(expected.size);
       uint8_t out[8];
       int64_t written;
       for (int64_t room = 0; room <= size; ++room) {
-        ASSERT_EQ(vxzsu8Encode(plain.data(), static_cast<int64_t>(plain.size()), out, room, &written, options),
+        ASSERT_EQ(vxzsu8Encode(plain.bytes, static_cast<int64_t>(plain.size), out, room, &written, options),
                   room < size ? VX_E_ROOM : expected_status)
             << c << " options " << options;
         ASSERT_EQ(written, room < size ? 0 : size) << c;
       }
-      ASSERT_TRUE(std::equal(expected.begin(), expected.end(), out)) << c << " options " << options;
+      ASSERT_TRUE(std::equal(out, out + expected.size, expected.bytes)) << c << " options " << options;
       if (expected_status != 0 || options == 4) continue;
-      for (int64_t room = 0; room <= static_cast<int64_t>(plain.size()); ++room) {
-        const bool fits = room == static_cast<int64_t>(plain.size());
-        ASSERT_EQ(vxzsu8Decode(expected.data(), size, out, room, &written, options), fits ? 0 : VX_E_ROOM) << c;
+      for (int64_t room = 0; room <= static_cast<int64_t>(plain.size); ++room) {
+        const bool fits = room == static_cast<int64_t>(plain.size);
+        ASSERT_EQ(vxzsu8Decode(expected.bytes, size, out, room, &written, options), fits ? 0 : VX_E_ROOM) << c;
         ASSERT_EQ(written, fits ? room : 0) << c;
       }
-      ASSERT_TRUE(std::equal(plain.begin(), plain.end(), out)) << c << " options " << options;
+      ASSERT_TRUE(std::equal(out, out + plain.size, plain.bytes)) << c << " options " << options;
     }
   }
 }
 
 TEST(Modified, EveryPairOfSurrogatesInBothOrders) {
   for (uint32_t first = 0xD800; first < 0xE000; ++first) {
-    Bytes text = joined(utf8_of(first), {0xED, 0, 0});
+    Piece text = joined(utf8_of(first), {0xED, 0, 0});
     for (uint32_t second = 0xD800; second < 0xE000; ++second) {
-      text[4] = static_cast<uint8_t>(0x80 | (second >> 6 & 63));
-      text[5] = static_cast<uint8_t>(0x80 | (second & 63));
+      text.bytes[4] = static_cast<uint8_t>(0x80 | (second >> 6 & 63));
+      text.bytes[5] = static_cast<uint8_t>(0x80 | (second & 63));
       // The order is not checked: each of the two gives its ten low bits.
       uint8_t expected[4], out[4];
       size_t n = 0;
       const uint32_t c = 0x10000 + ((first & 0x3FF) << 10) + (second & 0x3FF);
       U8_APPEND_UNSAFE(expected, n, c);
       int64_t written;
-      ASSERT_EQ(vxzsu8Decode(text.data(), 6, out, 4, &written, first % 2), 0u);
+      ASSERT_EQ(vxzsu8Decode(text.bytes, 6, out, 4, &written, first % 2), 0u);
       ASSERT_EQ(written, 4);
       ASSERT_TRUE(std::equal(out, out + 4, expected)) << std::hex << first << " " << second;
     }
@@ -246,14 +315,17 @@ TEST(Modified, SequencesOfEveryKindBesideEachOtherAndCutOff) {
   for (const Bytes& a : kinds) {
     for (const Bytes& b : kinds) {
       for (const Bytes& c : kinds) {
-        const Bytes text = joined(joined(a, b), c);
+        Bytes text = a;
+        text.insert(text.end(), b.begin(), b.end());
+        text.insert(text.end(), c.begin(), c.end());
         for (const uint32_t options : all_options) {
           expect_in_every_room(vxzsu8Encode, text, options);
           expect_in_every_room(vxzsu8Decode, text, options);
           if (HasFatalFailure()) return;
         }
       }
-      Bytes cut = joined(a, b);
+      Bytes cut = a;
+      cut.insert(cut.end(), b.begin(), b.end());
       for (; !cut.empty(); cut.pop_back()) {
         for (const uint32_t options : all_options) {
           expect_in_every_room(vxzsu8Encode, cut, options);
