@@ -2,6 +2,7 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
@@ -38,43 +39,71 @@ size_t announced(uint8_t lead) {
   return lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : lead < 0xFC ? 5 : 6;
 }
 
-/// One character as the casing functions see it: its bytes, and what it becomes; nothing when it stays.
+/// One character as the casing functions see it: the bytes that it takes of the text, and those that it becomes.
 struct Step {
-  Bytes source, mapped;
+  size_t taken;
+  bool changes;
+  uint8_t bytes[8];
+  size_t size;
 };
 
-Step step_at(const Bytes& text, size_t at, const Direction& direction, const Mapping& mapping) {
-  const uint8_t lead = text[at];
-  if (lead < 0xC0) {
-    const bool changes = lead >= direction.first && lead <= direction.last;
-    return {{lead}, changes ? Bytes{static_cast<uint8_t>(lead ^ 0x20)} : Bytes{}};
+template <class Mapping>
+Step step_at(const uint8_t* at, size_t left, const Direction& direction, const Mapping& mapping) {
+  Step step;
+  const uint8_t lead = at[0];
+  step.taken = step.size = std::min(announced(lead), left);
+  std::copy_n(at, step.size, step.bytes);
+  step.changes = lead >= direction.first && lead <= direction.last;
+  if (step.changes) step.bytes[0] ^= 0x20;
+  if (lead < 0xC0) return step;
+  uint32_t c = 0xFFFD;
+  if (lead >= 0xC2 && lead <= 0xF4 && step.taken == announced(lead)) {
+    c = lead & (0x7Fu >> step.taken);
+    for (size_t i = 1; i < step.taken; ++i) c = c << 6 | (at[i] & 0x3Fu);
   }
-  const size_t length = std::min(announced(lead), text.size() - at);
-  const Bytes source(text.begin() + static_cast<ptrdiff_t>(at), text.begin() + static_cast<ptrdiff_t>(at + length));
-  if (lead < 0xC2 || lead > 0xF4 || length < announced(lead)) {
-    return {source, mapping(0xFFFD) == 0xFFFD ? Bytes{} : utf8_of(mapping(0xFFFD))};
+  const uint32_t mapped = mapping(c);
+  step.changes = mapped != c;
+  if (step.changes) {
+    step.size = 0;
+    U8_APPEND_UNSAFE(step.bytes, step.size, mapped);
   }
-  uint32_t c = lead & (0x7Fu >> length);
-  for (size_t i = 1; i < length; ++i) c = c << 6 | (source[i] & 0x3Fu);
-  return {source, mapping(c) == c ? Bytes{} : utf8_of(mapping(c))};
+  return step;
 }
 
 /// In place, one character at a time: what it becomes is written before the next one is read.
-Bytes in_place(Bytes text, const Direction& direction, const Mapping& mapping) {
+template <class Mapping>
+void change_in_place(uint8_t* text, size_t length, const Direction& direction, const Mapping& mapping) {
   size_t write = 0;
-  for (size_t read = 0; read < text.size();) {
-    const Step step = step_at(text, read, direction, mapping);
-    const Bytes& out = step.mapped.empty() ? step.source : step.mapped;
-    const bool whole_or_nothing = !step.mapped.empty();
-    if (!whole_or_nothing || write + out.size() <= text.size()) {
-      for (const uint8_t byte : out) {
-        if (write < text.size()) text[write++] = byte;
-      }
+  for (size_t read = 0; read < length;) {
+    const Step step = step_at(text + read, length - read, direction, mapping);
+    const bool whole_or_nothing = step.changes;
+    if (!whole_or_nothing || write + step.size <= length) {
+      for (size_t i = 0; i < step.size && write < length; ++i) text[write++] = step.bytes[i];
     }
-    read += step.source.size();
+    read += step.taken;
   }
-  std::fill(text.begin() + static_cast<ptrdiff_t>(write), text.end(), uint8_t{' '});
-  return text;
+  std::fill(text + write, text + length, uint8_t{' '});
+}
+
+/// What fits into a room: whole characters up to the first that does not.
+struct Fitting {
+  uint8_t bytes[512];
+  int64_t size = 0, needed = 0;
+};
+template <class Mapping>
+Fitting fitting(const uint8_t* text, size_t length, int64_t room, const Direction& direction, const Mapping& mapping) {
+  Fitting result;
+  for (size_t at = 0; at < length;) {
+    const Step step = step_at(text + at, length - at, direction, mapping);
+    const auto size = static_cast<int64_t>(step.size);
+    if (result.size == result.needed && result.size + size <= room) {
+      std::copy_n(step.bytes, step.size, result.bytes + result.size);
+      result.size += size;
+    }
+    result.needed += size;
+    at += step.taken;
+  }
+  return result;
 }
 
 void expect_as_modelled(const Bytes& text, const Direction& direction, const Mapping& mapping) {
@@ -84,34 +113,67 @@ void expect_as_modelled(const Bytes& text, const Direction& direction, const Map
 
   uint8_t* const changed = output.copy(text.data(), text.size());
   direction.in_place(changed, length);
-  EXPECT_EQ(Bytes(changed, changed + length), in_place(text, direction, mapping));
+  Bytes expected = text;
+  change_in_place(expected.data(), expected.size(), direction, mapping);
+  EXPECT_EQ(Bytes(changed, changed + length), expected);
 
-  std::vector<Bytes> pieces;
-  for (size_t at = 0; at < text.size();) {
-    const Step step = step_at(text, at, direction, mapping);
-    pieces.push_back(step.mapped.empty() ? step.source : step.mapped);
-    at += step.source.size();
-  }
-  int64_t needed = 0;
-  for (const Bytes& piece : pieces) needed += static_cast<int64_t>(piece.size());
   const uint8_t* const in = input.copy(text.data(), text.size());
+  const int64_t needed = fitting(in, text.size(), 0, direction, mapping).needed;
   int64_t written = -1;
   EXPECT_EQ(direction.into(in, length, nullptr, 99, &written), 0u);
   EXPECT_EQ(written, needed) << "measuring";
   for (int64_t room = 0; room <= needed + 1; ++room) {
     uint8_t* const out = output.at(static_cast<size_t>(room));
-    Bytes expected;
-    bool fits = true;
-    for (const Bytes& piece : pieces) {
-      fits = fits && static_cast<int64_t>(expected.size() + piece.size()) <= room;
-      if (fits) expected.insert(expected.end(), piece.begin(), piece.end());
-    }
+    const Fitting fits = fitting(in, text.size(), room, direction, mapping);
+    const VXStatus status = fits.size == needed || room == 0 ? 0 : VX_E_ROOM;
     written = -1;
-    EXPECT_EQ(direction.into(in, length, out, room, &written), fits || room == 0 ? 0 : VX_E_ROOM) << room;
-    EXPECT_EQ(written, room == 0 ? needed : static_cast<int64_t>(expected.size())) << room;
-    EXPECT_TRUE(room == 0 || Bytes(out, out + expected.size()) == expected) << room;
-    EXPECT_EQ(direction.into(in, length, out, room, nullptr), fits || room == 0 ? 0 : VX_E_ROOM);
+    EXPECT_EQ(direction.into(in, length, out, room, &written), status) << room;
+    EXPECT_EQ(written, room == 0 ? needed : fits.size) << room;
+    EXPECT_TRUE(std::equal(fits.bytes, fits.bytes + fits.size, out)) << room;
+    EXPECT_EQ(direction.into(in, length, out, room, nullptr), status);
   }
+}
+
+/// All strings of n bytes that begin with `lowest` or more, by the tables: in place, and in the room they need.
+void check_all(size_t n, uint64_t lowest) {
+  vxtest::GuardedBuffer<uint8_t> input(8), output(32);
+  uint8_t* const text = input.at(n);
+  uint8_t expected[8];
+  const auto length = static_cast<int64_t>(n);
+  for (uint64_t number = lowest << 8 * (n - 1); number < uint64_t{1} << 8 * n; ++number) {
+    const auto spell = [&](uint8_t* to) {
+      for (size_t i = 0; i < n; ++i) to[i] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));
+    };
+    const auto check = [&](const Direction& direction, auto mapping) {
+      spell(text);
+      spell(expected);
+      const Fitting fits = fitting(text, n, 32, direction, mapping);
+      uint8_t* const out = output.at(static_cast<size_t>(fits.size));
+      int64_t written = -1;
+      if (direction.into(text, length, out, fits.size, &written) != 0 || written != fits.size ||
+          !std::equal(out, out + written, fits.bytes))
+        return false;
+      change_in_place(expected, n, direction, mapping);
+      direction.in_place(text, length);
+      return std::equal(text, text + n, expected);
+    };
+    ASSERT_TRUE(check(lower, vxnls::lower_by_tables)) << n << " bytes " << std::hex << number;
+    ASSERT_TRUE(check(upper, vxnls::upper_by_tables)) << n << " bytes " << std::hex << number;
+  }
+}
+
+bool is_long_run() { return std::getenv("VXNLS_LONG_TESTS") != nullptr; }
+
+// What begins below C0 is a character and a shorter string: of three bytes in the long run only, of four never.
+TEST(Casing, EveryStringOfOneToThreeBytes) {
+  check_all(1, 0);
+  check_all(2, 0);
+  check_all(3, is_long_run() ? 0 : 0xC0);
+}
+
+TEST(Casing, EveryStringOfFourBytesInTheLongRun) {
+  if (!is_long_run()) GTEST_SKIP() << "set VXNLS_LONG_TESTS to run it";
+  check_all(4, 0xC0);
 }
 
 TEST(Casing, EveryCodePointByTheTablesWithoutAHost) {
