@@ -21,6 +21,7 @@ uint64_t bits(double value) { return std::bit_cast<uint64_t>(value); }
 
 struct Fields {
   double year, month, day;
+  bool operator==(const Fields&) const = default;
 };
 
 /// A calendar that only ever turns to the next day.
@@ -33,11 +34,16 @@ struct Counter {
     if (year % 100 == 0) return false;
     return year % 4 == 0;
   }
-  void next() {
+  bool ends_month() const {
     const int64_t lengths[] = {31, leap() ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return day == lengths[month - 1];
+  }
+  void next() {
     week_day = (week_day + 1) % 7;
     ++day_of_year;
-    if (++day <= lengths[month - 1]) return;
+    const bool same_month = !ends_month();
+    ++day;
+    if (same_month) return;
     day = 1;
     if (++month <= 12) return;
     month = 1;
@@ -46,80 +52,69 @@ struct Counter {
   }
 };
 
+// The counter is the standard library's calendar up to the day that the year 4000 lacks.
 TEST(Calendar, EveryDayThroughEveryFunction) {
+  using namespace std::chrono;
+  const sys_days epoch = 1960y / January / 1;
   Counter at;
   for (int32_t d = vxnls::first_day; d < vxnls::end_day; ++d, at.next()) {
-    const auto date = static_cast<double>(d);
-    const auto julian = static_cast<double>(at.year * 1000 + at.day_of_year);
-    const auto year = static_cast<double>(at.year), month = static_cast<double>(at.month),
-               day = static_cast<double>(at.day);
+    const vxnls::CivilDate civil = {static_cast<int32_t>(at.year), static_cast<int32_t>(at.month),
+                                    static_cast<int32_t>(at.day)};
+    if (const sys_days day = epoch + days{d}; day <= 4000y / February / 28) {
+      ASSERT_EQ(year_month_day{day}, year{civil.year} / civil.month / civil.day);
+      ASSERT_EQ(weekday{day}.c_encoding(), at.week_day);
+    }
+    ASSERT_EQ(vxnls::civil_from_day(d), civil);
+    ASSERT_EQ(vxnls::day_number(civil), d);
     ASSERT_EQ(vxnls::week_day(d), at.week_day) << d;
+    const auto date = static_cast<double>(d);
     // The first nine days count below the first Sunday with a remainder that truncates.
     ASSERT_EQ(NLSwekday(date), static_cast<double>(d >= -138052 ? at.week_day + 1 : (d + 138052) % 7 + 1)) << d;
+    const double within_day = d >= -138052 ? 0.9 : -0.9;  // the fraction is cut off toward that Sunday
+    ASSERT_TRUE(d == vxnls::first_day || NLSwekday(date + within_day) == NLSwekday(date)) << d;
 
+    const auto julian = static_cast<double>(at.year * 1000 + at.day_of_year);
     int32_t its_year = 0;
     ASSERT_EQ(NLSjuldat(&its_year, date), julian) << d;
     ASSERT_EQ(its_year, at.year) << d;
+    ASSERT_EQ(NLSjuldat(nullptr, date + 0.9), julian) << d;
+    ASSERT_EQ(vxfmtzjuldat(date), julian) << d;
     NLSCalendarWork work = NLSFMT_Global_Values;
-    Fields f{};
+    Fields f{}, g{};
     ASSERT_EQ(NLSymdjul(&f.year, &f.month, &f.day, &work, julian), 0u);
-    ASSERT_TRUE(f.year == year && f.month == month && f.day == day) << d;
+    ASSERT_EQ(vxfmtzymdjul(&g.year, &g.month, &g.day, julian), 0u);
+    const auto year = static_cast<double>(at.year), month = static_cast<double>(at.month),
+               day = static_cast<double>(at.day);
+    ASSERT_TRUE(f == (Fields{year, month, day}) && f == g) << d;
     ASSERT_EQ(NLSdatjul(&work, julian), date) << d;
     ASSERT_EQ(work.dayOfYear, at.day_of_year) << d;
     ASSERT_EQ(work.daysInYear, at.leap() ? 366 : 365) << d;
+    ASSERT_EQ(vxfmtzdatjul(julian), date) << d;
+    ASSERT_EQ(NLSjulymd(&work, year, month, day), julian) << d;
+    ASSERT_EQ(vxfmtzjulymd(year, month, day), julian) << d;
     ASSERT_EQ(NLSmdy(&work, month, day, year), date) << d;
+    ASSERT_TRUE(vxnls::is_valid(civil)) << d;
+    if (at.ends_month()) {
+      ASSERT_EQ(NLSFMT_Global_Values.monthDays[at.month - 1], at.month == 2 ? 0 : at.day);
+      ASSERT_EQ(bits(NLSmdy(&work, month, day + 1, year)), missing) << d;
+      ASSERT_EQ(bits(NLSmdy(&work, month, 0, year)), missing) << d;
+      ASSERT_FALSE(vxnls::is_valid({civil.year, civil.month, civil.day + 1})) << d;
+    }
+
+    // Each day has another second; all 86,400 have their turn.
+    const auto second = static_cast<int32_t>((d - vxnls::first_day) * int64_t{7919} % 86400);
+    const double t = date * 86400 + second + 0.25;
+    ASSERT_EQ(NLSdatprt(t), date) << t;
+    ASSERT_EQ(NLStimprt(t), second + 0.25) << t;
+    ASSERT_EQ(NLShour(t), second / 3600) << t;
+    ASSERT_EQ(NLSminute(t), second / 60 % 60) << t;
+    ASSERT_EQ(NLSsecond(t), second % 60 + 0.25) << t;
+    const vxnls::DayAndSecond split = vxnls::day_and_second(t);
+    ASSERT_TRUE(split.day == d && split.second == second) << t;
     ASSERT_EQ(NLSdatprt(date * 86400), date) << d;
     ASSERT_EQ(NLSdatprt(date * 86400 + 86399), date) << d;
-    ASSERT_EQ(vxfmtzjulymd(year, month, day), julian) << d;
-    ASSERT_EQ(vxfmtzdatjul(julian), date) << d;
   }
   EXPECT_EQ(at.year, 20001);
-}
-
-// The library's clock of dates, up to the day that the year 4000 lacks.
-TEST(Calendar, EveryDayAgainstChrono) {
-  using namespace std::chrono;
-  const sys_days epoch = 1960y / January / 1;
-  const sys_days last = 4000y / February / 28;
-  for (sys_days day = 1582y / January / 1; day <= last; day += days{1}) {
-    const year_month_day ymd = day;
-    const auto expected = vxnls::CivilDate{static_cast<int>(ymd.year()), static_cast<int32_t>(unsigned{ymd.month()}),
-                                           static_cast<int32_t>(unsigned{ymd.day()})};
-    const auto number = static_cast<int32_t>((day - epoch).count());
-    ASSERT_EQ(vxnls::civil_from_day(number), expected);
-    ASSERT_EQ(vxnls::day_number(expected), number);
-    ASSERT_EQ(vxnls::week_day(number), static_cast<int32_t>(weekday{day}.c_encoding()));
-  }
-}
-
-TEST(Calendar, MonthsEndWhereTheyEnd) {
-  for (const int64_t year : {1582, 1900, 2000, 2023, 2024, 4000, 19999, 20000}) {
-    Counter at;
-    at.year = year;
-    for (int month = 1; month <= 12; ++month) {
-      int32_t last = 0;
-      for (; at.month == month; at.next()) last = static_cast<int32_t>(at.day);
-      NLSCalendarWork work = NLSFMT_Global_Values;
-      EXPECT_EQ(work.monthDays[month - 1], month == 2 ? 0 : last);
-      const auto y = static_cast<double>(year), m = static_cast<double>(month);
-      EXPECT_NE(bits(NLSmdy(&work, m, last, y)), missing) << year << ' ' << month;
-      EXPECT_EQ(bits(NLSmdy(&work, m, last + 1, y)), missing) << year << ' ' << month;
-      EXPECT_EQ(bits(NLSmdy(&work, m, 0, y)), missing) << year << ' ' << month;
-      EXPECT_FALSE(vxnls::is_valid({static_cast<int32_t>(year), month, last + 1})) << year << ' ' << month;
-    }
-  }
-}
-
-TEST(Calendar, SampleDays) {
-  static constexpr struct {
-    double date, julian;
-  } cases[] = {{-138061, 1582001},    {0, 1960001},     {3653, 1970001},   {14610, 2000001},
-               {14669, 2000060},      {14975, 2000366}, {745095, 4000001}, {6589335, 20000365},
-               {6589335.9, 20000365}, {1.5, 1960002},   {-0.5, 1959365},   {-138060.5, 1582001}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(NLSjuldat(nullptr, c.date), c.julian);
-    EXPECT_EQ(vxfmtzjuldat(c.date), c.julian);
-  }
 }
 
 TEST(Calendar, InvalidValuesAreMissing) {
