@@ -122,7 +122,7 @@ inline constexpr ActionTable action_table = [] {
       const Action padded = Action::of(row, number, true), unpadded = Action::of(row, number, false);
       ++number;
       if (of_date && !row.of_dates) continue;
-      const auto letter = static_cast<size_t>(row.letter), small = letter + ('a' - 'A');
+      const auto letter = size_t{static_cast<uint8_t>(row.letter)}, small = letter + ('a' - 'A');
       if (row.form != Form::lower) {
         by_modifier[none][letter] = padded;
         by_modifier[no_padding][letter] = by_modifier[no_padding][small] = unpadded;

@@ -14,9 +14,9 @@ struct Row {
   VXChar text[15];
 
   template <size_t N>
-  constexpr Row(const char (&pattern)[N]) : length(N - 1), text{} {  // NOLINT: rows of a table read as literals
+  constexpr Row(const char (&pattern)[N]) : length(N - 1), text{} {  // not explicit: rows of a table read as literals
     static_assert(N - 1 <= 15);
-    for (size_t i = 0; i + 1 < N; ++i) text[i] = static_cast<VXChar>(pattern[i]);
+    for (size_t i = 0; i + 1 < N; ++i) text[i] = static_cast<uint8_t>(pattern[i]);
   }
   constexpr TextView view() const { return {text, length}; }
   /// The first thing that it reads is a number, in both readers.

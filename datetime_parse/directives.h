@@ -32,7 +32,7 @@ enum class Turn : uint8_t {
   add,                 // `plus`
 };
 
-struct Directive {
+struct Directive {      // NOLINT(clang-analyzer-optin.performance.Padding): in the order of the columns of its tables
   const char* letters;  // all that mean this; null ends a table
   Rule rule;
   Digits number = {0, 0, 0};
@@ -100,7 +100,7 @@ class DirectiveSet {
   constexpr explicit DirectiveSet(const Directive (&rows)[N]) : rows_(rows) {
     for (size_t i = 0; i < N; ++i) {
       for (const char* letter = rows[i].letters; *letter != 0; ++letter) {
-        row_of_[static_cast<size_t>(*letter)] = static_cast<uint8_t>(i + 1);
+        row_of_[static_cast<uint8_t>(*letter)] = static_cast<uint8_t>(i + 1);
         ++letters_;
       }
     }

@@ -28,9 +28,9 @@ VXZone* open_zone(const VXLocale* locale, const ZoneId& id) {
   if (zone == nullptr) return nullptr;
   auto* const record = static_cast<ZoneRecord*>(pool->ops->allocate(pool, sizeof(ZoneRecord), VX_ZERO_FILL));
   VXTrackEntry* entry = nullptr;
+  VXStatus unused = 0;
   if (record != nullptr) {
     *record = {.zone = zone, .service = zones, .pool = pool};
-    VXStatus unused = 0;
     entry = track->ops->insert(track, VX_TRACK_INSERT, 0, record, 0, id.text, key_bytes(id), &unused);
   }
   if (entry == nullptr) {

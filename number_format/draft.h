@@ -107,7 +107,7 @@ struct Draft {
 
   /// `sign` is 0 where there is none. Gives where the text begins.
   static Unit* put_sign(Unit* first, char sign) {
-    first[-1] = static_cast<Unit>(sign);
+    first[-1] = static_cast<uint8_t>(sign);
     return first - (sign != 0);
   }
 

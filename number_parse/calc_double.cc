@@ -27,7 +27,7 @@ const long double VXPOWTENTABLE[309] = {
     1e294L, 1e295L, 1e296L, 1e297L, 1e298L, 1e299L, 1e300L, 1e301L, 1e302L, 1e303L, 1e304L, 1e305L, 1e306L, 1e307L,
     1e308L,
 };
-static_assert(!long_double_is_extended || sizeof VXPOWTENTABLE == 309 * 16, "one power in 16 bytes");
+static_assert(!long_double_is_extended || sizeof VXPOWTENTABLE[0] == 16, "one power in 16 bytes");
 
 VXStatus vxnlsCalcDouble(uint64_t high, uint64_t low, int32_t digits, int32_t exponent, int32_t negative,
                          double* value) {
