@@ -10,6 +10,7 @@
 #include "unicode/case_mapping.h"
 #include "unicode/class_tables.h"
 #include "vxnls/classes.h"
+#include "vxnls/strings.h"
 
 namespace {
 
@@ -124,6 +125,11 @@ uint32_t mapped(uint32_t c, Mapping mapping, int major) {
   return to < 0x10000 && known_by(c, major) && known_by(to, major) ? to : c;
 }
 
+uint32_t changed_by(void (*change)(VXChar*, int64_t), VXChar c) {
+  change(&c, 1);
+  return c;
+}
+
 TEST(Tables, CaseIsThatOfUnicode3) {
   // Mappings between characters of Unicode 3.0 that the tables leave out, and one that Unicode took back.
   static const std::map<uint32_t, uint32_t> lower_otherwise = {{0x0130, 0x0130}, {0x1FF8, 0x1FF8}, {0x1FF9, 0x1FF9},
@@ -135,6 +141,12 @@ TEST(Tables, CaseIsThatOfUnicode3) {
     const uint32_t by_icu_lower = mapped(c, u_tolower, 3), by_icu_upper = mapped(c, u_toupper, 3);
     ASSERT_EQ(vxnls::lower_by_tables(c), lower != lower_otherwise.end() ? lower->second : by_icu_lower) << c;
     ASSERT_EQ(vxnls::upper_by_tables(c), upper != upper_otherwise.end() ? upper->second : by_icu_upper) << c;
+    ASSERT_EQ(changed_by(vxzstlo, c), vxnls::lower_by_tables(c));
+    ASSERT_EQ(changed_by(vxzstup, c), vxnls::upper_by_tables(c));
+    // Comparison knows the lower-case forms alone.
+    const VXChar small = vxnls::lower_by_tables(c), large = vxnls::upper_by_tables(c);
+    ASSERT_EQ(vxzseqn(&c, 1, &small, 1), 1) << c;
+    ASSERT_EQ(vxzseqn(&c, 1, &large, 1), vxnls::lower_by_tables(large) == small) << c;
     // A row that is not needed is a fault of the list.
     ASSERT_TRUE(lower == lower_otherwise.end() || lower->second != by_icu_lower) << c;
     ASSERT_TRUE(upper == upper_otherwise.end() || upper->second != by_icu_upper) << c;
@@ -145,8 +157,8 @@ TEST(Tables, CaseIsThatOfUnicode3) {
 
 TEST(Tables, SmallestAndLargestOfTheCaseClass) {
   // Relaxes along every mapping in both directions until nothing moves.
-  std::vector<uint32_t> smallest(0x10000), largest(0x10000);
-  for (uint32_t c = 0; c < 0x10000; ++c) smallest[c] = largest[c] = c;
+  std::vector<uint32_t> smallest(code_points), largest(code_points);
+  for (uint32_t c = 0; c < code_points; ++c) smallest[c] = largest[c] = c;
   for (bool moved = true; moved;) {
     moved = false;
     for (uint32_t c = 0; c < 0x10000; ++c) {
@@ -159,14 +171,12 @@ TEST(Tables, SmallestAndLargestOfTheCaseClass) {
       }
     }
   }
-  for (uint32_t c = 0; c < 0x10000; ++c) {
-    ASSERT_EQ(vxnls::smallest_by_case(c), smallest[c]) << c;
-    ASSERT_EQ(vxnls::largest_by_case(c), largest[c]) << c;
+  for (uint32_t c = 0; c < code_points; ++c) {
+    ASSERT_EQ(changed_by(vxzstmin, c), smallest[c]) << c;
+    ASSERT_EQ(changed_by(vxzstmax, c), largest[c]) << c;
   }
-  for (const uint32_t c : {0x10000u, 0x10400u, 0x10FFFFu, 0xFFFFFFFFu}) {
-    EXPECT_EQ(vxnls::smallest_by_case(c), c);
-    EXPECT_EQ(vxnls::largest_by_case(c), c);
-  }
+  EXPECT_EQ(changed_by(vxzstmin, 0xFFFFFFFF), 0xFFFFFFFF);
+  EXPECT_EQ(changed_by(vxzstmax, 0x80000041), 0x80000041);
 }
 
 }  // namespace

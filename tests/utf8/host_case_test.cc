@@ -115,6 +115,7 @@ TEST_F(WithHost, ClassesOfEveryCodePoint) {
     const uint32_t category = U_GET_GC_MASK(static_cast<UChar32>(c));
     for (const auto& k : classes) ASSERT_EQ(k.test(c), (category & k.categories) != 0) << k.name << " of " << c;
     ASSERT_EQ(vxnlsisxdigit(c), u_isxdigit(static_cast<UChar32>(c))) << c;
+    ASSERT_EQ(vxnlsisspace(c), u_isUWhiteSpace(static_cast<UChar32>(c))) << c;
     Bytes text = utf8_of(c);
     text.push_back(0);
     const bool combining = (category & U_GC_M_MASK) != 0 || c == 0x200C || c == 0x200D;
