@@ -21,6 +21,10 @@ else()
   add_compile_options("$<${optimised}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 endif()
 
+if(VXNLS_COVERAGE)
+  add_link_options(--coverage)
+endif()
+
 # Two builds of one commit are equal bit for bit: no path of this machine enters a binary (the last map wins).
 add_compile_options("$<${optimised}:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.;-ffile-prefix-map=${PROJECT_BINARY_DIR}=build>")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
