@@ -54,7 +54,7 @@ VXStatus write(const VXLocale* locale, const NLSName& pattern, bool of_date, con
 
 template <class Text>
 VXStatus write_date(const VXLocale* locale, uint32_t month, uint32_t day, uint32_t year, int32_t style,
-                    Destination<Text> to) {
+                    Destination<Text> to) {  // cppcheck-suppress passedByValue ; three words, kept in registers
   if (is_null(locale) || to.is_null()) return VX_E_NULL;
   const int64_t whole_year = year <= 99 ? widened_year(year, default_cutoff) : year;
   const CivilDate date{static_cast<int32_t>(whole_year), static_cast<int32_t>(month), static_cast<int32_t>(day)};
@@ -66,7 +66,7 @@ VXStatus write_date(const VXLocale* locale, uint32_t month, uint32_t day, uint32
 
 template <class Text>
 VXStatus write_datetime(const VXLocale* locale, const NLSName VXLocaleData::*pattern, double value,
-                        Destination<Text> to) {
+                        Destination<Text> to) {  // cppcheck-suppress passedByValue ; three words, kept in registers
   if (is_null(locale) || to.is_null()) return VX_E_NULL;
   if (value != value) return VX_E_MISSING;
   if (!is_valid_datetime(value)) return VX_E_RANGE;

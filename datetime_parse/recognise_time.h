@@ -10,6 +10,7 @@ namespace vxnls {
 class ShortTimes {
  public:
   /// `also_hash`: "%#M" may stand for "%M".
+  // cppcheck-suppress uninitMemberVar ; the copy is written before it is read
   ShortTimes(TextView pattern, bool also_hash)
       : pattern_(pattern), minutes_(place_of(pattern, "%M")), seconds_(place_of(pattern, "%S")) {
     marker_ = place_of(pattern, "%p");

@@ -62,7 +62,7 @@ DoubleGrouping double_grouping(VXLocale* locale) {
   DoubleGrouping grouping;
   if (locale == nullptr || locale->localeData == nullptr) {
     grouping.sizes.add(3);
-    return grouping;
+    return grouping;  // cppcheck-suppress uninitvar ; as many sizes are written as are counted
   }
   const TextView pattern = view(locale->localeData->groupingPattern);
   for (int64_t at = 0; at <= pattern.length && grouping.sizes.count < longest_name;) {
@@ -314,6 +314,7 @@ struct Decimal {
   int32_t point = 0;
 
   /// Takes `significant` digits, or `places` digits after the point where that is given (-1: not), and one more.
+  // cppcheck-suppress uninitMemberVar ; the area is written before it is read
   Decimal(double magnitude, int32_t significant, int32_t places) {
     count = point = integer_digits(magnitude, first);
     if (count > 0) {

@@ -134,7 +134,7 @@ struct Utf8 {
                                           4, z, z, z, 5, z, z, z, 6, z, z, z, 7, z, z, z);
     const Vector second = _mm256_setr_epi8(8, z, z, z, 9, z, z, z, 10, z, z, z, 11, z, z, z,  //
                                            12, z, z, z, 13, z, z, z, 14, z, z, z, 15, z, z, z);
-    for (int i = 0; i < 32; i += 16) {
+    for (int64_t i = 0; i < 32; i += 16) {
       const Vector bytes = both(load_half(in + i));
       store_dwords<order>(out + 4 * i, _mm256_shuffle_epi8(bytes, first));
       store_dwords<order>(out + 4 * i + 32, _mm256_shuffle_epi8(bytes, second));
@@ -187,7 +187,7 @@ struct Utf8 {
     const Vector even = _mm256_unpacklo_epi8(lows, highs), odd = _mm256_unpackhi_epi8(lows, highs);
     const __m128i words[] = {_mm256_castsi256_si128(even), _mm256_castsi256_si128(odd),
                              _mm256_extracti128_si256(even, 1), _mm256_extracti128_si256(odd, 1)};
-    for (int i = 0; i < 4; ++i) {
+    for (int64_t i = 0; i < 4; ++i) {
       const __m128i together = shuffled(words[i], words_of_mask.row[leads >> (8 * i) & 0xFF]);
       store_dwords<order>(out + 4 * count_bits(leads & below(8 * i)), _mm256_cvtepu16_epi32(together));
     }
@@ -220,7 +220,7 @@ struct Utf16 {
   }
   template <std::endian order>
   static void write_plain(const uint8_t* in, uint8_t* out) {
-    for (int i = 0; i < 16; i += 8) store_dwords<order>(out + 4 * i, wide(in + 2 * i));
+    for (int64_t i = 0; i < 16; i += 8) store_dwords<order>(out + 4 * i, wide(in + 2 * i));
   }
 
   template <std::endian order>
@@ -230,7 +230,7 @@ struct Utf16 {
       write_plain<order>(in + vector_bytes, out + 4 * 16);
       return positions;
     }
-    for (int i = 0; i < 32; i += 8) {
+    for (int64_t i = 0; i < 32; i += 8) {
       const Vector unit32 = wide(in + 2 * i);
       // What a pair gives at its first unit, and what any other unit gives.
       constexpr uint32_t bias = 0x10000u - (0xD800u << 10) - 0xDC00u;

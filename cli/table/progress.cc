@@ -10,8 +10,6 @@ namespace vxcli::table {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr std::string_view wiped = "\r\x1b[K";
 
 std::string megabytes(double bytes) { return fmt::format("{:.1f} MB", bytes / 1e6); }
@@ -40,13 +38,13 @@ std::string progress_text(uint64_t bytes, uint64_t size, std::chrono::duration<d
 Progress::Progress(bool quiet, Meanwhile meanwhile)
     : shown_(!quiet && is_terminal(STDERR_FILENO) && !(meanwhile == Meanwhile::output && is_terminal(STDOUT_FILENO))),
       begin_(Clock::now()),
-      due_(begin_ + 500ms) {}
+      due_(begin_ + std::chrono::milliseconds{500}) {}
 
 void Progress::show(uint64_t bytes, uint64_t size) {
   if (!shown_) return;
   const Clock::time_point now = Clock::now();
   if (now < due_) return;
-  due_ = now + 100ms;
+  due_ = now + std::chrono::milliseconds{100};
   to_terminal(fmt::format("{}{}", wiped, progress_text(bytes, size, now - begin_)));
   on_screen_ = true;
 }
