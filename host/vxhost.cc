@@ -2,6 +2,10 @@
 #include "vxnls/vxhost.h"
 
 #include <dlfcn.h>
+#include <limits.h>
+#include <link.h>
+#include <sys/auxv.h>
+#include <unicode/putil.h>
 #include <unicode/uchar.h>
 #include <unicode/ulocdata.h>
 #include <unicode/uversion.h>
@@ -10,6 +14,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/accounting.h"
@@ -42,12 +47,29 @@ std::string real_path(const std::string& path) {
   return resolved != nullptr ? resolved.get() : path;
 }
 
-/// The folder that libvxhost.so was loaded from.
+/// The folder that libvxhost.so was loaded from. The linker may know it by a name that was relative to the working
+/// directory of that time, which must not be looked up in that of now.
 std::string own_folder() {
   Dl_info info{};
-  if (dladdr(reinterpret_cast<const void*>(&vxhostOpen), &info) == 0 || info.dli_fname == nullptr) return ".";
-  const std::string file = real_path(info.dli_fname);
+  link_map* image = nullptr;
+  char origin[PATH_MAX] = "";
+  std::string name = "/proc/self/exe";  // where the host is part of the program
+  if (dladdr1(reinterpret_cast<const void*>(&vxhostOpen), &info, reinterpret_cast<void**>(&image), RTLD_DL_LINKMAP) !=
+          0 &&
+      *image->l_name != '\0' && dlinfo(image, RTLD_DI_ORIGIN, origin) == 0) {
+    const std::string_view known = image->l_name;
+    name = std::string(origin).append("/").append(known.substr(known.rfind('/') + 1));
+  }
+  const std::string file = real_path(name);
   return file.substr(0, file.rfind('/'));
+}
+
+/// ICU takes what lies in the folders of ICU_DATA for its own data, and believes it. In a process with rights that its
+/// caller does not have, it must not; a folder that the program itself has set stays.
+void refuse_data_of_callers() {
+  if (getauxval(AT_SECURE) == 0) return;
+  const char* const folders = std::getenv("ICU_DATA");
+  if (folders != nullptr && std::string_view(u_getDataDirectory()) == folders) u_setDataDirectory("");
 }
 
 /// CLDR calls its version 42 what ICU gives as 42.0.
@@ -184,6 +206,7 @@ VXStatus vxhostOpen(const char* folder, VXHost** host) {
   *host = nullptr;
   return guarded<VXStatus>(VX_E_MEMORY, [&] {
     open_failure.clear();
+    refuse_data_of_callers();
     const std::string where = folder != nullptr ? real_path(folder) : own_folder();
     VXStatus status = 0;
     LibraryUse library(vxhost::Library::open(where, status, open_failure));

@@ -1,10 +1,20 @@
 // The extension loader: what it follows and what it refuses.
 #include <gtest/gtest.h>
+#include <sys/auxv.h>
 #include <sys/stat.h>
+#include <unicode/uvernum.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+#include <vector>
 
 #include "host/accounting.h"
 #include "host/extension_loader.h"
+#include "host/zone_table.h"
 #include "tests/host/temporary_folder.h"
+#include "vxnls/vxhost.h"
 
 namespace {
 
@@ -112,6 +122,58 @@ TEST(Loader, RefusesRelativeFoldersAndAllOfThemWithPrivileges) {
     EXPECT_EQ(loader.refused().size(), 1u);
     EXPECT_EQ(load(loader, "vxemsg"), nullptr);
   }
+}
+
+/// Runs in a copy of this program that has another group's rights, with every folder of the environment set.
+TEST(PrivilegedProcess, DISABLED_TakesNoFolderOfItsCaller) {
+  if (getauxval(AT_SECURE) == 0) GTEST_SKIP() << "the system gives a program no rights of its own here";
+  const vxhost::SearchPath path = vxhost::SearchPath::of_environment();
+  EXPECT_FALSE(path.folders.empty());
+  EXPECT_TRUE(path.privileged);
+  const vxtest::TemporaryFolder own;
+  vxhost::ExtensionLoader loader(own.path(), path);
+  EXPECT_EQ(loader.refused().size(), 2u);
+  EXPECT_EQ(load(loader, "vxemsg"), nullptr);
+  EXPECT_EQ(vxhost::ZoneTable::system_folder(), "/usr/share/zoneinfo");
+
+  VXHost* host = nullptr;
+  ASSERT_EQ(vxhostOpen(libraries.c_str(), &host), 0u) << vxhostOpenFailure();
+  VXLocale* german = nullptr;
+  ASSERT_EQ(vxhostLocale(host, "de_DE", "Europe/Berlin", 0, &german), 0u);
+  uint8_t text[60];
+  int64_t length = 0;
+  EXPECT_EQ(german->ops.NLSDateFormatU(german, 11, 21, 2026, 2, text, sizeof text, &length), 0u);
+  EXPECT_EQ(std::string(text, text + length), "21. November 2026");
+  vxhostClose(host);
+}
+
+TEST(PrivilegedProcess, RunsAsSetGroupId) {
+  const vxtest::TemporaryFolder folder;
+  const std::string copy = folder.file("copy");
+  fs::copy_file("/proc/self/exe", copy);
+  std::vector<gid_t> groups(static_cast<size_t>(getgroups(0, nullptr)));
+  if (getgroups(static_cast<int>(groups.size()), groups.data()) < 0) groups.clear();
+  if (geteuid() == 0) groups.push_back(65534);
+  const auto other = std::find_if(groups.begin(), groups.end(), [](gid_t group) { return group != getgid(); });
+  if (other == groups.end() || chown(copy.c_str(), static_cast<uid_t>(-1), *other) != 0) {
+    GTEST_SKIP() << "there is no other group to take rights from";
+  }
+  ASSERT_EQ(chmod(copy.c_str(), 02755), 0);
+  // Where ICU's own data lies, and the zones: rubbish.
+  const std::string icu = "icudt" U_ICU_VERSION_SHORT "l";
+  fs::create_directories(folder.file(icu));
+  for (const char* name : {"/root.res", "/de.res", "/de_DE.res"}) folder.write(icu + name, "rubbish");
+  folder.write("tzdata.zi", "# version rubbish\n");
+  const std::string line = "ICU_DATA=" + folder.path() + " TZDIR=" + folder.path() + " VXHOST_PATH=" + libraries +
+                           ":. ASAN_OPTIONS=detect_leaks=0 " + copy +
+                           " --gtest_also_run_disabled_tests --gtest_filter='PrivilegedProcess.DISABLED_*' >" +
+                           folder.file("out") + " 2>&1";
+  const int status = std::system(line.c_str());
+  std::ifstream file(folder.file("out"));
+  const std::string out{std::istreambuf_iterator<char>(file), {}};
+  EXPECT_EQ(status, 0) << out;
+  if (out.find("SKIPPED") != std::string::npos) GTEST_SKIP() << out;
+  EXPECT_NE(out.find("[  PASSED  ] 1 test."), std::string::npos) << out;
 }
 
 }  // namespace
