@@ -300,9 +300,11 @@ std::vector<column::Decision> decisions_of_profile(const std::string& path) {
 class Normaliser {
  public:
   explicit Normaliser(Invocation& invocation)
-      : invocation_(invocation), input_(invocation), maker_(columns::locale_maker(invocation.session)) {
+      : invocation_(invocation),
+        input_(invocation),
+        maker_(columns::locale_maker(invocation.session)),
+        allowance_(allowance_of(invocation.arguments)) {
     const Arguments& arguments = invocation.arguments;
-    allowance_ = allowance_of(arguments);
     plan_.dialect = input_.dialect();
     const std::string word = arguments.value(invalid).value_or("keep");
     for (size_t i = 0; i < std::size(invalid_words); ++i) {

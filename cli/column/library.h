@@ -46,6 +46,7 @@ class Library {
  public:
   Library(const LocaleMaker& make_locale, const std::string& locale, bool strict);
 
+  // cppcheck-suppress CastIntegerToAddressAtReturn ; the array holds addresses
   VXLocale* locale() const { return locales_[0]; }
   /// What a directive with names ("%b", "%A", "%q", "%p") can read.
   std::vector<std::string> names(std::string_view directive) const;

@@ -27,6 +27,7 @@ class Writer {
  public:
   Writer(const char* locale, const char* pattern) {
     UErrorCode error = U_ZERO_ERROR;
+    // cppcheck-suppress useInitializationList ; the constructor leaves its status in a variable
     format_ =
         std::make_unique<icu::SimpleDateFormat>(icu::UnicodeString::fromUTF8(pattern), icu::Locale(locale), error);
     auto calendar = std::make_unique<icu::GregorianCalendar>(icu::Locale(locale), error);

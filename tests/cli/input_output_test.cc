@@ -63,7 +63,7 @@ Read read_all(const std::string& text, size_t bytes_a_call, bool interrupts = fa
   device.text = text;
   device.bytes_a_call = bytes_a_call;
   device.interrupts = interrupts;
-  Read result;
+  Read result{};
   LineReader reader(
       0, "device", [&] { ++result.waits; }, give);
   LineReader::Line line;

@@ -21,7 +21,7 @@ struct Expander {
   unsigned week_day;
   std::u32string_view zone;
   int32_t offset;
-  long hour, minute, second;
+  long hour = 0, minute = 0, second = 0;
   std::u32string text;
 
   Expander(const VXLocaleData& record, std::chrono::sys_days at, std::u32string_view zone_name, int32_t zone_offset)

@@ -174,9 +174,9 @@ TEST(Track, OneOfManyThreadsInserts) {
   for (int t = 0; t < 8; ++t) {
     threads.emplace_back([&] {
       for (int i = 0; i < 500; ++i) {
+        VXStatus status = 0;
         VXTrackEntry* entry = track->ops->find(track, VX_TRACK_FIND, 0, &i, sizeof i);
         if (entry == nullptr) {
-          VXStatus status = 0;
           entry = track->ops->insert(track, VX_TRACK_INSERT, 0, nullptr, 0, &i, sizeof i, &status);
           if (entry != nullptr) ++inserted;
         }

@@ -110,7 +110,7 @@ class ExactDecimal {
 
   mpz_t number_;
   std::vector<__mpz_struct> fives_;
-  char text_[1200];
+  char text_[1200] = {};
 };
 
 }  // namespace vxtest

@@ -208,8 +208,9 @@ TEST(ReadInteger, Borders) {
           for (__uint128_t left = magnitude; left != 0 || decimal.empty(); left /= 10) {
             if (count > 0 && count % 3 == 0) grouped += signs.separator;
             ++count;
-            decimal += U"0123456789"[static_cast<size_t>(left % 10)];
-            grouped += decimal.back();
+            const char32_t digit = U"0123456789"[static_cast<size_t>(left % 10)];
+            decimal += digit;
+            grouped += digit;
           }
           for (__uint128_t left = magnitude; left != 0 || hexadecimal.empty(); left /= 16)
             hexadecimal += (off == 0 ? U"0123456789abcdef" : U"0123456789ABCDEF")[static_cast<size_t>(left % 16)];

@@ -90,7 +90,8 @@ struct ZonedLocale : PlainLocale {
   };
 
   void add(const std::u32string& name, int32_t before, int32_t after) {
-    Known& known = track_.zones.emplace_back(Known{name, before, after, {}, {}});
+    track_.zones.push_back({name, before, after, {}, {}});
+    Known& known = track_.zones.back();
     known.record.zone = reinterpret_cast<VXZone*>(&known);
     known.entry.payload = &known.record;
   }

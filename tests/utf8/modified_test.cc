@@ -23,7 +23,7 @@ struct Piece {
   uint8_t bytes[8];  // as many as there are; the rest is never cleared
   size_t size;
 
-  Piece() = default;
+  Piece() = default;  // cppcheck-suppress uninitMemberVar ; what is not set is set before it is used
   Piece(std::initializer_list<uint8_t> list) : size(0) {
     for (const uint8_t byte : list) bytes[size++] = byte;
   }
