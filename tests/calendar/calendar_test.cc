@@ -7,6 +7,7 @@
 #include <random>
 
 #include "calendar/work_area.h"
+#include "tests/support/day_counter.h"
 #include "vxnls/vxnls.h"
 
 namespace {
@@ -24,42 +25,13 @@ struct Fields {
   bool operator==(const Fields&) const = default;
 };
 
-/// A calendar that only ever turns to the next day.
-struct Counter {
-  int64_t year = 1582, month = 1, day = 1, day_of_year = 1, week_day = 5 /* a Friday */;
-
-  bool leap() const {
-    if (year % 4000 == 0) return false;
-    if (year % 400 == 0) return true;
-    if (year % 100 == 0) return false;
-    return year % 4 == 0;
-  }
-  bool ends_month() const {
-    const int64_t lengths[] = {31, leap() ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return day == lengths[month - 1];
-  }
-  void next() {
-    week_day = (week_day + 1) % 7;
-    ++day_of_year;
-    const bool same_month = !ends_month();
-    ++day;
-    if (same_month) return;
-    day = 1;
-    if (++month <= 12) return;
-    month = 1;
-    ++year;
-    day_of_year = 1;
-  }
-};
-
 // The counter is the standard library's calendar up to the day that the year 4000 lacks.
 TEST(Calendar, EveryDayThroughEveryFunction) {
   using namespace std::chrono;
   const sys_days epoch = 1960y / January / 1;
-  Counter at;
+  vxtest::DayCounter at;
   for (int32_t d = vxnls::first_day; d < vxnls::end_day; ++d, at.next()) {
-    const vxnls::CivilDate civil = {static_cast<int32_t>(at.year), static_cast<int32_t>(at.month),
-                                    static_cast<int32_t>(at.day)};
+    const vxnls::CivilDate civil = {at.year, at.month, at.day};
     if (const sys_days day = epoch + days{d}; day <= 4000y / February / 28) {
       ASSERT_EQ(year_month_day{day}, year{civil.year} / civil.month / civil.day);
       ASSERT_EQ(weekday{day}.c_encoding(), at.week_day);

@@ -1,4 +1,7 @@
 // Both flavours over many texts and patterns, and broken UTF-8 in every place.
+#include <unicode/utf8.h>
+
+#include <cstdlib>
 #include <random>
 
 #include "tests/datetime_parse/both_flavours.h"
@@ -52,6 +55,63 @@ TEST(ParseAgreement, SeededTextsAndPatterns) {
   EXPECT_GT(dates, 1000);
   EXPECT_GT(times, 1000);
   EXPECT_GT(datetimes, 100);
+}
+
+// The steps that need no thought, of every length, cut and damaged at every place: the helpers hold them to the others.
+TEST(ParseAgreement, PlainStepsOfEveryLengthWithAFaultAtEveryPlace) {
+  std::mt19937 random(60);
+  PlainLocale locale;
+  constexpr struct {
+    const char32_t *pattern, *text;
+  } cases[] = {
+      {U"%Y-%m-%d %H:%M:%S", U"2021-03-04 10:30:15"},
+      {U"%Y%m%d%H%M%S", U"20210304103015"},
+      {U"%d.%m.%Y, %I:%M %p", U"04.03.2021, 10:30 PM"},
+      {U"%#d/%#m/%#Y T%#H:%#M", U"4/3/2021 T9:5"},
+      {U"%m年%d日 %Y (%H)", U"03年04日 2021 (10)"},
+      {U"%Y%Y%Y%Y%Y%Y%Y%Y%Y%Y%Y%Y%Y%Y%Y%d%d%d%d%d%d%d%d%d%d%d%d%d%d%d",
+       U"202120212021202120212021202120212021202120212021202120212021040404040404040404040404040404"},
+  };
+  constexpr char32_t faults[] = U"09x /:%é\x80\xFFFF";
+  for (const auto& c : cases) {
+    std::u32string whole = c.text;
+    while (whole.size() < 300) whole += U"09 /";
+    for (size_t length = 0; length <= 300; ++length) {
+      for (size_t place = 0; place <= length; ++place) {
+        std::u32string text = whole.substr(0, length);
+        if (place < length) text[place] = faults[random() % std::size(faults)];
+        walk<vxnls::StrictReader>(locale.get(), c.pattern, text);
+        walk<vxnls::LenientReader>(locale.get(), c.pattern, text);
+        if (HasFailure()) FAIL() << utf8(c.pattern) << " of " << utf8(text);
+      }
+    }
+  }
+}
+
+/// All strings of n bytes: what ICU takes for a character is one, of the same length, and nothing else.
+void expect_characters_of_icu(int n) {
+  GuardedBuffer<uint8_t> buffer(8);
+  uint8_t* const text = buffer.at(static_cast<size_t>(n));
+  for (uint64_t number = 0; number < uint64_t{1} << 8 * n; ++number) {
+    for (int i = 0; i < n; ++i) text[i] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));
+    int i = 0;
+    UChar32 c;
+    U8_NEXT(text, i, n, c);
+    const vxnls::Character here = vxnls::character_at(vxnls::Input<vxnls::Utf8Text>{text, n});
+    ASSERT_EQ(here.units, c < 0 ? 0 : i) << std::hex << number;
+    if (c >= 0) {
+      ASSERT_EQ(here.code_point, static_cast<VXChar>(c)) << std::hex << number;
+    }
+  }
+}
+
+TEST(ParseAgreement, CharactersAreThoseOfIcu) {
+  for (int n = 1; n <= 3; ++n) expect_characters_of_icu(n);
+}
+
+TEST(ParseAgreement, CharactersAreThoseOfIcuInFourBytesInTheLongRun) {
+  if (std::getenv("VXNLS_LONG_TESTS") == nullptr) GTEST_SKIP() << "set VXNLS_LONG_TESTS to run it";
+  expect_characters_of_icu(4);
 }
 
 // A byte that cannot stand in its place, anywhere in what is read, is a refusal; and so is a text cut inside a

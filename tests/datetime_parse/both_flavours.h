@@ -1,4 +1,5 @@
-// Every text is read twice, as VXChars and as UTF-8, each up against an untouchable page; both must agree.
+// Every text is read as VXChars and as UTF-8, each up against an untouchable page, and the quick and the slow way; all
+// must agree.
 #ifndef VXNLS_TESTS_DATETIME_PARSE_BOTH_FLAVOURS_H
 #define VXNLS_TESTS_DATETIME_PARSE_BOTH_FLAVOURS_H
 
@@ -7,7 +8,7 @@
 #include <ostream>
 #include <string>
 
-#include "datetime_parse/walk.h"
+#include "datetime_parse/recognise_datetime.h"
 #include "tests/support/guard_page.h"
 #include "tests/support/zoned_locale.h"
 
@@ -16,8 +17,10 @@ namespace vxtest {
 /// Copies of a text in both flavours.
 struct Texts {
   explicit Texts(std::u32string_view text) : whole(text), bytes(utf8(text)) {
-    units_at = units().copy(reinterpret_cast<const VXChar*>(whole.data()), whole.size());
-    bytes_at = octets().copy(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+    static unsigned turn = 0;
+    const Guard guard = ++turn % 4 == 0 ? Guard::before : Guard::behind;
+    units_at = units().copy(reinterpret_cast<const VXChar*>(whole.data()), whole.size(), guard);
+    bytes_at = octets().copy(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), guard);
   }
   int64_t length() const { return static_cast<int64_t>(whole.size()); }
   int64_t byte_length() const { return static_cast<int64_t>(bytes.size()); }
@@ -42,6 +45,11 @@ struct Texts {
   }
 };
 
+/// Where somebody watches, no step is taken the quick way.
+struct Watcher : vxnls::NoTrace {
+  static constexpr bool watches = true;
+};
+
 /// What a date gave; consumed -1 where nothing was written.
 struct DateRead {
   VXStatus status;
@@ -57,11 +65,26 @@ inline void PrintTo(const DateRead& r, std::ostream* out) {
 
 inline constexpr DateRead refused_date{VX_E_NOMATCH, 0, 0, 0, -1};
 
+template <class Text>
+DateRead read_date_slowly(VXLocale* locale, const typename Text::Unit* at, int64_t length, uint32_t kind) {
+  Watcher watcher;
+  const vxnls::Finding finding = vxnls::read_date(locale, vxnls::input_of<Text>(at, length), kind, watcher);
+  if (finding.status != 0) return {finding.status, 0, 0, 0, -1};
+  const vxnls::NLSParseFields& f = finding.fields;
+  if (!vxnls::is_full_date(f)) return {0, 0, 0, 0, finding.consumed};
+  return {0, static_cast<uint32_t>(f.month), static_cast<uint32_t>(f.day), static_cast<uint32_t>(f.year),
+          finding.consumed};
+}
+
 inline DateRead read_date(VXLocale* locale, std::u32string_view text, uint32_t kind) {
   const Texts in(text);
   DateRead a{0, 99, 99, 99, -1}, b = a;
   a.status = NLSBufToDate(locale, in.units_at, in.length(), kind, &a.month, &a.day, &a.year, &a.consumed);
   b.status = NLSBufToDateU(locale, in.bytes_at, in.byte_length(), kind, &b.month, &b.day, &b.year, &b.consumed);
+#ifndef VXNLS_OWN_HOST  // which knows the library from outside
+  EXPECT_EQ(a, read_date_slowly<vxnls::Utf32Text>(locale, in.units_at, in.length(), kind)) << in.bytes;
+  EXPECT_EQ(b, read_date_slowly<vxnls::Utf8Text>(locale, in.bytes_at, in.byte_length(), kind)) << in.bytes;
+#endif
   const int64_t consumed = a.consumed;
   if (a.consumed > 0) a.consumed = in.bytes_of(consumed);
   EXPECT_EQ(a, b) << "flavours of \"" << in.bytes << "\" kind " << kind;
@@ -82,12 +105,25 @@ inline void PrintTo(const ValueRead& r, std::ostream* out) {
 
 inline constexpr ValueRead refused_value{VX_E_NOMATCH, -1, -1};
 
+template <class Text>
+ValueRead read_slowly(auto read, VXLocale* locale, const typename Text::Unit* at, int64_t length, uint32_t kind) {
+  Watcher watcher;
+  const auto finding = read(locale, vxnls::input_of<Text>(at, length), kind, watcher);
+  if (finding.status != 0) return {finding.status, -1, -1};
+  if constexpr (requires { finding.value; }) return {0, finding.value, finding.consumed};
+  else return {0, vxnls::seconds_of(finding.fields), finding.consumed};
+}
+
 template <auto plain, auto bytewise>
-ValueRead read_value(VXLocale* locale, std::u32string_view text, uint32_t kind) {
+ValueRead read_value(VXLocale* locale, std::u32string_view text, uint32_t kind, [[maybe_unused]] auto slowly) {
   const Texts in(text);
   ValueRead a{0, -1, -1}, b = a;
   a.status = plain(locale, in.units_at, in.length(), kind, &a.value, &a.consumed);
   b.status = bytewise(locale, in.bytes_at, in.byte_length(), kind, &b.value, &b.consumed);
+#ifndef VXNLS_OWN_HOST
+  EXPECT_EQ(a, read_slowly<vxnls::Utf32Text>(slowly, locale, in.units_at, in.length(), kind)) << in.bytes;
+  EXPECT_EQ(b, read_slowly<vxnls::Utf8Text>(slowly, locale, in.bytes_at, in.byte_length(), kind)) << in.bytes;
+#endif
   const int64_t consumed = a.consumed;
   if (a.consumed > 0) a.consumed = in.bytes_of(consumed);
   EXPECT_EQ(a, b) << "flavours of \"" << in.bytes << "\" kind " << kind;
@@ -96,11 +132,13 @@ ValueRead read_value(VXLocale* locale, std::u32string_view text, uint32_t kind) 
 }
 
 inline ValueRead read_time(VXLocale* locale, std::u32string_view text, uint32_t kind) {
-  return read_value<NLSBufToTime, NLSBufToTimeU>(locale, text, kind);
+  return read_value<NLSBufToTime, NLSBufToTimeU>(locale, text, kind,
+                                                 [](auto&&... args) { return vxnls::read_time(args...); });
 }
 
 inline ValueRead read_datetime(VXLocale* locale, std::u32string_view text, uint32_t kind) {
-  return read_value<NLSBufToDatetime, NLSBufToDatetimeU>(locale, text, kind);
+  return read_value<NLSBufToDatetime, NLSBufToDatetimeU>(locale, text, kind,
+                                                         [](auto&&... args) { return vxnls::read_datetime(args...); });
 }
 
 /// One walk of a pattern; consumed -1 on refusal.
@@ -119,11 +157,6 @@ Walked walk_with(Trace trace, VXLocale* locale, NLSName pattern, const typename 
   result.consumed = walked.reason == VX_REASON_NONE ? length - walked.left : -1;
   return result;
 }
-
-/// Where somebody watches, no step is taken the quick way.
-struct Watcher : vxnls::NoTrace {
-  static constexpr bool watches = true;
-};
 
 template <class Reader, class Text>
 Walked walk_one(VXLocale* locale, NLSName pattern, const typename Text::Unit* at, int64_t length) {
