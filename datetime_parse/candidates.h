@@ -19,10 +19,8 @@ struct Row {
     for (size_t i = 0; i + 1 < N; ++i) text[i] = static_cast<uint8_t>(pattern[i]);
   }
   constexpr TextView view() const { return {text, length}; }
-  /// The first thing that it reads is a number, in both readers.
-  constexpr bool begins_with_digits() const {
-    return text[0] == '%' && (text[1] == 'd' || text[1] == 'm' || text[1] == 'Y' || text[1] == 'H');
-  }
+  /// Of a row of dates, which begins with a directive: whether that reads a number, in both readers.
+  constexpr bool begins_with_digits() const { return text[1] == 'd' || text[1] == 'm' || text[1] == 'Y'; }
 };
 
 // clang-format off

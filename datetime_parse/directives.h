@@ -11,7 +11,6 @@
 namespace vxnls {
 
 enum class Rule : uint8_t {
-  none,            // not read
   digits,          // strict digits, lenient ones under "#"
   strict_digits,   // strict digits, also under "#"
   lenient_digits,  // lenient digits, also without "#"

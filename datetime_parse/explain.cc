@@ -128,7 +128,6 @@ class ExplainTrace {
   }
 
   void passed_over(const NLSParseFields& fields) {
-    if (settled_) return;
     VXExplainRefusal& refusal = begin_refusal(VX_REASON_RANGE, text_.left);
     refusal.is_directive = 1;
     refusal.letter = 'o';
@@ -149,8 +148,7 @@ class ExplainTrace {
       refusal.candidate = out_->match.candidate;
       span = {out_->match.start, out_->match.end - out_->match.start};
       if (matched_spans_.day.length > 0) span = matched_spans_.day;
-      const bool in_year = fields.year >= first_year && fields.month >= 1 && fields.month <= 12;
-      set_limits(refusal, fields.day, 1, in_year ? days_in_month(fields.year, fields.month) : 31);
+      set_limits(refusal, fields.day, 1, fields.month != 0 ? days_in_month(year_of(fields), fields.month) : 31);
     }
     set_span(refusal, span);
   }
@@ -202,7 +200,7 @@ class ExplainTrace {
     const VXExplainRefusal& best = out_->refusal;
     if (best.reason == VX_REASON_NONE || place > best.furthest) return true;
     if (place < best.furthest || reason != VX_REASON_NO_NAME || best.reason != VX_REASON_NO_DIGIT) return false;
-    const Character here = after.empty() ? Character{0, 0} : character_at(after);
+    const Character here = character_at(after);  // something stands there that is no digit
     return here.units > 0 && vxnlsisalpha(here.code_point) != 0;
   }
 
@@ -301,7 +299,9 @@ void explain_datetime(VXLocale* locale, Bytes text, uint32_t kind, ExplainTrace&
 
 VXStatus vxnlsExplain(VXLocale* locale, uint32_t what, uint32_t kind, const uint8_t* text, int64_t length,
                       VXExplanation* explanation) {
-  if (locale == nullptr || explanation == nullptr || (text == nullptr && length > 0)) return VX_E_NULL;
+  if (locale == nullptr || locale->localeData == nullptr || explanation == nullptr || (text == nullptr && length > 0)) {
+    return VX_E_NULL;
+  }
   if (explanation->size < static_cast<int64_t>(sizeof(VXExplanation))) return VX_E_LENGTH;
   if (what < VX_EXPLAIN_DATE || what > VX_EXPLAIN_DATETIME) return VX_E_KIND;
   VXExplanation& out = *explanation;

@@ -184,7 +184,7 @@ Finding read_quarter(VXLocale* locale, Input<Text> text, Trace& trace) {
     return VX_REASON_NONE;
   };
   const auto by_number = [](NLSParseFields& read) {
-    if (read.month < 1 || read.month > 4) return VX_REASON_RANGE;
+    if (read.month > 4) return VX_REASON_RANGE;
     set_quarter(read, read.month);
     return VX_REASON_NONE;
   };
@@ -255,11 +255,15 @@ inline bool is_full_date(const NLSParseFields& fields) {
   return fields.year != 0 && fields.month != 0 && fields.day != 0;
 }
 
-/// The day number of what was read; false when there is no such day. A date without a year has the year 2000.
-inline bool day_of(const NLSParseFields& fields, int32_t* day) {
+/// The year of what was read; 2000 of what has none.
+inline int32_t year_of(const NLSParseFields& fields) {
   constexpr int64_t cutoff = 1950;  // of the calendar's work area
-  const auto year = fields.year <= 99 ? static_cast<int32_t>(widened_year(fields.year, cutoff)) : fields.year;
-  const CivilDate date{year, fields.month, fields.day};
+  return fields.year <= 99 ? static_cast<int32_t>(widened_year(fields.year, cutoff)) : fields.year;
+}
+
+/// The day number of what was read; false when there is no such day.
+inline bool day_of(const NLSParseFields& fields, int32_t* day) {
+  const CivilDate date{year_of(fields), fields.month, fields.day};
   if (!is_valid(date)) return false;
   *day = day_number(date);
   return true;

@@ -63,6 +63,8 @@ TEST(ParseDate, NoFullDate) {
   PlainLocale locale;
   set_name(locale.data.datePattern1, U"%m/%d");
   EXPECT_EQ(read_date(locale.get(), U"12/25", 1), date(0, 0, 0, 5));
+  set_name(locale.data.datePattern1, U"%m/%Y");
+  EXPECT_EQ(read_date(locale.get(), U"12/2020", 1), date(0, 0, 0, 7));
   set_name(locale.data.datePattern1, U"");
   EXPECT_EQ(read_date(locale.get(), U"", 1), date(0, 0, 0, 0));
   uint32_t m = 1, d = 1, y = 1;

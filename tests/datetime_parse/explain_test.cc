@@ -3,6 +3,7 @@
 #include <random>
 
 #include "tests/datetime_parse/both_flavours.h"
+#include "tests/support/null_arguments.h"
 
 namespace vxtest {
 
@@ -50,28 +51,38 @@ TEST(Explain, Refusals) {
       {U"%Y", date, 5, "1581x", VX_REASON_NONE, 0, 0, 0, 0, 0, 0, 0, 0, ""},
       {U"%#Y", date, 5, "1581x", VX_REASON_RANGE, 'Y', '#', 0, 4, 1581, 1582, 20000, 4, "%#Y"},
       {U"%e %B %Y", date, 0, "03 M\xC3\xA4rz 2021", VX_REASON_NO_NAME, 'B', 0, 3, 5, 0, 0, 0, 0, "%e %B %Y"},
+      {U"%e %B %Y", date, 0, "03  ", VX_REASON_NO_NAME, 'B', 0, 4, 0, 0, 0, 0, 0, "%e %B %Y"},
       {U"%d.%m", date, 4, "3.Foo-2021", VX_REASON_NO_DIGIT, 'm', 0, 2, 3, 0, 1, 12, 2, "%d.%m"},
       {U"%d.%m", date, 4, "2021-Foo-3", VX_REASON_NO_NAME, 'b', 0, 5, 3, 0, 0, 0, 0, "%Y-%b-%d"},
       {U"%d.%m", date, 4, "2021-02-\xC3", VX_REASON_BROKEN_TEXT, 'd', 0, 8, 1, 0, 1, 31, 2, "%Y-%m-%d"},
+      {U"%d.%m", date, 4, "2021-\xFF-3", VX_REASON_BROKEN_TEXT, 'm', 0, 5, 1, 0, 1, 12, 2, "%Y-%m-%d"},
       {U"%D", date, 0, "05", VX_REASON_DIRECTIVE, 'D', 0, 0, 0, 0, 0, 0, 0, "%D"},
       {U"%#", date, 0, "05", VX_REASON_PATTERN_ENDED, 0, '#', 0, 0, 0, 0, 0, 0, "%#"},
       {U"%z", date, 0, "+13", VX_REASON_RANGE, 'z', 0, 1, 2, 13, 0, 12, 2, "%z"},
       {U"%z", date, 0, "+0560", VX_REASON_RANGE, 'z', 0, 3, 2, 60, 0, 59, 2, "%z"},
       {U"%Z", date, 0, " Nowhere 5", VX_REASON_ZONE_UNKNOWN, 'Z', 0, 1, 7, 0, 0, 0, 0, "%Z"},
+      {U"%Z", date, 0, "Nowhere", VX_REASON_ZONE_UNKNOWN, 'Z', 0, 0, 7, 0, 0, 0, 0, "%Z"},
       {U"%d", date, 16, "7/2021 x", VX_REASON_TRAILING_TEXT, 0, 0, 6, 2, 0, 0, 0, 0, "%m/%Y"},
       {U"%d", date, 8, "Q5 2021", VX_REASON_RANGE, 'o', 0, 1, 1, 5, 1, 4, 2, "Q%o %Y"},
       {U"%d", date, 256, "W0 1582", VX_REASON_BEFORE_CALENDAR, 0, 0, 0, 7, 0, 0, 0, 0, "W%W %Y"},
-      {U"%d", time_of_day, 4, "10:30:15 trailing", VX_REASON_NO_NAME, 'p', 0, 9, 8, 0, 0, 0, 0, "%I:%M:%S %p"},
+      {U"%I:%M:%S %p", time_of_day, 4, "10:30:15 trailing", VX_REASON_NO_NAME, 'p', 0, 9, 8, 0, 0, 0, 0, "%I:%M:%S %p"},
       {U"%d", time_of_day, 4, "13:00 pm", VX_REASON_MARKER, 0, 0, 0, 2, 13, 1, 12, 0, "%#I:%M %p"},
       {U"%d", time_of_day, 4, "00:00 pm", VX_REASON_MARKER, 0, 0, 0, 2, 0, 1, 12, 0, "%#I:%M %p"},
+      {U"%M:%S %p", time_of_day, 4, "05:03 pm", VX_REASON_MARKER, 0, 0, 0, 8, 0, 1, 12, 0, "%M:%S %p"},
       {U"%d", datetime, 4, "2021-02-31 10:30", VX_REASON_NO_SUCH_DAY, 0, 0, 8, 2, 31, 1, 28, 0, "%Y-%m-%d"},
+      // What is tried after the day was refused is not told, be it another refusal or an attempt that came further.
+      {U"%d/%m/%Y", datetime, 0, "31/02/2021 13:00 pm", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 2, 31, 1, 28, 0, "%d/%m/%Y"},
+      {U"%m/%Y", datetime, 0, "02/2021", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 7, 0, 1, 28, 0, "%m/%Y"},
+      {U"%d/%m", datetime, 0, "30/02", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 2, 30, 1, 29, 0, "%d/%m"},  // of the year 2000
+      {U"%d %Y", datetime, 0, "05 2021", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 2, 5, 1, 31, 0, "%d %Y"},
       {U"%m/%d/%Y", datetime, 4, "2021-03-04", VX_REASON_TEXT_ENDED, 'I', 0, 10, 0, 0, 0, 23, 2, "%I:%M:%S %p"},
       {U"%m/%d/%Y", datetime, 4, "2021-03-04 10:61", VX_REASON_RANGE, 'M', 0, 14, 2, 61, 0, 59, 2, "%I:%M:%S %p"},
   };
   for (const RefusalCase& c : cases) {
     SCOPED_TRACE(testing::Message() << c.text << " by " << utf8(c.main));
     ZonedLocale locale;
-    set_name(locale.data.datePattern, c.main);
+    set_name(c.what == time_of_day ? locale.data.timePattern : locale.data.datePattern, c.main);
+    set_name(locale.data.datetimePattern, c.main);
     const VXExplanation out = explain(locale.get(), c.what, c.kind, c.text);
     const VXExplainRefusal& r = out.refusal;
     EXPECT_EQ(out.status, c.reason == VX_REASON_NONE ? 0 : VX_E_NOMATCH);
@@ -135,6 +146,38 @@ TEST(Explain, MatchesAndOthers) {
   EXPECT_EQ(out.refusal.position, 11);
 }
 
+// Another result is one that differs in any part, and each counts once; the first four are told.
+TEST(Explain, EachOtherResultOnce) {
+  static constexpr struct {
+    const char32_t *main, *other;
+    const char* text;
+    int64_t count;
+  } times[] = {
+      {U"%H.%M.%S", U"%M.%H.%S", "01.02.03", 1}, {U"%H.%M.%S", U"%H.%S.%M", "01.02.03", 1},
+      {U"%H.%M.%S", U"%H.%M.%s", "01.02.03", 1}, {U"%H.%M.%s", U"%H.%M.03", "01.02.03", 1},
+      {U"%H%z", U"%H+02", "01+02", 1},           {U"%H%Z", U"%HZone/East", "01Zone/East", 1},
+      {U"%M:%H:%S", U"%H:%M:%S", "01:02:03", 1},  // the common row reads what the other pattern has read
+      {U"%H:%M pm", U"%I:%M %p", "13:00 pm", 0},  // what would be refused is no result
+  };
+  for (const auto& c : times) {
+    ZonedLocale locale;
+    set_name(locale.data.timePattern, c.main);
+    set_name(locale.data.timePattern1, c.other);
+    const VXExplanation out = explain(locale.get(), time_of_day, 4, c.text);
+    EXPECT_EQ(out.status, 0u) << c.text;
+    EXPECT_EQ(out.other_count, c.count) << utf8(c.main) << " and " << utf8(c.other);
+  }
+  PlainLocale locale;
+  set_name(locale.data.datePattern, U"%m-%Y-%d");
+  set_name(locale.data.datePattern1, U"%d-%Y-%m");
+  set_name(locale.data.datePattern2, U"%Y-%d-%m");
+  EXPECT_EQ(explain(locale.get(), date, 4, "01-02-03").other_count, 5);
+  set_name(locale.data.datePattern2, U"%d-%Y-%m");
+  EXPECT_EQ(explain(locale.get(), date, 4, "01-02-03").other_count, 4);
+  set_name(locale.data.quarterPattern2, U"Q1 2021");  // names no quarter
+  EXPECT_EQ(explain(locale.get(), date, 8, "Q1 2021").match.fields.month, 1);
+}
+
 // Each derived time pattern by a text that no earlier candidate takes.
 TEST(Explain, ShortTimes) {
   static constexpr struct {
@@ -172,9 +215,7 @@ TEST(Explain, RefusesBadArguments) {
   out.size = sizeof out + 8;
   EXPECT_EQ(vxnlsExplain(locale.get(), 0, 4, text, 1, &out), VX_E_KIND);
   EXPECT_EQ(vxnlsExplain(locale.get(), 4, 4, text, 1, &out), VX_E_KIND);
-  EXPECT_EQ(vxnlsExplain(locale.get(), date, 4, nullptr, 1, &out), VX_E_NULL);
-  EXPECT_EQ(vxnlsExplain(nullptr, date, 4, text, 1, &out), VX_E_NULL);
-  EXPECT_EQ(vxnlsExplain(locale.get(), date, 4, text, 1, nullptr), VX_E_NULL);
+  VX_EXPECT_NULLS_REFUSED(vxnlsExplain, locale.get(), date, 4u, text, 1, &out);
   EXPECT_EQ(vxnlsExplain(locale.get(), date, 4, nullptr, -1, &out), 0u);
   EXPECT_EQ(out.size, static_cast<int64_t>(sizeof out));
 }

@@ -2,6 +2,7 @@
 #include <chrono>
 
 #include "tests/datetime_parse/both_flavours.h"
+#include "tests/support/null_arguments.h"
 
 namespace vxtest {
 
@@ -121,12 +122,16 @@ TEST(ParseTime, HostileLengthsAndNulls) {
   int64_t consumed = -1;
   EXPECT_EQ(NLSBufToTime(locale.get(), nullptr, INT64_MIN, 4, &seconds, &consumed), VX_E_NOMATCH);
   EXPECT_EQ(NLSBufToDatetimeU(locale.get(), nullptr, -1, 0, &seconds, &consumed), VX_E_NOMATCH);
-  const VXChar text[] = {'5'};
-  EXPECT_EQ(NLSBufToTime(nullptr, text, 1, 4, &seconds, &consumed), VX_E_NULL);
-  EXPECT_EQ(NLSBufToTime(locale.get(), nullptr, 1, 4, &seconds, &consumed), VX_E_NULL);
-  EXPECT_EQ(NLSBufToDatetime(locale.get(), text, 1, 4, nullptr, &consumed), VX_E_NULL);
-  EXPECT_EQ(NLSBufToTime(locale.get(), text, 1, 4, &seconds, nullptr), VX_E_NULL);
-  EXPECT_EQ(NLSBufToDate(locale.get(), text, 1, 4, nullptr, nullptr, nullptr, &consumed), VX_E_NULL);
+  const VXChar units[] = {'5'};
+  const uint8_t bytes[] = {'5'};
+  const auto refuse_nulls = [&](auto* text, auto date, auto time, auto datetime) {
+    uint32_t month = 0, day = 0, year = 0;
+    VX_EXPECT_NULLS_REFUSED(date, locale.get(), text, 1, 4u, &month, &day, &year, &consumed);
+    VX_EXPECT_NULLS_REFUSED(time, locale.get(), text, 1, 4u, &seconds, &consumed);
+    VX_EXPECT_NULLS_REFUSED(datetime, locale.get(), text, 1, 4u, &seconds, &consumed);
+  };
+  refuse_nulls(units, NLSBufToDate, NLSBufToTime, NLSBufToDatetime);
+  refuse_nulls(bytes, NLSBufToDateU, NLSBufToTimeU, NLSBufToDatetimeU);
   EXPECT_EQ(seconds + static_cast<double>(consumed), -2);
   for (const int64_t length : {INT64_MIN, int64_t{-1}, int64_t{61}, INT64_MAX}) {
     locale.data.timePattern.length = locale.data.datetimePattern.length = length;
