@@ -75,9 +75,9 @@ class Expansion {
       case Rule::always_seven: return digit(7, at);
       case Rule::century_and_year: return four_digits(zero_padded, at);
       case Rule::zone_name: return zone_name(at);
-      case Rule::zone_offset: return zone_offset(at);
+      case Rule::zone_offset: break;
     }
-    return at;
+    return zone_offset(at);
   }
 
  private:

@@ -13,13 +13,13 @@ struct NumberFault {
   int64_t to = 0;
 };
 
+/// Of a fault that stands in the text. An underflow, and the overflow of a double, come with the arithmetic.
 constexpr VXStatus status_of(uint32_t fault) {
   switch (fault) {
     case VX_FAULT_NONE: return 0;
     case VX_FAULT_EXPONENT_RANGE: return VX_E_RANGE;
     case VX_FAULT_FRACTION_DISCARDED: return VX_E_TRUNCATED;
     case VX_FAULT_OVERFLOW: return VX_E_OVERFLOW;
-    case VX_FAULT_UNDERFLOW: return VX_E_UNDERFLOW;
     default: return VX_E_NOTNUMBER;
   }
 }

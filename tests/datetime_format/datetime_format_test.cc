@@ -9,6 +9,7 @@
 
 #include "tests/datetime_format/expander.h"
 #include "tests/support/guard_page.h"
+#include "tests/support/null_arguments.h"
 #include "tests/support/plain_locale.h"
 
 namespace {
@@ -289,10 +290,13 @@ TEST(DatetimeFormat, NullPointers) {
   PlainLocale plain;
   VXChar unit;
   int64_t length = -77;
-  EXPECT_EQ(NLSDatetimeFormat(nullptr, 0, &unit, 1, &length, 0), VX_E_NULL);
-  EXPECT_EQ(NLSDatetimeFormat(plain.get(), 0, nullptr, 1, &length, 0), VX_E_NULL);
-  EXPECT_EQ(NLSTimeFormat(plain.get(), 0, &unit, 1, nullptr, 0), VX_E_NULL);
-  EXPECT_EQ(NLSDateFormatU(nullptr, 1, 1, 2000, 0, nullptr, 0, &length), VX_E_NULL);
+  uint8_t byte;
+  VX_EXPECT_NULLS_REFUSED(NLSDateFormat, plain.get(), 1u, 1u, 2000u, 0, &unit, 1, &length);
+  VX_EXPECT_NULLS_REFUSED(NLSDateFormatU, plain.get(), 1u, 1u, 2000u, 0, &byte, 1, &length);
+  VX_EXPECT_NULLS_REFUSED(NLSTimeFormat, plain.get(), 0, &unit, 1, &length, 0);
+  VX_EXPECT_NULLS_REFUSED(NLSTimeFormatU, plain.get(), 0, &byte, 1, &length, 0);
+  VX_EXPECT_NULLS_REFUSED(NLSDatetimeFormat, plain.get(), 0u, &unit, 1, &length, 0);
+  VX_EXPECT_NULLS_REFUSED(NLSDatetimeFormatU, plain.get(), 0u, &byte, 1, &length, 0);
   EXPECT_EQ(length, -77);
   EXPECT_EQ(NLSDatetimeFormat(plain.get(), 0, nullptr, 0, &length, 0), VX_E_TRUNCATED);
   EXPECT_EQ(length, 0);

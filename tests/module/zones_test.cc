@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "tests/support/failing_host.h"
 #include "tests/support/plain_locale.h"
 
@@ -71,6 +73,14 @@ TEST_F(ZoneTest, SettingKeepsTheZoneUnlessThereIsAnother) {
   EXPECT_EQ(locale->timeZone, get(U"Asia/Kolkata"));
   EXPECT_EQ(set(U"UTC"), 0u);
   EXPECT_EQ(locale->timeZone, utc) << "the zone before stays in the cache";
+}
+
+TEST_F(ZoneTest, NoneIsOpenedByAHostWithoutZones) {
+  VXZoneService* const zones = std::exchange(locale->host->zones, nullptr);
+  EXPECT_EQ(get(U"Asia/Kolkata"), nullptr);
+  EXPECT_EQ(get(U"Etc/UTC"), locale->timeZone) << "what is known stays";
+  locale->host->zones = zones;
+  EXPECT_NE(get(U"Asia/Kolkata"), nullptr);
 }
 
 TEST_F(ZoneTest, LengthsThatTheHostClaimsAreHeldToTheRoom) {

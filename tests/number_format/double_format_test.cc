@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/number_format/exact_decimal.h"
+#include "tests/support/null_arguments.h"
 #include "tests/support/plain_locale.h"
 #include "vxnls/bytes.h"
 #include "vxnls/number_format.h"
@@ -257,6 +258,31 @@ TEST(DoubleFormat, GroupingPatternsOfDoubles) {
     vxtest::set_name(locale.data.groupingPattern, c.pattern);
     SCOPED_TRACE(vxtest::utf8(c.pattern));
     check(locale, {123456789, 0, 0, NLS_FORMAT_PLAIN | NLS_FORMAT_GROUP, c.status, c.text});
+  }
+}
+
+TEST(DoubleFormat, NullsAndNoLocale) {
+  PlainLocale locale;
+  VXLocale without_data{};
+  const auto of = [](VXLocale* given, auto function, auto... extended) {
+    return [=](auto* buffer, int64_t* length) {
+      return function(given, 9, 1, NLS_FORMAT_PLAIN | NLS_FORMAT_GROUP, buffer, 16, length, extended..., 1234.5);
+    };
+  };
+  constexpr const NLSDoubleExOpts* no_options = nullptr;
+  VXChar units[16];
+  uint8_t bytes[16];
+  int64_t length = 0;
+  VX_EXPECT_NULLS_REFUSED(of(locale.get(), NLSDoubleFormat), units, &length);
+  VX_EXPECT_NULLS_REFUSED(of(locale.get(), NLSPercentFormat), units, &length);
+  VX_EXPECT_NULLS_REFUSED(of(locale.get(), NLSDoubleFormatUWithExOpts, no_options), bytes, &length);
+  VX_EXPECT_NULLS_REFUSED(NLSCurrencyFormat, locale.get(), 9, 1, 0u, units, 16, &length, 1234.5);
+  for (VXLocale* const none : {static_cast<VXLocale*>(nullptr), &without_data}) {
+    for (const uint32_t flags : {NLS_FORMAT_PLAIN, NLS_FORMAT_FIXED}) {
+      EXPECT_EQ(NLSDoubleFormatUWithExOpts(none, 9, 1, flags | NLS_FORMAT_GROUP, bytes, 16, &length, nullptr, 1234.5),
+                0u);
+      EXPECT_EQ(std::string(bytes, bytes + length), "  1,234.5");
+    }
   }
 }
 

@@ -249,8 +249,11 @@ TEST(IntegerFormat, NullPointersAndNegativeSizes) {
   EXPECT_EQ(NLSIntFormat(locale.get(), 1, 0, 0, 0, text, 4, nullptr), VX_E_NULL);
   EXPECT_EQ(NLSIntFormat(locale.get(), 1, 0, 0, 0, text, -1, &length), VX_E_TRUNCATED);
   EXPECT_EQ(NLSIntFormat(locale.get(), 1, std::numeric_limits<int32_t>::min(), 0, 0, text, 4, &length), VX_E_TRUNCATED);
-  EXPECT_EQ(NLSIntFormat(nullptr, 1234, 0, 0, NLS_FORMAT_GROUP, text, 4, &length), 0u);  // no locale, no groups
-  EXPECT_EQ(length, 4);
+  VXLocale without_data{};
+  for (VXLocale* const none : {static_cast<VXLocale*>(nullptr), &without_data}) {
+    EXPECT_EQ(NLSIntFormat(none, 1234, 0, 0, NLS_FORMAT_GROUP, text, 4, &length), 0u);  // no locale, no groups
+    EXPECT_EQ(length, 4);
+  }
 }
 
 }  // namespace

@@ -119,6 +119,7 @@ TEST(ExplainNumber, ValuesOfTheReaders) {
   EXPECT_EQ(vxnlsExplainNumber(nullptr, one, 1, VX_NUMBER_INT64, 0, &reading), 0u);
   EXPECT_EQ(vxnlsExplainNumber(locale.get(), one, 1, VX_NUMBER_DOUBLE, 0, nullptr), VX_E_NULL);
   EXPECT_EQ(vxnlsExplainNumber(locale.get(), nullptr, 1, VX_NUMBER_DOUBLE, 0, &reading), VX_E_NULL);
+  EXPECT_EQ(vxnlsExplainNumber(locale.get(), nullptr, 0, VX_NUMBER_DOUBLE, 0, &reading), 0u);
   EXPECT_EQ(vxnlsExplainNumber(locale.get(), one, -1, VX_NUMBER_DOUBLE, 0, &reading), VX_E_LENGTH);
   EXPECT_EQ(vxnlsExplainNumber(locale.get(), one, 1, 5, 0, &reading), VX_E_KIND);
 }

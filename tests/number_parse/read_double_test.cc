@@ -10,6 +10,7 @@
 #include "number_parse/ebcdic.h"
 #include "tests/number_parse/double_model.h"
 #include "tests/support/guard_page.h"
+#include "tests/support/null_arguments.h"
 #include "tests/support/plain_locale.h"
 
 namespace {
@@ -212,15 +213,27 @@ TEST(ReadDouble, Doors) {
     EXPECT_EQ(bits(value), bits(qmMissVal('.')));
     EXPECT_EQ(consumed, 0);
   }
-  EXPECT_EQ(NLSBufToDoubleU(locale.get(), nullptr, 5, &value, &consumed), VX_E_NULL);
   EXPECT_EQ(NLSBufToDoubleU(locale.get(), nullptr, 0, &value, &consumed), 0u);
-  EXPECT_EQ(NLSBufToDouble(locale.get(), text, 5, nullptr, &consumed), VX_E_NULL);
-  EXPECT_EQ(NLSBufToDouble(locale.get(), text, 5, &value, nullptr), VX_E_NULL);
+  const auto by = [&](auto reader, auto... rest) {
+    return [=, &locale](auto* at, double* number, int64_t* count) {
+      return reader(locale.get(), at, 5, rest..., number, count);
+    };
+  };
+  const auto ascii = reinterpret_cast<const uint8_t*>("1,2.5");
+  VX_EXPECT_NULLS_REFUSED(by(NLSBufToDouble), text, &value, &consumed);
+  VX_EXPECT_NULLS_REFUSED(by(NLSBufToDoubleU), ascii, &value, &consumed);
+  VX_EXPECT_NULLS_REFUSED(by(NLSBufToDoubleWithOpts, 0u), text, &value, &consumed);
+  VX_EXPECT_NULLS_REFUSED(by(NLSBufToDoubleUWithOpts, 0u), ascii, &value, &consumed);
+  VXLocale without_data{};
+  EXPECT_EQ(NLSBufToDouble(&without_data, text, 5, &value, &consumed), 0u);
+  EXPECT_EQ(value, 12.5);
 
   // A separator that the converter does not know, or that nobody can convert, is ",".
-  const auto ascii = reinterpret_cast<const uint8_t*>("1,2.5");
+  constexpr VXConverterOps no_operation{};
+  VXConverter without_operations{nullptr}, without_operation{&no_operation};
   for (const VXChar separator : {0x80u, 0x202Fu})
-    for (VXConverter* const converter : {&quote_converter, static_cast<VXConverter*>(nullptr)}) {
+    for (VXConverter* const converter :
+         {&quote_converter, &without_operations, &without_operation, static_cast<VXConverter*>(nullptr)}) {
       locale.data.groupSeparator = separator;
       EXPECT_EQ(NLSBufToDoubleA(locale.get(), ascii, 5, &value, &consumed, converter), 0u);
       EXPECT_EQ(value, 12.5);

@@ -270,8 +270,11 @@ TEST(ReadInteger, Doors) {
   EXPECT_EQ(NLSBufToLong(locale.get(), nullptr, 0, 0, &value, &consumed), 0u);
   EXPECT_EQ(NLSBufToLong(locale.get(), text, 3, 0, nullptr, &consumed), VX_E_NULL);
   EXPECT_EQ(NLSBufToLong(locale.get(), text, 3, 0, &value, nullptr), VX_E_NULL);
-  EXPECT_EQ(NLSBufToLong(nullptr, text, 3, 0, &value, &consumed), 0u);
-  EXPECT_EQ(value, 12);
+  VXLocale without_data{};
+  for (VXLocale* const none : {static_cast<VXLocale*>(nullptr), &without_data}) {
+    EXPECT_EQ(NLSBufToLong(none, text, 3, 0, &value, &consumed), 0u);
+    EXPECT_EQ(value, 12);
+  }
 }
 
 }  // namespace
