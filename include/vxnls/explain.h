@@ -142,7 +142,7 @@ typedef struct VXExplanation {
 ///   text         UTF-8, `length` bytes; a length below 0 counts as 0
 ///   explanation  its `size` set; everything else is written, whatever the text
 /// Returns 0, whether the text is understood or not (that is `explanation->status`), or, with nothing written:
-///   0x803fe831  locale or explanation is null, or text is null and length is above 0
+///   0x803fe831  locale, its data or explanation is null, or text is null and length is above 0
 ///   0x803fe818  `size` is below sizeof(VXExplanation) of this library
 ///   0x803fe817  `what` is none of the three
 /// Example: "2021-13-05" as a date of kind 4 in an American locale: status 0x803fe80b, refusal.reason VX_REASON_RANGE,
