@@ -2,7 +2,6 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <functional>
 
@@ -86,24 +85,6 @@ TEST_F(Extension, RefusesWhatIsNoName) {
   }
   EXPECT_EQ(database_->ops->fill(database_, record.get(), nullptr, 1), VX_E_NULL);
   EXPECT_EQ(database_->ops->fill(database_, nullptr, &unit, 1), VX_E_NULL);
-}
-
-TEST_F(Extension, WalksLocalesAndStopsWhenTold) {
-  std::vector<std::string> names;
-  Receiver all = [&](const std::vector<std::string>& texts) {
-    names.push_back(texts[0]);
-    return 0;
-  };
-  ops().for_each_locale(database_, &receive<const char*>, &all);
-  EXPECT_EQ(names, vxnlsldb::available_locales());
-  EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
-  names.clear();
-  Receiver two = [&](const std::vector<std::string>& texts) {
-    names.push_back(texts[0]);
-    return names.size() == 2;
-  };
-  ops().for_each_locale(database_, &receive<const char*>, &two);
-  EXPECT_EQ(names.size(), 2u);
 }
 
 TEST_F(Extension, TellsFallbacksAndBrokenRules) {

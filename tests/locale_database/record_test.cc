@@ -29,7 +29,7 @@ TEST(Record, EveryByteIsDefined) {
 
 TEST(Record, TheLocaleOfTheProcessDoesNotMatter) {
   const std::string before = uloc_getDefault();
-  std::vector<std::string> names = available_locales();
+  std::vector<std::string> names = vxtest::available_locales();
   names.insert(names.end(), {"root", "qqq", "qqq_JP", "de_QQ"});
   for (const std::string& name : names) {
     UErrorCode status = U_ZERO_ERROR;
