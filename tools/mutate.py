@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Breaks the library on purpose, a condition or a constant at a time, and counts how often the tests notice.
 
-Each worker has a copy of a commit, the last one, and a build of its own. A mutant is compiled and given to the tests of its
+Each worker has a copy of the last commit and a build of its own. A mutant is compiled and given to the tests of its
 room, the quick ones first; what they let pass goes to the tests of the other rooms, and what those let pass to the
-tests of the whole: host, locale data, corpora. The first failure ends it. A test that takes many times as
-long as with the library unbroken has failed. A mutant that leaves every object of the library as it was, to the byte,
+tests of the whole: host, locale data, corpora. The first failure ends it, and so does a test that takes many times as
+long as with the library unbroken. A mutant that leaves every object of the library as it was, to the byte,
 is no mutant; one that does not compile neither. Both are told, and not counted.
 
 The sample is spread over the rooms in proportion to their places; a larger --count adds to a smaller one. Results go
@@ -43,7 +43,8 @@ SWAPS = tuple((re.compile(old), new) for old, new in (
     (r"\btrue\b", "false"), (r"\bfalse\b", "true")))
 NUMBER = re.compile(r"(?<![\w.'])(0[xX][0-9A-Fa-f]+|\d+)(?=[uUlL]{0,3}(?![\w.']))")
 # Declarations, and rows of tables.
-SKIPPED = re.compile(r"^[\s\dxXA-Fa-f,{}]*(//.*)?$|^\s*(//|#|static_assert|template|using|namespace|\[\[)|^\s*\*|concept |VX_API|template <|alignas")
+SKIPPED = re.compile(r"^[\s\dxXA-Fa-f,{}]*(//.*)?$|^\s*(//|#|static_assert|template|using|namespace|\[\[)|^\s*\*|"
+                     r"concept |VX_API|template <|alignas")
 
 Place = collections.namedtuple("Place", "room file line column old new code")
 
@@ -200,7 +201,8 @@ class Worker:
         known = json.loads(self.times.read_text()) if self.times.exists() else {}
         for test in list(tests):
             test.listed(listed[test.name])
-            program = hashlib.sha256((self.build / test.target).read_bytes() + repr(self.objects()).encode()).hexdigest()
+            program = (self.build / test.target).read_bytes() + repr(self.objects()).encode()
+            program = hashlib.sha256(program).hexdigest()
             if program not in known:
                 report = self.build / "report.json"
                 report.unlink(missing_ok=True)
@@ -233,14 +235,14 @@ class Worker:
         return {str(path): hashlib.sha256(path.read_bytes()).digest() for path in sorted(folder.rglob("*.o"))}
 
     def stages(self, room):
-        """The quick tests of the room and of the other rooms, the slow ones of the room, and those of the whole.
+        """The quick tests of the room and its slow ones, the quick ones of the other rooms, and those of the whole.
 
         The slow ones of another room go through all values of what that room alone does."""
         own = [test for test in self.rooms if test.room == room]
         others = [test for test in self.rooms if test.room != room]
         for stage in ([test for test in own if test.quick and not test.hosted],
-                      [test for test in others if test.quick and not test.hosted],
                       [test for test in own if not test.quick and not test.hosted],
+                      [test for test in others if test.quick and not test.hosted],
                       [test for test in own + others + self.whole if test.quick and test.hosted or test in self.whole]):
             yield sorted(stage, key=lambda test: (test.seconds or 0) / (1 + test.kills))
 
@@ -258,7 +260,7 @@ class Worker:
         try:
             path.write_text(text)
             for number, tests in enumerate(self.stages(place.room)):
-                if number == 2 and quick:
+                if number == 1 and quick:
                     return "waiting", ""
                 if number == 3 and not self.measured.issuperset(test.name for test in tests):
                     path.write_text(whole)
