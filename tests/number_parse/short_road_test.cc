@@ -62,10 +62,44 @@ void expect_same_double(VXLocale* locale, const Text& text) {
   EXPECT_EQ(read(NLSBufToDouble, text.utf32), wanted) << text.bytes;
 }
 
+/// Both flavours of a text, before or behind a page that may not be touched, through all readers.
+void expect_same(VXLocale* locale, const std::string& text, uint32_t flags, vxtest::Guard guard) {
+  static vxtest::GuardedBuffer<uint8_t> bytes(512);
+  static vxtest::GuardedBuffer<VXChar> units(512);
+  const std::u32string wide(text.begin(), text.end());
+  const Text both{text, bytes.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size(), guard),
+                  units.copy(reinterpret_cast<const VXChar*>(wide.data()), wide.size(), guard)};
+  expect_same_double(locale, both);
+  expect_same_integer<int32_t, NLSBufToInt, NLSBufToIntU>(locale, both, VX_NUMBER_INT32, flags);
+  expect_same_integer<uint32_t, NLSBufToUInt, NLSBufToUIntU>(locale, both, VX_NUMBER_UINT32, flags);
+  expect_same_integer<int64_t, NLSBufToLong, NLSBufToLongU>(locale, both, VX_NUMBER_INT64, flags);
+  expect_same_integer<uint64_t, NLSBufToULong, NLSBufToULongU>(locale, both, VX_NUMBER_UINT64, flags);
+}
+
+// Digits, groups, decimals and leading zeros of every length, with another unit at every place.
+TEST(ShortRoad, EveryLengthWithAFaultAtEveryPlace) {
+  vxtest::PlainLocale locale;
+  std::mt19937_64 random(300);
+  constexpr std::string_view faults = "09.,-+ eE:/x\x7F";
+  enum { digits, groups, decimals, zeros };
+  for (size_t length = 0; length <= 300; ++length) {
+    for (size_t turn = 0; turn < 4 * (length + 1); ++turn) {
+      const size_t form = turn % 4, place = turn / 4;
+      std::string text;
+      for (size_t behind = length; behind-- > 0;) {
+        if (form == groups && behind % 4 == 3) text += ',';
+        else if (form == decimals && behind == length / 2) text += '.';
+        else text += form == zeros && behind > 12 ? '0' : static_cast<char>('0' + random() % 10);
+      }
+      if (place < length) text[place] = faults[random() % faults.size()];
+      expect_same(locale.get(), text, 0, random() % 2 == 0 ? vxtest::Guard::before : vxtest::Guard::behind);
+      if (HasFailure()) return;
+    }
+  }
+}
+
 TEST(ShortRoad, ReadsWhatTheLongOneReads) {
   vxtest::PlainLocale locale;
-  vxtest::GuardedBuffer<uint8_t> bytes(256);
-  vxtest::GuardedBuffer<VXChar> units(256);
   std::mt19937_64 random(12);
   const auto one_of = [&](std::string_view from) { return from[random() % from.size()]; };
   constexpr struct {
@@ -88,16 +122,8 @@ TEST(ShortRoad, ReadsWhatTheLongOneReads) {
     if (random() % 4 == 0) text += one_of("eEdDx") + std::to_string(static_cast<int>(random() % 700) - 350);
     if (random() % 3 == 0) text = std::string(1, one_of("-+ ")) + text;
     if (random() % 3 == 0 && !text.empty()) text[random() % text.size()] = one_of("0123456789.,-+ e:/\x7F");
-    const std::u32string wide(text.begin(), text.end());
-    const auto guard = random() % 2 == 0 ? vxtest::Guard::before : vxtest::Guard::behind;
-    const Text both{text, bytes.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size(), guard),
-                    units.copy(reinterpret_cast<const VXChar*>(wide.data()), wide.size(), guard)};
     const auto flags = static_cast<uint32_t>(i % 4 == 0 ? random() & 0x7001 : 0);
-    expect_same_double(locale.get(), both);
-    expect_same_integer<int32_t, NLSBufToInt, NLSBufToIntU>(locale.get(), both, VX_NUMBER_INT32, flags);
-    expect_same_integer<uint32_t, NLSBufToUInt, NLSBufToUIntU>(locale.get(), both, VX_NUMBER_UINT32, flags);
-    expect_same_integer<int64_t, NLSBufToLong, NLSBufToLongU>(locale.get(), both, VX_NUMBER_INT64, flags);
-    expect_same_integer<uint64_t, NLSBufToULong, NLSBufToULongU>(locale.get(), both, VX_NUMBER_UINT64, flags);
+    expect_same(locale.get(), text, flags, random() % 2 == 0 ? vxtest::Guard::before : vxtest::Guard::behind);
     if (HasFailure()) return;
   }
 }
