@@ -43,7 +43,8 @@ constexpr HostContextOps operations = {
     },
     [](HostContext* self, VXChar* out, int64_t* out_length, uint32_t) -> VXStatus {
       if (out == nullptr || out_length == nullptr) return VX_E_NULL;
-      return guarded<VXStatus>(VX_E_ROOM, [&] {
+      // Neither VX_E_ROOM nor VX_E_ZONE, for which the library would take another zone.
+      return guarded<VXStatus>(VX_E_MEMORY, [&] {
         const ZoneTable::Identifier* id = nullptr;
         const VXStatus status = static_cast<Context*>(self)->system_zone(&id);
         return status == 0 ? write_identifier(*id, out, out_length) : status;

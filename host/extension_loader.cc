@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace vxhost {
@@ -116,8 +117,7 @@ VXExtension* ExtensionLoader::open(std::string_view name, VXHandle* kernel, std:
   VXExtension* const instance = loaded->description->open(loaded);
   if (instance == nullptr) {
     loaded->users.fetch_sub(1, std::memory_order_relaxed);
-    why = std::string(name) + " did not open";
-    return nullptr;
+    throw std::bad_alloc();
   }
   count(Kind::extension, 1);
   return instance;

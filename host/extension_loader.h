@@ -39,7 +39,7 @@ class ExtensionLoader {
   ExtensionLoader& operator=(const ExtensionLoader&) = delete;
 
   /// A new instance, which is told that it was loaded through `kernel`; that handle outlives it. Null, with the reason
-  /// in `why`, when there is no such extension or it cannot be opened.
+  /// in `why`, when there is no such extension. Throws std::bad_alloc.
   VXExtension* load(std::string_view name, VXHandle* kernel, std::string& why);
 
   /// Why an extension could not be had since the last call; empty when all could.

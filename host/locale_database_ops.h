@@ -22,10 +22,6 @@ typedef struct VXHostLocaleDatabaseOps {
                                 int (*each)(void* user, const char* entry, const char* used, const char* reason),
                                 void* user);
 
-  /// Calls `each` for every locale that `fill` has data for ("root" apart), in byte order of name.
-  /// A non-zero result ends the walk.
-  void (*for_each_locale)(VXLocaleDatabase*, int (*each)(void* user, const char* name), void* user);
-
   /// Holds a filled record against the rules of docs/locale-data.md and calls `each` for every one that is broken: the
   /// rule ("R6"), the field of VXLocaleData ("datePattern1"), and what is wrong. A non-zero result of `each` ends the
   /// walk. Any bytes may stand in the record. Returns 0, or 0x803fe831 for a null argument.

@@ -18,19 +18,9 @@ namespace {
 
 using Names = std::vector<std::string_view>;
 
-/// ICU's locales in byte order.
-const Names& available() {
-  static const Names names = [] {
-    Names made;
-    const int32_t count = uloc_countAvailable();
-    for (int32_t i = 0; i < count; ++i) made.emplace_back(uloc_getAvailable(i));
-    std::sort(made.begin(), made.end());
-    return made;
-  }();
-  return names;
+bool is_available(std::string_view name) {
+  return std::binary_search(available_locales().begin(), available_locales().end(), name);
 }
-
-bool is_available(std::string_view name) { return std::binary_search(available().begin(), available().end(), name); }
 
 /// The locale that ICU keeps an old name for: "no_NO_NY" is nn_NO. Nothing for other names.
 std::optional<std::string> of_old_name(const char* name) {
@@ -50,8 +40,9 @@ std::optional<std::string> of_old_name(const char* name) {
 /// The names of one language: "de" and all that begin with "de_".
 Names of_language(std::string_view language) {
   Names names;
-  for (auto at = std::lower_bound(available().begin(), available().end(), language);
-       at != available().end() && at->starts_with(language); ++at) {
+  const Names& all = available_locales();
+  for (auto at = std::lower_bound(all.begin(), all.end(), language); at != all.end() && at->starts_with(language);
+       ++at) {
     if (at->size() == language.size() || (*at)[language.size()] == '_') names.push_back(*at);
   }
   return names;
@@ -108,7 +99,16 @@ constexpr Modifier script_modifiers[] = {
 
 }  // namespace
 
-bool is_canonical_locale(std::string_view name) { return is_available(name); }
+const std::vector<std::string_view>& available_locales() {
+  static const Names names = [] {
+    Names made;
+    const int32_t count = uloc_countAvailable();
+    for (int32_t i = 0; i < count; ++i) made.emplace_back(uloc_getAvailable(i));
+    std::sort(made.begin(), made.end());
+    return made;
+  }();
+  return names;
+}
 
 ResolvedLocale resolve_locale(std::string_view name) {
   static const ResolvedLocale none{"", VX_E_NOMATCH};

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vxnls/types.h"
 
@@ -22,8 +23,9 @@ struct ResolvedLocale {
 ///   no match    no locale at all, or a language that ICU has no locale of: a user should be told rather than served
 ResolvedLocale resolve_locale(std::string_view name);
 
-/// Whether a name is one that resolves to itself ("root" apart).
-bool is_canonical_locale(std::string_view name);
+/// Every name that resolves to itself, in byte order ("root" apart). Each ends in NUL. They are listed by the first
+/// call, which throws std::bad_alloc when it cannot.
+const std::vector<std::string_view>& available_locales();
 
 }  // namespace vxhost
 

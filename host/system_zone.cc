@@ -1,8 +1,10 @@
 #include "host/system_zone.h"
 
+#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
+
+#include "host/file.h"
 
 namespace vxhost {
 
@@ -36,11 +38,10 @@ std::optional<std::string> zone_of_link(const std::string& link) {
   return error ? std::nullopt : identifier_in(end.native());
 }
 
-std::string first_word(const std::string& file) {
-  std::ifstream in(file);
-  std::string word;
-  in >> word;
-  return word;
+std::string first_word(const std::string& text) {
+  static constexpr std::string_view blanks = " \t\n\v\f\r";
+  const size_t begin = std::min(text.find_first_not_of(blanks), text.size());
+  return text.substr(begin, text.find_first_of(blanks, begin) - begin);
 }
 
 }  // namespace
@@ -56,7 +57,7 @@ std::optional<std::string> system_zone_name(const SystemZoneSources& sources) {
     }
   }
   if (auto name = zone_of_link(sources.local_time)) return without_variant(*name);
-  if (const std::string name = first_word(sources.time_zone); !name.empty()) return without_variant(name);
+  if (const std::string name = first_word(contents(sources.time_zone)); !name.empty()) return without_variant(name);
   std::error_code error;
   if (!fs::exists(fs::symlink_status(sources.local_time, error))) return "UTC";
   return std::nullopt;

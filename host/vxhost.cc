@@ -35,11 +35,13 @@ struct CloseLibrary {
 };
 using LibraryUse = std::unique_ptr<vxhost::Library, CloseLibrary>;
 
-/// Why the last vxhostOpen of this thread failed.
+/// Why the last vxhostOpen of this thread failed; what says that memory ran out takes none.
 thread_local std::string open_failure;
+thread_local bool open_ran_out_of_memory = false;
 
 constexpr uint32_t notice = 3;  // the level of a journal entry
 constexpr VXChar utc[] = {'U', 'T', 'C'};
+constexpr const char* stand_in_zone = "America/New_York";  // which the library takes when the system names none
 constexpr VXChar root[] = {'r', 'o', 'o', 't'};
 
 std::string real_path(const std::string& path) {
@@ -111,7 +113,8 @@ struct VXHost {
 
   /// Makes the module and, through a first private locale, the cache of the shared ones.
   VXStatus start();
-  VXStatus create(const vxhost::ShortName& name, const vxhost::ShortName* zone, bool is_private, VXLocale** locale);
+  VXStatus create(const vxhost::ShortName& name, const char* zone, bool is_private, VXLocale** locale);
+  VXStatus cause(VXStatus status, const char* zone);
   void destroy(VXLocale* locale) const;
   VXLocaleDatabase* database() const { return context.localeDatabase; }  // start() saw to it that it is there
   const VXHostLocaleDatabaseOps& database_ops() const {
@@ -136,13 +139,11 @@ VXHost::~VXHost() {
 }
 
 VXStatus VXHost::start() {
+  vxhost::available_locales();  // so that walking through them cannot fail
   static constexpr VXJournalAttributes attributes{};
   VXJournal* const journal = kernel.ops->create_journal(&kernel, &attributes, 0, "vxnlsloc");
   module = library->module_entry()(&kernel, journal);
-  if (module == nullptr) {
-    open_failure = "libvxnlsloc.so made no module: " + kernel.status_text(VX_E_MEMORY);
-    return VX_E_MEMORY;
-  }
+  if (module == nullptr) return VX_E_MEMORY;
   int64_t major = 0;
   int64_t minor = 0;
   int64_t revision = 0;
@@ -162,8 +163,9 @@ VXStatus VXHost::start() {
   if (first == nullptr) {
     open_failure = extensions.take_failure();
     if (!open_failure.empty()) return VX_E_ROOM;
-    open_failure = kernel.status_text(status != 0 ? status : VX_E_MEMORY);
-    return status != 0 ? status : VX_E_MEMORY;
+    status = cause(status, "UTC");
+    if (status != VX_E_MEMORY) open_failure = kernel.status_text(status);
+    return status;
   }
   context.localeCache = first->ops.NLSLocaleCreateTheDupTrack(first);
   destroy(first);
@@ -175,17 +177,29 @@ void VXHost::destroy(VXLocale* locale) const {
   module->localeDestroyCallback(&entry);
 }
 
-VXStatus VXHost::create(const vxhost::ShortName& name, const vxhost::ShortName* zone, bool is_private,
-                        VXLocale** locale) {
+/// Why a locale was not created. Of a zone the library knows only that it did not open, be it for want of memory.
+VXStatus VXHost::cause(VXStatus status, const char* zone) {
+  if (status == 0 || status == VX_W_SUBSTITUTE) return VX_E_MEMORY;
+  if (status != VX_E_ZONE) return status;
+  const vxhost::ZoneTable::Identifier* system = nullptr;
+  if (zone == nullptr && context.system_zone(&system) == 0) zone = system->name.c_str();
+  const vxhost::ZoneService service(library->zones());
+  const std::unique_ptr<VXZone> opened(service.open(zone != nullptr ? zone : stand_in_zone));
+  return opened != nullptr ? VX_E_MEMORY : VX_E_ZONE;
+}
+
+VXStatus VXHost::create(const vxhost::ShortName& name, const char* zone, bool is_private, VXLocale** locale) {
   LocaleCreateOptions options{};
   options.flags = is_private ? 1 : 0;
+  vxhost::ShortName wide_zone;
   if (zone != nullptr) {
-    options.zoneName = zone->text.data();
-    options.zoneLength = zone->length;
+    if (!vxhost::decode_name(zone, wide_zone) || wide_zone.length == 0) return VX_E_ZONE;
+    options.zoneName = wide_zone.text.data();
+    options.zoneLength = wide_zone.length;
   }
   VXStatus status = 0;
   VXLocale* const made = module->localeCreate(&context, name.text.data(), name.length, &status, &options);
-  if (made == nullptr) return status != 0 && status != VX_W_SUBSTITUTE ? status : VX_E_MEMORY;
+  if (made == nullptr) return cause(status, zone);
   if (is_private) {
     const std::lock_guard guard(mutex);
     try {
@@ -204,8 +218,8 @@ extern "C" {
 VXStatus vxhostOpen(const char* folder, VXHost** host) {
   if (host == nullptr) return VX_E_NULL;
   *host = nullptr;
-  return guarded<VXStatus>(VX_E_MEMORY, [&] {
-    open_failure.clear();
+  open_failure.clear();
+  const auto status = guarded<VXStatus>(VX_E_MEMORY, [&] {
     refuse_data_of_callers();
     const std::string where = folder != nullptr ? real_path(folder) : own_folder();
     VXStatus status = 0;
@@ -216,9 +230,11 @@ VXStatus vxhostOpen(const char* folder, VXHost** host) {
     if (status == 0) *host = made.release();
     return status;
   });
+  open_ran_out_of_memory = status == VX_E_MEMORY && open_failure.empty();
+  return status;
 }
 
-const char* vxhostOpenFailure(void) { return open_failure.c_str(); }
+const char* vxhostOpenFailure(void) { return open_ran_out_of_memory ? "memory is exhausted" : open_failure.c_str(); }
 
 void vxhostClose(VXHost* host) { delete host; }
 
@@ -227,12 +243,8 @@ VXStatus vxhostLocale(VXHost* host, const char* name, const char* zone, uint32_t
   *locale = nullptr;
   if (host == nullptr || name == nullptr) return VX_E_NULL;
   vxhost::ShortName wide_name;
-  vxhost::ShortName wide_zone;
   if (!vxhost::decode_name(name, wide_name)) return VX_E_NOMATCH;
-  if (zone != nullptr && (!vxhost::decode_name(zone, wide_zone) || wide_zone.length == 0)) return VX_E_ZONE;
-  return guarded<VXStatus>(VX_E_MEMORY, [&] {
-    return host->create(wide_name, zone != nullptr ? &wide_zone : nullptr, (flags & 1) != 0, locale);
-  });
+  return guarded<VXStatus>(VX_E_MEMORY, [&] { return host->create(wide_name, zone, (flags & 1) != 0, locale); });
 }
 
 HostContext* vxhostContext(VXHost* host) { return host != nullptr ? &host->context : nullptr; }
@@ -270,18 +282,9 @@ VXStatus vxhostResolveLocale(VXHost* host, const char* name, char* canonical, si
 
 void vxhostForEachLocale(VXHost* host, int (*each)(void* user, const char* name), void* user) {
   if (host == nullptr || each == nullptr) return;
-  // The database also knows locales by old names.
-  struct Walk {
-    int (*each)(void* user, const char* name);
-    void* user;
-  } walk{each, user};
-  host->database_ops().for_each_locale(
-      host->database(),
-      [](void* state, const char* name) {
-        const Walk& to = *static_cast<const Walk*>(state);
-        return vxhost::is_canonical_locale(name) ? to.each(to.user, name) : 0;
-      },
-      &walk);
+  for (const std::string_view name : vxhost::available_locales()) {  // start() has had them listed
+    if (each(user, name.data()) != 0) return;
+  }
 }
 
 void vxhostForEachZone(VXHost* host, int (*each)(void* user, const char* id), void* user) {

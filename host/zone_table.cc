@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "host/file.h"
 
 namespace vxhost {
 
@@ -27,13 +29,6 @@ std::string folded(std::string_view name) {
   std::string key(name);
   std::transform(key.begin(), key.end(), key.begin(), fold);
   return key;
-}
-
-std::string contents(const std::string& file) {
-  const std::ifstream in(file, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();  // in blocks: a host starts in a few milliseconds, and these files were a tenth of that
-  return std::move(text).str();
 }
 
 template <class Receive>

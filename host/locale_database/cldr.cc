@@ -1,11 +1,5 @@
 #include "host/locale_database/cldr.h"
 
-#include <unicode/uenum.h>
-#include <unicode/uloc.h>
-
-#include <algorithm>
-#include <memory>
-
 #include "host/locale_database/text.h"
 
 namespace vxnlsldb {
@@ -35,16 +29,6 @@ icu::UnicodeString string_in(const icu::ResourceBundle& bundle) {
 }
 
 }  // namespace
-
-std::vector<std::string> available_locales() {
-  std::vector<std::string> names;
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<UEnumeration, decltype(&uenum_close)> all(
-      uloc_openAvailableByType(ULOC_AVAILABLE_WITH_LEGACY_ALIASES, &status), &uenum_close);
-  while (const char* name = uenum_next(all.get(), nullptr, &status)) names.emplace_back(name);
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 Cldr::Cldr(const char* name) : found_(Found::nothing), bundle_(open(name, found_)) {}
 

@@ -9,9 +9,6 @@
 
 namespace vxnlsldb {
 
-/// The names of all locales that ICU has data for, aliases such as zh_TW included, root not; in byte order.
-std::vector<std::string> available_locales();
-
 enum class Found { exactly, by_inheritance, nothing };
 
 class Cldr {

@@ -75,16 +75,6 @@ VXStatus for_each_fallback(VXLocaleDatabase*, const char* name,
   });
 }
 
-void for_each_locale(VXLocaleDatabase*, int (*each)(void* user, const char* name), void* user) {
-  if (each == nullptr) return;
-  guarded([&] {
-    for (const std::string& name : available_locales()) {
-      if (each(user, name.c_str()) != 0) break;
-    }
-    return VXStatus{0};
-  });
-}
-
 VXStatus check(VXLocaleDatabase*, const VXLocaleData* record,
                int (*each)(void* user, const char* rule, const char* entry, const char* text), void* user) {
   if (record == nullptr || each == nullptr) return VX_E_NULL;
@@ -96,7 +86,7 @@ VXStatus check(VXLocaleDatabase*, const VXLocaleData* record,
   });
 }
 
-constexpr VXHostLocaleDatabaseOps operations = {{&destroy, &fill}, &for_each_fallback, &for_each_locale, &check};
+constexpr VXHostLocaleDatabaseOps operations = {{&destroy, &fill}, &for_each_fallback, &check};
 
 VXExtension* open(VXHostExtensionOwner* owner) {
   VXLocaleDatabase* const database = new (std::nothrow) Database{{&operations.base}, owner};

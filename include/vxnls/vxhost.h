@@ -106,10 +106,11 @@ VX_API VXStatus vxhostStatusText(VXHost* host, VXStatus status, char* text, size
 VX_API VXStatus vxhostResolveLocale(VXHost* host, const char* name, char* canonical, size_t room);
 
 /// Calls `each` for every locale that the locale database has, by its canonical name, in byte order ("root" apart). A
-/// non-zero result ends the walk.
+/// non-zero result ends the walk. The walk needs no memory, and an exception of `each` goes through it.
 VX_API void vxhostForEachLocale(VXHost* host, int (*each)(void* user, const char* name), void* user);
 
 /// Calls `each` for every zone identifier, canonical ones and aliases, in byte order. A non-zero result ends the walk.
+/// The walk needs no memory, and an exception of `each` goes through it.
 VX_API void vxhostForEachZone(VXHost* host, int (*each)(void* user, const char* id), void* user);
 
 /// One zone at one moment.
