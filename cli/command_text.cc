@@ -75,7 +75,7 @@ struct Comparison {
   std::string remark;
 };
 
-Comparison compare_by(size_t which, std::string_view a, std::string_view b, const std::u32string& ua,
+Comparison compare_by(VXHost* host, size_t which, std::string_view a, std::string_view b, const std::u32string& ua,
                       const std::u32string& ub) {
   const std::vector<VXChar> wa(ua.begin(), ua.end());
   const std::vector<VXChar> wb(ub.begin(), ub.end());
@@ -93,7 +93,7 @@ Comparison compare_by(size_t which, std::string_view a, std::string_view b, cons
     default: {
       VXStatus status = 0;
       const int32_t result = vxzsu8ICUNormCompare(bytes_of(a), size_of(a), bytes_of(b), size_of(b), 0, &status);
-      if (status != 0) fail(ExitCode::host, "the texts cannot be normalised (status 0x{:08x})", status);
+      if (status != 0) fail_with_status(host, "the texts cannot be normalised", status);
       return {sign(result), ""};
     }
   }
@@ -113,7 +113,7 @@ std::string parting(const std::u32string& a, const std::u32string& b) {
 }
 
 ExitCode run_compare(Invocation& invocation) {
-  invocation.session.host();
+  VXHost* const host = invocation.session.host();
   const auto& values = invocation.arguments.values();
   if (values.size() != 2) fail(ExitCode::usage, "two texts are wanted, {} given", values.size());
   std::u32string a;
@@ -129,7 +129,7 @@ ExitCode run_compare(Invocation& invocation) {
   Json object{{"a", values[0]}, {"b", values[1]}};
   for (size_t i = 0; i < std::size(mode_words); ++i) {
     if (wanted && *wanted != mode_words[i]) continue;
-    const Comparison comparison = compare_by(i, values[0], values[1], a, b);
+    const Comparison comparison = compare_by(host, i, values[0], values[1], a, b);
     if (wanted && !invocation.arguments.has(options::json)) {
       invocation.out.line(std::to_string(comparison.result));
       return ExitCode::done;

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -31,10 +32,7 @@ std::string replaceable_file(const std::string& path) {
   return real != nullptr ? real.get() : "";
 }
 
-void discard(std::string& name) {
-  if (!name.empty()) unlink(name.c_str());
-  name.clear();
-}
+std::atomic<const char*> unfinished = nullptr;
 
 }  // namespace
 
@@ -63,7 +61,7 @@ NewFile::NewFile(const std::string& path) : NewFile(path, replaceable_file(path)
   out_.emplace(descriptor, path);
 }
 
-NewFile::~NewFile() { discard(beside_); }
+NewFile::~NewFile() { discard_unfinished_file(); }
 
 /// Less than 0 when the file has to be written where it is.
 int NewFile::open_beside() {
@@ -72,6 +70,7 @@ int NewFile::open_beside() {
   const int descriptor = mkostemp(name.data(), O_CLOEXEC);
   if (descriptor < 0) return -1;
   beside_ = std::move(name);
+  unfinished = beside_.c_str();
   struct stat old {};
   const mode_t mask = umask(0);
   umask(mask);
@@ -80,17 +79,21 @@ int NewFile::open_beside() {
                                                            fchmod(descriptor, old.st_mode & all_modes) == 0;
   if (same) return descriptor;
   close(descriptor);
-  discard(beside_);
+  discard_unfinished_file();
   return -1;
 }
 
 void NewFile::finish() {
   out_->finish();
-  if (beside_.empty()) return;
+  if (unfinished == nullptr) return;
   if (rename(beside_.c_str(), target_.c_str()) != 0) {
     fail(ExitCode::io, "cannot write {}: {}", path_, std::strerror(errno));
   }
-  beside_.clear();
+  unfinished = nullptr;
+}
+
+void discard_unfinished_file() noexcept {
+  if (const char* const name = unfinished.exchange(nullptr)) unlink(name);
 }
 
 const std::string* file_named(const std::vector<std::string>& values) {

@@ -35,7 +35,7 @@ class File {
 
 /// A file that is written: it is whole, or what was there before stays. What is put goes to a file beside it that takes
 /// its place in the end. What is no regular file, or lies in a folder that takes no new file, is written where it is.
-/// All throw Failure (ExitCode::io).
+/// One at a time. All throw Failure (ExitCode::io).
 class NewFile {
  public:
   explicit NewFile(const std::string& path);
@@ -53,9 +53,12 @@ class NewFile {
 
   const std::string path_;
   const std::string target_;
-  std::string beside_;  // empty: there is no such file
+  std::string beside_;
   std::optional<Output> out_;
 };
+
+/// Takes away what the NewFile that is open has beside its place, for a program that ends at once. Signals may call it.
+void discard_unfinished_file() noexcept;
 
 /// The file that the first of `values` names; null for standard input: there is none, or it is "-".
 const std::string* file_named(const std::vector<std::string>& values);

@@ -28,10 +28,13 @@ class LocaleDatabase {
   std::vector<std::string> names() const;
   /// Throws Failure (ExitCode::host) when the database has nothing for the name.
   void fill(const std::string& name, VXLocaleData& record) const;
+  /// Likewise.
   std::vector<Fallback> fallbacks(const std::string& name) const;
   std::vector<Violation> violations(const VXLocaleData& record) const;
 
  private:
+  [[noreturn]] void fail_unread(const std::string& name, VXStatus status) const;
+
   VXHost* host_;
 };
 

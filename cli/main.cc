@@ -1,12 +1,26 @@
 // vxnls: dates, times and numbers in every locale and time zone.
 #include <csignal>
 
+#include "cli/file.h"
 #include "cli/output.h"
 #include "cli/run.h"
+
+namespace {
+
+void end_by(int signal) {
+  vxcli::discard_unfinished_file();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   vxcli::occupy_standard_descriptors();
   // A closed pipe is a failure to write like any other, with a message and an exit code.
   std::signal(SIGPIPE, SIG_IGN);
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+    if (std::signal(signal, end_by) == SIG_IGN) std::signal(signal, SIG_IGN);  // as nohup(1) wants it
+  }
   return static_cast<int>(vxcli::run({argv + (argc > 0 ? 1 : 0), argv + argc}));
 }

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "cli/arguments.h"
+#include "cli/file.h"
 #include "cli/help.h"
 #include "cli/options.h"
 #include "cli/session.h"
@@ -17,6 +19,8 @@
 namespace vxcli {
 
 namespace {
+
+constexpr std::string_view no_memory = "memory is exhausted";
 
 /// What follows --color in a command line that may turn out to be wrong.
 std::string_view color_asked_for(const std::vector<std::string>& words) {
@@ -67,9 +71,23 @@ ExitCode run_words(std::vector<std::string> words, Messages& messages) {
   return code;
 }
 
+/// A destructor that needs memory and has none (there are such in libraries) ends the program, but not without a word.
+[[noreturn]] void end() noexcept {
+  try {
+    if (const std::exception_ptr cause = std::current_exception()) std::rethrow_exception(cause);
+  } catch (const std::bad_alloc&) {
+    discard_unfinished_file();
+    Messages().error(no_memory);
+    _exit(static_cast<int>(ExitCode::host));
+  } catch (...) {
+  }
+  std::abort();
+}
+
 }  // namespace
 
 ExitCode run(std::span<char* const> given) noexcept {
+  std::set_terminate(end);
   Messages messages;
   try {
     return run_words({given.begin(), given.end()}, messages);
@@ -77,7 +95,7 @@ ExitCode run(std::span<char* const> given) noexcept {
     messages.error(failure.what());
     return failure.code();
   } catch (const std::bad_alloc&) {
-    messages.error("memory is exhausted");
+    messages.error(no_memory);
   } catch (const std::exception& error) {
     messages.error(error.what());
   }

@@ -1,6 +1,7 @@
 #include "cli/session.h"
 
 #include <cstdlib>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -41,18 +42,15 @@ int collect(void* names, const char* name) {
 
 void fail_with_status(VXHost* host, const std::string& what, VXStatus status) {
   char text[256];
-  vxhostStatusText(host, status, text, sizeof text);
+  if (vxhostStatusText(host, status, text, sizeof text) == VX_E_MEMORY) throw std::bad_alloc();
   fail(ExitCode::host, "{}: {}", what, text);
 }
 
 VXHost* Session::host() {
   if (host_ == nullptr) {
     VXHost* host = nullptr;
-    const VXStatus status = vxhostOpen(nullptr, &host);
-    if (status != 0) {
-      const std::string reason = vxhostOpenFailure();
-      fail(ExitCode::host, "the host cannot start: {}",
-           reason.empty() ? fmt::format("status 0x{:08x}", status) : reason);
+    if (vxhostOpen(nullptr, &host) != 0) {
+      fail(ExitCode::host, "the host cannot start: {}", vxhostOpenFailure());
     }
     host_.reset(host);
   }

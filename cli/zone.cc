@@ -1,8 +1,9 @@
 #include "cli/zone.h"
 
+#include <new>
 #include <utility>
 
-#include "cli/errors.h"
+#include "cli/session.h"
 #include "cli/text.h"
 
 namespace vxcli {
@@ -11,12 +12,12 @@ std::optional<Zone> Zone::open(VXHost* host, const char* name) {
   VXHostZoneInfo info{};
   const VXStatus status = vxhostZoneInfo(host, name, VX_ZONE_FROM_UTC, 0, &info);
   if (status == VX_E_ZONE) return std::nullopt;
-  if (status != 0) fail(ExitCode::host, "the zone cannot be opened (status 0x{:08x})", status);
+  if (status != 0) fail_with_status(host, "the zone cannot be opened", status);
   const std::u32string id = utf32(info.id).value_or(U"");
   const std::basic_string<VXChar> units(id.begin(), id.end());
   VXZoneService* const service = vxhostContext(host)->zones;
   VXZone* const zone = service->ops->open(service, units.data(), static_cast<int64_t>(units.size()), 0);
-  if (zone == nullptr) fail(ExitCode::host, "the zone {} cannot be opened", info.id);
+  if (zone == nullptr) throw std::bad_alloc();  // it opened just before
   return Zone(host, info.id, service, zone);
 }
 
@@ -50,7 +51,7 @@ VXHostZoneInfo Zone::at_local(double local) const {
 VXHostZoneInfo Zone::at_utc(double utc) const {
   VXHostZoneInfo info{};
   const VXStatus status = vxhostZoneInfo(host_, id_.c_str(), VX_ZONE_FROM_UTC, utc, &info);
-  if (status != 0) fail(ExitCode::host, "the zone {} gives no answer (status 0x{:08x})", id_, status);
+  if (status != 0) fail_with_status(host_, fmt::format("the zone {} gives no answer", id_), status);
   return info;
 }
 
