@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "cli/errors.h"
+#include "cli/text.h"
 
 namespace vxcli {
 
@@ -97,7 +98,7 @@ void Output::give_up(int error) {
 
 void Messages::error(std::string_view text) const noexcept {
   try {
-    to_standard_error(fmt::format("{} {}\n", colors_.paint(Tint::error, "vxnls:"), text));
+    to_standard_error(fmt::format("{} {}\n", colors_.paint(Tint::error, "vxnls:"), visible(text)));
   } catch (const std::bad_alloc&) {
     for (const std::string_view part : {std::string_view("vxnls: "), text, std::string_view("\n")}) {
       to_standard_error(part);
@@ -106,7 +107,7 @@ void Messages::error(std::string_view text) const noexcept {
 }
 
 void Messages::note(std::string_view text) const {
-  if (!quiet_) to_standard_error(fmt::format("vxnls: {} {}\n", colors_.paint(Tint::note, "note:"), text));
+  if (!quiet_) to_standard_error(fmt::format("vxnls: {} {}\n", colors_.paint(Tint::note, "note:"), visible(text)));
 }
 
 }  // namespace vxcli

@@ -106,7 +106,7 @@ void put_list(std::string& text, Colors colors, std::string_view title, uint64_t
 
 void put_column(std::string& text, const ColumnReport& report, Colors colors, bool bars) {
   constexpr size_t bar_width = 24;
-  text += fmt::format("\n{}  {}\n", colors.paint(Tint::heading, report.decision.column),
+  text += fmt::format("\n{}  {}\n", colors.paint(Tint::heading, visible(report.decision.column)),
                       columns::describe(report.decision));
   Table shares("  ");
   for (const Share& share : shares_of(report)) {
@@ -146,7 +146,7 @@ void put_column(std::string& text, const ColumnReport& report, Colors colors, bo
 }  // namespace
 
 std::string report_text(const FileReport& report, Colors colors, bool bars) {
-  std::string text = fmt::format("{}: {}, {} {}\n", report.file, report.format, report.findings.records,
+  std::string text = fmt::format("{}: {}, {} {}\n", visible(report.file), report.format, report.findings.records,
                                  report.findings.records == 1 ? "record" : "records");
   for (const std::string& note : report.findings.notes()) text += fmt::format("{}\n", note);
   for (const ColumnReport& column : report.columns) put_column(text, column, colors, bars);

@@ -33,6 +33,26 @@ bool shows_nothing(UChar32 c) {
   }
 }
 
+/// Adds the character at `at`, which moves behind it.
+void append_visible(std::string& shown, std::string_view text, size_t& at) {
+  const size_t start = at;
+  const UChar32 c = next_code_point(text, at);
+  if (c < 0) {
+    at = start + 1;
+    shown += fmt::format("\\x{:02X}", static_cast<uint8_t>(text[start]));
+  } else if (c == '\t') {
+    shown += "\\t";
+  } else if (c == '\n') {
+    shown += "\\n";
+  } else if (c == '\r') {
+    shown += "\\r";
+  } else if (shows_nothing(c)) {
+    shown += fmt::format("\\u{{{:04X}}}", static_cast<uint32_t>(c));
+  } else {
+    shown += text.substr(start, at - start);
+  }
+}
+
 size_t width_of(UChar32 c) {
   switch (u_charType(c)) {
     case U_NON_SPACING_MARK:
@@ -74,6 +94,12 @@ std::optional<std::u32string> utf32(std::string_view text) {
   return units;
 }
 
+std::string visible(std::string_view text) {
+  std::string shown;
+  for (size_t at = 0; at < text.size();) append_visible(shown, text, at);
+  return shown;
+}
+
 std::string in_quotes(std::string_view text) {
   std::string shown = "\"";
   size_t count = 0;
@@ -82,22 +108,7 @@ std::string in_quotes(std::string_view text) {
       shown += "\"...";
       return shown;
     }
-    const size_t start = at;
-    const UChar32 c = next_code_point(text, at);
-    if (c < 0) {
-      at = start + 1;
-      shown += fmt::format("\\x{:02X}", static_cast<uint8_t>(text[start]));
-    } else if (c == '\t') {
-      shown += "\\t";
-    } else if (c == '\n') {
-      shown += "\\n";
-    } else if (c == '\r') {
-      shown += "\\r";
-    } else if (shows_nothing(c)) {
-      shown += fmt::format("\\u{{{:04X}}}", static_cast<uint32_t>(c));
-    } else {
-      shown += text.substr(start, at - start);
-    }
+    append_visible(shown, text, at);
   }
   return shown + '"';
 }

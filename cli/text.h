@@ -17,7 +17,9 @@ std::string utf8(const NLSName& name);
 /// Nothing when the text is not well-formed UTF-8.
 std::optional<std::u32string> utf32(std::string_view text);
 
-/// A text as messages show it: in quotes, on one line, nothing that a terminal would act upon, long ones cut.
+/// A text of somebody else's, a column's or a file's name, on one line and with nothing that a terminal would act upon.
+std::string visible(std::string_view text);
+/// The same in quotes, and long ones cut: a value as messages show it.
 std::string in_quotes(std::string_view text);
 
 std::string_view without_blanks(std::string_view text);  // at both ends: blanks and tabs

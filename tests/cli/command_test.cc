@@ -218,6 +218,39 @@ TEST(Zones, WhereTheyComeFrom) {
   expect(cases);
 }
 
+// Names are looked up and never opened; what a file says never reaches the terminal as it stands.
+TEST(Hostile, NamesAndCells) {
+  using namespace std::string_view_literals;
+  static const std::string cut = fmt::format("\"{}\"...", std::string(60, 'a'));
+  static const std::string no_locale = "vxnls: there is no locale " + cut + "; \"vxnls locale list\" lists them\n";
+  static const std::string no_zone = "vxnls: there is no time zone " + cut + "; \"vxnls zone list\" lists them\n";
+  const Case cases[] = {
+      {"vxnls zone ../../etc/passwd", "",
+       "vxnls: there is no time zone \"../../etc/passwd\"; \"vxnls zone list\" lists them\n", 2},
+      {"vxnls format date -z /usr/share/zoneinfo/Europe/Berlin 0", "",
+       "vxnls: there is no time zone \"/usr/share/zoneinfo/Europe/Berlin\"; \"vxnls zone list\" lists them\n", 2},
+      {"TZ=Europe/../Europe/Berlin vxnls format datetime 0", "",
+       "vxnls: TZ: there is no time zone \"Europe/../Europe/Berlin\"; \"vxnls zone list\" lists them\n", 2},
+      {"vxnls locale show ../de", "", "vxnls: there is no locale \"../de\"; \"vxnls locale list\" lists them\n", 2},
+      {"vxnls format date --locale $(printf a%.0s $(seq 10000)) 0", "", no_locale.c_str(), 2},
+      {"vxnls zone $(printf a%.0s $(seq 10000))", "", no_zone.c_str(), 2},
+      {"vxnls recognise --format csv", R"(standard input: csv, 2 records
+
+n\u{0000}a\u{001B}[31m\n  integer, locale en_US (LANG)
+  read    1  50.0 %
+  unread  1  50.0 %
+unread
+  line 4  byte 14  "1\u{0000}"  "\u{0000}" follows the number
+)",
+       "", 1, "\"n\0a\x1B[31m\n\"\n1\n\"1\0\"\n"sv},
+      {"vxnls normalise -q --format csv -c 1:date | tr '\\0' @", "d\n2020-01-02\n2020-01-0@3\n", "", 0,
+       "d\n2020-01-02\n2020-01-0\0003\n"sv},
+      {"vxnls recognise \"$(printf 'no\\033[2Jthing')\"", "", "vxnls: no\\u{001B}[2Jthing: No such file or directory\n",
+       3},
+  };
+  expect(cases);
+}
+
 TEST(Calendar, EveryForm) {
   static constexpr Case cases[] = {
       {"vxnls calendar 2000-02-29 1582-01-01 1582-01-10 20000-12-31",

@@ -15,6 +15,8 @@ TEST(Text, QuotesShowEverythingOnOneLine) {
   EXPECT_EQ(in_quotes("\t\r\n\0\x7F"sv), R"("\t\r\n\u{0000}\u{007F}")");
   EXPECT_EQ(in_quotes("\u202E\u200B\uFEFF"), R"("\u{202E}\u{200B}\u{FEFF}")");
   EXPECT_EQ(in_quotes("a\xFF\xC3(\xED\xA0\x80"), R"("a\xFF\xC3(\xED\xA0\x80")");
+  EXPECT_EQ(visible("a\x1B[31m\xFF\n\u009B日" + std::string(61, 'x')),
+            "a\\u{001B}[31m\\xFF\\n\\u{009B}日" + std::string(61, 'x'));
   EXPECT_EQ(in_quotes(std::string(61, 'x')), '"' + std::string(60, 'x') + "\"...");
   EXPECT_EQ(in_quotes(std::string(60, 'x')), '"' + std::string(60, 'x') + '"');
 }
