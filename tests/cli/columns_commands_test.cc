@@ -29,6 +29,12 @@ TEST(Normalise, ChangesTheChosenCellsAndNoOtherByte) {
        "%#d\n",
        1, orders},
       {"vxnls normalise --format lines -q", "2021-12-25\n2021-04-03\n", "", 0, "25/12/21\n03/04/21\n"},
+      {"vxnls normalise -q --format jsonl -c n:number -l de_DE",
+       "{\"n\":\"1234.5\"}\n{\"n\":\"2.25\"}\n{\"n\":1.500}\n", "", 0,
+       "{\"n\":\"1.234,5\"}\n{\"n\":\"2,25\"}\n{\"n\":1.500}\n"},
+      {"vxnls normalise -q --format jsonl -c n:number -l de_DE --to-locale de_DE",
+       "{\"n\":\"1.234,5\"}\n{\"n\":\"2,25\"}\n{\"n\":\"1,500\"}\n", "", 0,
+       "{\"n\":\"1.234,5\"}\n{\"n\":\"2,25\"}\n{\"n\":1.500}\n"},
       {"vxnls normalise --format tsv-escaped -c b:date -q", "a\tb\nx\\ty\t2021-12-25\n", "", 0,
        "a\tb\nx\\ty\t25/12/21\n"},
       {"vxnls normalise --format jsonl -c n,w:date -q",
@@ -95,6 +101,31 @@ TEST(Normalise, RefusesWhatCannotBeMeant) {
       {"vxnls normalise -c a /nowhere", "", "vxnls: /nowhere: No such file or directory\n", 3},
       {"vxnls normalise -c id --rejects /nowhere/r", "", "vxnls: /nowhere/r: No such file or directory\n", 3, orders},
   });
+}
+
+TEST(Normalise, TheSameBytesThroughParallel) {
+  expect(
+      {{"d=$(mktemp -d) && cd $d && export HOME=$d\n"
+        "for i in $(seq 2000); do echo \"$i,$((i % 28 + 1)).$((i % 13)).$((1990 + i % 40)),\\\"$i,5\\\"\"; done > f\n"
+        "vxnls recognise -q --no-header -l de_DE --emit-profile p f > report\n"
+        "run='vxnls normalise -q --no-header --profile p'; $run f > whole\n"
+        "LC_ALL=C parallel --pipe --keep-order --block 3k --jobs 3 $run < f > parts\n"
+        "wc -l < whole; cmp whole parts && echo same; cmp -s f whole || echo rewritten; rm -r $d",
+        "2000\nsame\nrewritten\n"}});
+}
+
+TEST(Normalise, AFileTakesItsPlaceWhenItIsWhole) {
+  expect(
+      {{"d=$(mktemp -d) && cd $d && echo old > f && chmod 640 f && ln -s f link && umask 077\n"
+        "vxnls normalise -q -c when:date --rejects link > out; stat -c '%N %a' f link; wc -l < f\n"
+        "vxnls normalise -q -c when:date --rejects new < out > out2; stat -c %a new; rm -r $d",
+        "'f' 640\n'link' -> 'f' 777\n1\n600\n", "", 0, orders},
+       // What is beside it goes with a signal, too.
+       {"d=$(mktemp -d) && cd $d && echo old > f && mkfifo pipe\n"
+        "vxnls normalise -q -c a:date --sample 1 --rejects f < pipe > out & exec 3> pipe; printf 'a\\nx\\ny\\n' >&3\n"
+        "until [ $(ls | wc -l) = 4 ]; do sleep 0.02; done\n"
+        "kill -TERM $!; wait $! 2> /dev/null; echo $?; ls; cat f; rm -r $d",
+        "143\nf\nout\npipe\nold\n"}});
 }
 
 TEST(Recognise, TellsKindFormsAndWhatDecides) {

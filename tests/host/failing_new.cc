@@ -1,36 +1,72 @@
 #include "tests/host/failing_new.h"
 
-#include <atomic>
+#include <unwind.h>
+
 #include <cstdlib>
 #include <new>
 
 namespace {
 
 std::atomic<bool> counting{false};
-std::atomic<bool> keeps_failing{false};
-std::atomic<int64_t> left{0};  // below 0 once one has failed
+std::atomic<int64_t> count;
+std::atomic<int64_t> first_failed;
+int64_t spared_ones;
+bool keeps_failing;
+vxtest::Ways* known_ways;
 
-void* allocate(size_t bytes) {
-  if (counting.load(std::memory_order_relaxed)) {
-    const int64_t before = left.fetch_sub(1, std::memory_order_relaxed);
-    if (before == 0 || (before < 0 && keeps_failing.load(std::memory_order_relaxed))) return nullptr;
-  }
-  return std::malloc(bytes != 0 ? bytes : 1);
+struct Walk {
+  int left;
+  uint64_t hash = 0;
+};
+
+_Unwind_Reason_Code add_frame(_Unwind_Context* context, void* to) {
+  auto& walk = *static_cast<Walk*>(to);
+  walk.hash = (walk.hash ^ _Unwind_GetIP(context)) * 0x9E3779B97F4A7C15;
+  walk.hash ^= walk.hash >> 32;
+  return --walk.left > 0 ? _URC_NO_REASON : _URC_END_OF_STACK;
 }
+
+bool is_new_way() {
+  Walk walk{known_ways->callers()};
+  _Unwind_Backtrace(add_frame, &walk);
+  return known_ways->add(walk.hash);
+}
+
+bool fails() {
+  if (!counting.load(std::memory_order_acquire)) return false;
+  const int64_t number = ++count;
+  if (first_failed != 0) return keeps_failing;
+  if (number <= spared_ones || (known_ways != nullptr && !is_new_way())) return false;
+  int64_t none = 0;
+  return first_failed.compare_exchange_strong(none, number) || keeps_failing;
+}
+
+void* allocate(size_t bytes) { return fails() ? nullptr : std::malloc(bytes != 0 ? bytes : 1); }
 
 }  // namespace
 
 namespace vxtest {
 
-void fail_new(int64_t allocations, bool lasting) {
-  left = allocations;
-  keeps_failing = lasting;
-  counting = true;
+bool Ways::add(uint64_t way) {
+  if (way == 0) way = 1;
+  for (size_t i = way % std::size(slots_);; i = (i + 1) % std::size(slots_)) {
+    uint64_t there = 0;
+    if (slots_[i].compare_exchange_strong(there, way)) return true;
+    if (there == way) return false;
+  }
 }
 
-bool stop_failing_new() {
+void fail_new(int64_t spared, bool lasting, Ways* ways) {
+  count = first_failed = 0;
+  spared_ones = spared;
+  keeps_failing = lasting;
+  known_ways = ways;
+  counting.store(true, std::memory_order_release);
+}
+
+int64_t stop_failing_new() {
   counting = false;
-  return left < 0;
+  return first_failed;
 }
 
 }  // namespace vxtest

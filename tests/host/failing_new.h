@@ -2,14 +2,30 @@
 #ifndef VXNLS_TESTS_HOST_FAILING_NEW_H
 #define VXNLS_TESTS_HOST_FAILING_NEW_H
 
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 namespace vxtest {
 
-/// The allocation after the next `allocations` fails; with `lasting`, all after it too.
-void fail_new(int64_t allocations, bool lasting);
-/// All work again. Whether one has failed.
-bool stop_failing_new();
+/// The ways, by the nearest callers, that led to allocations that failed.
+class Ways {
+ public:
+  explicit Ways(int callers) : callers_(callers) {}
+  int callers() const { return callers_; }
+  /// False when it was there before.
+  bool add(uint64_t way);
+
+ private:
+  const int callers_;
+  std::atomic<uint64_t> slots_[size_t{1} << 16] = {};
+};
+
+/// Counts allocations from 1. The one after the next `spared` fails; with `lasting`, all after it too. With `ways`, the
+/// first after those that comes on a new way.
+void fail_new(int64_t spared, bool lasting, Ways* ways = nullptr);
+/// All work again. The number of the first that failed; 0: none did.
+int64_t stop_failing_new();
 
 }  // namespace vxtest
 

@@ -44,7 +44,7 @@ void sweep(bool keeps_failing, int64_t step) {
     SCOPED_TRACE(testing::Message() << "the allocation " << k << (keeps_failing ? " and all after it" : ""));
     vxtest::fail_new(k, keeps_failing);
     const VXStatus status = scenario();
-    const bool had_a_failure = vxtest::stop_failing_new();
+    const bool had_a_failure = vxtest::stop_failing_new() != 0;
     if (status != 0) ++failed;
     ASSERT_EQ(vxhostAlive(), 0) << alive();
     if (!had_a_failure) {

@@ -1,0 +1,308 @@
+// The command with its input cut anywhere, and with each of its calls made to fail: every allocation, every call on a
+// file.
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/arguments.h"
+#include "cli/run.h"
+#include "tests/cli/faulty_calls.h"
+#include "tests/host/failing_new.h"
+#include "vxnls/vxhost.h"
+
+extern "C" [[gnu::weak]] void __gcov_dump();
+
+namespace {
+
+namespace fs = std::filesystem;
+using vxtest::Call;
+using vxtest::FaultyCalls;
+using vxtest::Ways;
+
+std::string content(const fs::path& file) {
+  std::ostringstream text;
+  text << std::ifstream(file, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+/// Quotes, a line end within them, values that cannot be read, an empty line, a last line without its end.
+constexpr std::string_view table =
+    "\xEF\xBB\xBFid,when,\"a\r\nb\",amount\r\n1,31.12.2021,\"\"\"\",\"1.234,50\"\r\n\"2\",\"1.2.2022\","
+    "\"y\n\"\"z\"\"\",x\n"
+    "3,??,,\"1,5\"\r\n\r\n4,13.1.2022,q,9";
+constexpr std::string_view old_content = "what was there before\n";
+
+struct Line {
+  std::string words;  // "@" stands for the folder
+  std::string_view input = {};
+  const char* written = nullptr;  // a file that it writes
+  size_t most = 10;               // bytes a read, so that there are a few
+};
+
+/// At least one for each command.
+const Line lines[] = {
+    {"--help"},
+    {"format datetime --version"},
+    {"format dat 2026-11-21"},
+    {"format date 2026-11-21 -l de_DE"},
+    {"format date -l de_DE --style long", "2026-11-21\nx\n2026-11-22\n"},
+    {"format time 14:05 -l fr_CA"},
+    {"format datetime 2026-11-21T14:05:09Z -l ar_EG --zone Africa/Cairo"},
+    {"format number 1234.5 -l de_DE"},
+    {"format percent 0.5 -l tr_TR"},
+    {"format currency 12.5 -l ja_JP"},
+    {"format integer 1234567 -l hi_IN"},
+    {"parse date --json -l de_DE", "21.11.2026\nx\n22.11.2026\n"},
+    {"parse time 14:05:09 --explain -l de_DE"},
+    {"parse datetime -l de_DE -z Europe/Berlin", "21.11.2026 14:05:09\n"},
+    {"parse number 1.234,5 -l de_DE"},
+    {"parse integer 1.234 -l de_DE"},
+    {"recognise -l auto --locales de_DE,en_US -j 1 --json", table, nullptr, 50},
+    {"recognise -l de_DE --emit-profile @/again -j 2 @/table.csv", "", "again", 40},
+    {"recognise -l de_DE --html @/page", table, "page", 50},
+    {"normalise -c when:date,amount:number -l de_DE --rejects @/rejects -j 1 @/table.csv", "", "rejects", 40},
+    {"normalise --profile @/profile --invalid mark -j 2", table, nullptr, 2000},
+    {"normalise -l de_DE --sample all -c when:date --to-locale en_GB @/table.csv", "", nullptr, 40},
+    {"transcode --to utf-16le @/dates"},
+    {"case upper stra\xC3\x9F"
+     "e"},
+    {"compare a B --json"},
+    {"chars a\xC3\xA9"},
+    {"locale list --details de_"},
+    {"locale show de_DE"},
+    {"locale check vi_VN"},
+    {"calendar 2000-02-29"},
+    {"zone info Europe/Berlin 2026-07-01T00:00"},
+    {"zone list"},
+    {"completion bash"},
+    {"help format"},
+};
+
+struct Fault {
+  FaultyCalls calls = {};
+  int64_t spared = -1;  // allocations before the one that fails; less than 0: none fails
+  bool lasting = false;
+  Ways* ways = nullptr;
+};
+
+struct Ending {
+  int code = -1;  // 128 and the signal's number when one ended it
+  std::string out, err, file;
+  long calls = 0;      // of the kind that was to fail
+  int64_t failed = 0;  // the number of the allocation that failed; 0: none
+  int64_t lost = 0;    // what the host holds after its end
+
+  bool operator==(const Ending& other) const {
+    return code == other.code && out == other.out && err == other.err && file == other.file;
+  }
+};
+
+std::ostream& operator<<(std::ostream& out, const Ending& ending) {
+  return out << ending.code << '\n' << ending.out << '\n' << ending.err << '\n' << ending.file;
+}
+
+/// What several processes see.
+template <class T, class... Parts>
+T* shared(Parts... parts) {
+  void* const memory = mmap(nullptr, sizeof(T), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  if (memory == MAP_FAILED) throw std::bad_alloc();
+  return new (memory) T(parts...);
+}
+
+class Faults : public testing::Test {
+ protected:
+  Faults() : out_(memfd_create("out", 0)), err_(memfd_create("err", 0)), told_(shared<Ending>()) {
+    std::string name = (fs::temp_directory_path() / "vxnls-XXXXXX").string();
+    folder_ = mkdtemp(name.data());
+    for (const auto& [variable, value] : {std::pair{"LANG", "en_US.UTF-8"}, {"TZ", "UTC"}}) setenv(variable, value, 1);
+    put("dates", "31.12.2021\nx\n1.2.2022\n");
+    put("table.csv", table);
+    for (const Line& line : lines) {
+      if (line.written != nullptr) put(line.written, old_content);
+    }
+    EXPECT_LE(run({"recognise -q -l de_DE --emit-profile @/profile @/table.csv"}).code, 1);
+    files_ = count_files();
+  }
+  ~Faults() override {
+    EXPECT_EQ(count_files(), files_);  // nothing is left beside what was written
+    fs::remove_all(folder_);
+    close(out_);
+    close(err_);
+  }
+
+  void put(const char* name, std::string_view text) { std::ofstream(folder_ / name, std::ios::binary) << text; }
+  long count_files() const { return std::distance(fs::directory_iterator(folder_), {}); }
+
+  /// In a process of its own, so that nothing of a run is there in the next.
+  Ending run(const Line& line, const Fault& fault = {}) {
+    if (line.written != nullptr) put(line.written, old_content);
+    std::vector<std::string> words;
+    std::istringstream in(line.words);
+    for (std::string word; in >> word;) {
+      if (word.starts_with('@')) word.replace(0, 1, folder_.string());
+      words.push_back(word);
+    }
+    std::vector<char*> pointers;
+    for (std::string& word : words) pointers.push_back(word.data());
+    int ends[2];
+    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+    EXPECT_EQ(write(ends[1], line.input.data(), line.input.size()), static_cast<ssize_t>(line.input.size()));
+    for (const int file : {out_, err_}) EXPECT_EQ(ftruncate(file, 0) + lseek(file, 0, SEEK_SET), 0);
+    const int64_t alive = vxhostAlive();
+
+    const pid_t child = fork();
+    if (child == 0) {
+      close(ends[1]);
+      dup2(ends[0], STDIN_FILENO);
+      dup2(out_, STDOUT_FILENO);
+      dup2(err_, STDERR_FILENO);
+      std::signal(SIGPIPE, SIG_IGN);
+      alarm(60);
+      vxtest::make_faulty(fault.calls, folder_.string());
+      if (fault.spared >= 0) vxtest::fail_new(fault.spared, fault.lasting, fault.ways);
+      const int code = static_cast<int>(vxcli::run(pointers));
+      told_->failed = vxtest::stop_failing_new();
+      told_->calls = vxtest::calls_made();
+      told_->lost = vxhostAlive() - alive;
+      if (__gcov_dump != nullptr) __gcov_dump();
+      _exit(code);
+    }
+    close(ends[0]);
+    close(ends[1]);
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return {.code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+            .out = content(fmt::format("/proc/self/fd/{}", out_)),
+            .err = content(fmt::format("/proc/self/fd/{}", err_)),
+            .file = line.written != nullptr ? content(folder_ / line.written) : "",
+            .calls = told_->calls,
+            .failed = told_->failed,
+            .lost = told_->lost};
+  }
+
+  /// True when the fault changed nothing. Otherwise it must be told, and nothing may look finished that is not.
+  bool expect_told(const Ending& ending, const Ending& plain, int code, std::string_view message) const {
+    EXPECT_LE(ending.lost, plain.lost);  // a host that is open elsewhere may hold more from then on
+    if (ending == plain) return true;
+    EXPECT_EQ(ending.code, code);
+    EXPECT_NE(ending.err.find(message), std::string::npos) << ending.err;
+    EXPECT_TRUE(plain.out.starts_with(ending.out)) << ending.out;
+    EXPECT_TRUE(ending.file == plain.file || ending.file == old_content) << ending.file;
+    return false;
+  }
+
+  int64_t fail_each_allocation(const Line& line, bool lasting, Ways* ways) {
+    const Ending plain = run(line);
+    EXPECT_LE(plain.code, 2) << plain.err;
+    int64_t failures = 0;
+    for (Fault fault{.spared = 0, .lasting = lasting, .ways = ways};; ++failures) {
+      const Ending ending = run(line, fault);
+      SCOPED_TRACE(fmt::format("{}: allocation {}{}", line.words, ending.failed, lasting ? " and all after it" : ""));
+      expect_told(ending, plain, 4, "memory is exhausted");
+      if (ending.failed == 0 || HasFailure()) return failures;
+      fault.spared = ending.failed;
+    }
+  }
+
+  fs::path folder_;
+  long files_ = 0;
+
+ private:
+  const int out_, err_;
+  Ending* const told_;
+};
+
+TEST_F(Faults, EveryAllocationThatFailsIsTold) {
+  const bool thorough = std::getenv("VXNLS_LONG_TESTS") != nullptr;
+  int64_t failures = fail_each_allocation({"format date 2026-11-21 -l de_DE"}, false, shared<Ways>(thorough ? 14 : 3));
+  // With the host open everywhere, what it reads once a process is there already.
+  VXHost* host = nullptr;
+  ASSERT_EQ(vxhostOpen(nullptr, &host), 0u);
+  for (const bool lasting : {false, true}) {
+    Ways* const ways = shared<Ways>(thorough ? 14 : lasting ? 2 : 3);
+    for (const Line& line : lines) failures += fail_each_allocation(line, lasting, ways);
+  }
+  vxhostClose(host);
+  RecordProperty("failures", std::to_string(failures));
+  EXPECT_GT(failures, 1500);
+}
+
+TEST_F(Faults, EveryCallOnFilesThatFailsIsTold) {
+  static const struct {
+    Call call;
+    std::vector<int> errors;  // after those that change nothing
+  } cases[] = {{Call::read, {EIO}}, {Call::write, {ENOSPC, EPIPE}}, {Call::close, {EIO}}, {Call::rename, {EACCES}}};
+  VXHost* host = nullptr;
+  ASSERT_EQ(vxhostOpen(nullptr, &host), 0u);
+  long failures = 0;
+  for (const Line& line : lines) {
+    const Ending plain = run(line);
+    for (const auto& c : cases) {
+      Fault fault{.calls = {.call = c.call, .most = line.most}};
+      const long calls = run(line, fault).calls;
+      ASSERT_GE(calls, plain.code <= 1 && (c.call == Call::write || c.call == Call::close) ? 1 : 0) << line.words;
+      for (const int error : c.errors) {
+        long told = 0;
+        for (fault.calls.at = 1, fault.calls.error = error; fault.calls.at <= calls; ++fault.calls.at, ++failures) {
+          SCOPED_TRACE(fmt::format("{}: call {} of kind {}", line.words, fault.calls.at, static_cast<int>(c.call)));
+          if (!expect_told(run(line, fault), plain, 3, std::strerror(error))) ++told;
+        }
+        // Only that an input cannot be closed may be passed over.
+        EXPECT_GE(told, c.call == Call::close ? std::min(calls, 1L) : calls) << line.words;
+      }
+      if (c.call != Call::read && c.call != Call::write) continue;
+      for (const int error : {0, EINTR}) {
+        for (fault.calls.at = 1, fault.calls.error = error; fault.calls.at <= calls; ++fault.calls.at, ++failures) {
+          EXPECT_EQ(run(line, fault), plain) << line.words << ": call " << fault.calls.at;
+        }
+      }
+    }
+    // That nobody can be told changes nothing.
+    Fault mute{.calls = {.call = Call::tell}};
+    const long calls = run(line, mute).calls;
+    for (mute.calls.at = 1, mute.calls.error = ENOSPC; mute.calls.at <= calls; ++mute.calls.at, ++failures) {
+      Ending ending = run(line, mute);
+      ending.err = plain.err;
+      EXPECT_EQ(ending, plain) << line.words;
+    }
+  }
+  vxhostClose(host);
+  RecordProperty("failures", std::to_string(failures));
+  EXPECT_GT(failures, 300);
+}
+
+TEST_F(Faults, TheSameBytesHoweverTheInputIsCut) {
+  static constexpr struct {
+    std::string_view words;
+    const char* written;
+  } cases[] = {{"normalise --profile @/profile --rejects @/rejects", "rejects"},
+               {"normalise -l de_DE -c when:date,amount:number --rejects @/rejects", "rejects"},
+               {"recognise -l de_DE --json", nullptr}};
+  for (const auto& c : cases) {
+    const auto line = [&](int threads) { return Line{fmt::format("{} -j {}", c.words, threads), table, c.written}; };
+    const Ending whole = run(line(1));
+    EXPECT_EQ(whole.code, 1) << whole.err;
+    for (size_t most = 1; most <= table.size(); ++most) {
+      const int threads = 1 << most % 3;
+      SCOPED_TRACE(fmt::format("{} by {} bytes, {} threads", c.words, most, threads));
+      ASSERT_EQ(run(line(threads), {.calls = {.most = most}}), whole);
+    }
+  }
+}
+
+}  // namespace
