@@ -102,12 +102,24 @@ TEST(Result, FormatsIntoWhatTheCallerHas) {
 TEST(Host, GivesOutLocalesAndZones) {
   auto& host = vxtest::host();
   EXPECT_EQ(host.locale("de-DE", "europe/berlin").value().name(), "de_DE");
-  EXPECT_EQ(host.locale("xx_YY").status(), VX_E_NOMATCH);
-  EXPECT_EQ(host.locale("de_DE", "Europe/Nowhere").status(), VX_E_ZONE);
-  // A NUL must not cut a name short, nor may a name be too long.
-  EXPECT_EQ(host.locale(std::string_view("de_DE\0x", 7)).status(), VX_E_NOMATCH);
-  EXPECT_EQ(host.locale("de_DE", std::string_view("UTC\0x", 5)).status(), VX_E_ZONE);
-  EXPECT_EQ(host.locale(std::string(300, 'd')).status(), VX_E_NOMATCH);
+  // A NUL must not cut a name short, nor may a name be too long or lead elsewhere.
+  const std::string longish(300, 'd'), very_long(10000, 'A');
+  for (const std::string_view none : {std::string_view("xx_YY"),
+                                      {"de_DE\0x", 7},
+                                      {"UTC\0x", 5},
+                                      {"\0", 1},
+                                      {"../de"},
+                                      {"../../etc/passwd"},
+                                      {"/etc/localtime"},
+                                      {longish},
+                                      {very_long}}) {
+    SCOPED_TRACE(none.substr(0, 30));
+    EXPECT_EQ(host.locale(none).status(), VX_E_NOMATCH);
+    EXPECT_EQ(host.locale("de_DE", none).status(), VX_E_ZONE);
+    EXPECT_EQ(host.locale("de_DE", "UTC").value().set_zone(none), VX_E_ZONE);
+    EXPECT_EQ(host.resolve(none).status(), VX_E_NOMATCH);
+    EXPECT_EQ(host.zone_at(none, std::chrono::sys_seconds{}).status(), VX_E_ZONE);
+  }
   EXPECT_EQ(host.resolve("zh_TW").value(), "zh_Hant_TW");
   EXPECT_EQ(host.resolve("de_US").status(), VX_W_SUBSTITUTE);
   EXPECT_EQ(*host.resolve("de_US"), "de");

@@ -140,6 +140,38 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
   EXPECT_EQ(vxhostResolveLocale(host, "de_DE", canonical, 6), 0u);
 }
 
+// Names in units, which may hold anything: through the library, and within a text that names a zone.
+TEST_F(Host, NamesOfAnyUnits) {
+  VXLocale* const own = locale("en_US", "Europe/Berlin", 1);
+  VXZone* const berlin = own->timeZone;
+  static constexpr char pattern[] = "%Z";
+  own->localeData->datetimePattern.length = sizeof pattern - 1;
+  std::copy_n(pattern, sizeof pattern - 1, own->localeData->datetimePattern.text);
+  HostContext* const context = vxhostContext(host);
+  for (const std::u32string& name :
+       {std::u32string(U"../../etc/passwd"), std::u32string(U"/etc/localtime"),
+        std::u32string(U"Europe/../Europe/Paris"), std::u32string(U"Asia/Tokyo\0", 11), std::u32string(U"\0", 1),
+        std::u32string(U"de\0DE", 5), std::u32string(10000, U'A'), std::u32string(10000, U' '),
+        std::u32string(10000, U'/'), std::u32string(1, 0x141), std::u32string{0xD800, 0x110000, 0xFFFFFFFF},
+        U"Asia/Tok" + std::u32string(1, 0x100 + U'y') + U"o"}) {
+    SCOPED_TRACE(testing::PrintToString(name.substr(0, 30)));
+    const std::vector<VXChar> units(name.begin(), name.end());
+    const auto n = static_cast<int64_t>(units.size());
+    EXPECT_EQ(NLSGetTZh(own, units.data(), n), nullptr);
+    EXPECT_EQ(NLSSetTimezoneId(own, units.data(), n), VX_E_ZONE);
+    EXPECT_EQ(own->timeZone, berlin);
+    double value = 0;
+    int64_t consumed = 0;
+    EXPECT_EQ(NLSBufToDatetime(own, units.data(), n, 0, &value, &consumed), VX_E_NOMATCH);
+    VXStatus status = 0;
+    LocaleCreateOptions options = {1, {}, units.data(), n};
+    EXPECT_EQ(NLSLocaleCreate(context, own->name, 5, &status, &options), nullptr);
+    EXPECT_EQ(status, VX_E_ZONE);
+    EXPECT_EQ(NLSLocaleCreate(context, units.data(), n, &status, nullptr), nullptr);
+    EXPECT_EQ(status, VX_E_NOMATCH);
+  }
+}
+
 struct Entry {
   uint32_t level;
   double time;
@@ -348,6 +380,9 @@ TEST_F(Host, HasATextForEveryStatus) {
   EXPECT_STREQ(text, "0x80000001");
   EXPECT_EQ(vxhostStatusText(host, VX_E_ZONE, text, 11), VX_E_TRUNCATED);
   EXPECT_STREQ(text, "0x803fe83c");
+  EXPECT_EQ(vxhostStatusText(host, VX_E_ZONE, text, SIZE_MAX), 0u);
+  EXPECT_EQ(vxhostResolveLocale(host, "de_DE", text, SIZE_MAX), 0u);
+  EXPECT_EQ(vxhostAliveText(text, SIZE_MAX), 0u);
 }
 
 TEST(HostOpening, JournalsToStandardErrorWhenTheEnvironmentSaysSo) {
