@@ -5,15 +5,20 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "host/accounting.h"
 #include "host/zone_service.h"
 #include "host/zone_table.h"
+#include "tests/host/temporary_folder.h"
 
 namespace {
 
@@ -152,6 +157,49 @@ TEST(ZoneService, EveryZoneOpensAndAgreesAtSomeTimes) {
     const SystemZone system(id->canonical->name);
     for (int i = 0; i < 40; ++i) ASSERT_NO_FATAL_FAILURE(expect_utc(*zone, any(random)));
   }
+}
+
+// A file that is cut short anywhere, or has one byte of any value behind its headers: no zone, or one whose offsets are
+// less than a day.
+TEST(ZoneService, DamagedFiles) {
+  std::ifstream in(table().folder() + "/Europe/Berlin", std::ios::binary);
+  const std::string whole{std::istreambuf_iterator<char>(in), {}};
+  const size_t second_header = whole.find("TZif", 4);
+  ASSERT_NE(second_header, std::string::npos);
+  const vxtest::TemporaryFolder folder;
+  std::string names = "# version damaged\n";
+  for (size_t i = 0; i < 2 * whole.size(); ++i) names += "Z N" + std::to_string(i) + " 1 - A\n";
+  folder.write("tzdata.zi", names);
+  const vxhost::ZoneTable damaged(folder.path());
+  const ZoneService service(damaged);
+  const struct Quiet {  // the reader of the files tells what it does not like
+    std::ostringstream told;
+    std::streambuf* const before = std::clog.rdbuf(told.rdbuf());
+    ~Quiet() { std::clog.rdbuf(before); }
+  } quiet;
+  int64_t opened = 0, refused = 0;
+  for (size_t i = 0; i < 2 * whole.size(); ++i) {
+    const size_t place = i / 2;
+    constexpr size_t header = 44;
+    if (place < header || (place >= second_header && place < second_header + header)) continue;
+    std::string text = whole;
+    if (i % 2 == 0) text.resize(place);
+    else text[place] = "\x80\x7F\xFF\x01\x00"[place % 5];
+    const std::string name = "N" + std::to_string(i);
+    folder.write(name, text);
+    const std::unique_ptr<VXZone> zone(service.open(name));
+    std::filesystem::remove(folder.file(name));
+    ++(zone != nullptr ? opened : refused);
+    if (zone == nullptr) continue;
+    for (const double seconds : {-1e14, -138061.0 * day, -3e9, 0.0, 1e9, 2e9, 6589335.0 * day, 1e14}) {
+      for (const int32_t direction : {VX_ZONE_FROM_LOCAL, VX_ZONE_FROM_UTC}) {
+        const auto moment = ZoneService::at(*zone, direction, seconds);
+        ASSERT_TRUE(moment && std::abs(moment->offset) < day) << name << " at " << seconds;
+      }
+    }
+  }
+  EXPECT_GT(opened, 1000);
+  EXPECT_GT(refused, 1000);
 }
 
 TEST(ZoneService, RepeatedAndSkippedLocalTimes) {
