@@ -122,6 +122,7 @@ TEST(ParseTime, HostileLengthsAndNulls) {
   int64_t consumed = -1;
   EXPECT_EQ(NLSBufToTime(locale.get(), nullptr, INT64_MIN, 4, &seconds, &consumed), VX_E_NOMATCH);
   EXPECT_EQ(NLSBufToDatetimeU(locale.get(), nullptr, -1, 0, &seconds, &consumed), VX_E_NOMATCH);
+  EXPECT_EQ(NLSBufToTimeU(locale.get(), nullptr, 0, 4, &seconds, &consumed), VX_E_NOMATCH);  // empty, not missing
   const VXChar units[] = {'5'};
   const uint8_t bytes[] = {'5'};
   const auto refuse_nulls = [&](auto* text, auto date, auto time, auto datetime) {

@@ -89,7 +89,8 @@ void append(Bytes& text, uint32_t c, VXEncoder encoder) {
   text.insert(text.end(), bytes, bytes + written);
 }
 
-/// Texts of characters that take 1, 2, 3 or 4 bytes of UTF-8, of ASCII with few and with many others, of all.
+/// Texts of characters that take 1, 2, 3 or 4 bytes of UTF-8, of ASCII with few and with many others, of all; then of
+/// nothing but the first or the last character of a length.
 std::vector<Bytes> texts_in(VXEncoder encoder, size_t length, Random& random) {
   static constexpr uint32_t first[] = {0, 0x80, 0x800, 0x10000}, last[] = {0x7F, 0x7FF, 0xFFFF, 0x10FFFF};
   std::vector<Bytes> texts;
@@ -101,6 +102,13 @@ std::vector<Bytes> texts_in(VXEncoder encoder, size_t length, Random& random) {
       append(text, first[units] + static_cast<uint32_t>(random.below(last[units] - first[units] + 1)), encoder);
     }
     text.resize(length);
+  }
+  for (const auto& ends : {first, last}) {
+    for (int i = 0; i < 4; ++i) {
+      Bytes& text = texts.emplace_back();
+      while (text.size() < length) append(text, ends[i], encoder);
+      text.resize(length);
+    }
   }
   return texts;
 }
