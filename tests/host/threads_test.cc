@@ -3,17 +3,20 @@
 
 #include <atomic>
 #include <barrier>
+#include <cstdlib>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
+#include "host/locale_database_ops.h"
 #include "vxnls/vxhost.h"
 #include "vxnls/vxnls.h"
 
 namespace {
 
 constexpr int threads = 32;
-constexpr const char* names[] = {"de_DE", "en_US", "ja_JP", "ar_EG", "hi_IN", "fr_CA", "pl_PL", "zh_Hant_TW"};
 constexpr const char* zones[] = {"Europe/Berlin", "America/New_York", "Asia/Tokyo", "UTC"};
 
 template <class Body>
@@ -29,65 +32,110 @@ void in_threads(Body body) {
   for (auto& thread : all) thread.join();
 }
 
-TEST(Threads, AllGetTheSameLocales) {
-  VXHost* host = nullptr;
-  ASSERT_EQ(vxhostOpen(nullptr, &host), 0u) << vxhostOpenFailure();
-  VXLocale* found[threads][std::size(names)][std::size(zones)] = {};
-  in_threads([&](int t) {
-    for (size_t n = 0; n < std::size(names); ++n) {
-      for (size_t z = 0; z < std::size(zones); ++z) {
-        const size_t turned = (n + static_cast<size_t>(t)) % std::size(names);
-        EXPECT_EQ(vxhostLocale(host, names[turned], zones[z], 0, &found[t][turned][z]), 0u);
-      }
-    }
-  });
-  for (int t = 1; t < threads; ++t) {
-    for (size_t n = 0; n < std::size(names); ++n) {
-      for (size_t z = 0; z < std::size(zones); ++z) EXPECT_EQ(found[t][n][z], found[0][n][z]);
-    }
+/// Counts what the locale database of a host fills: each locale that is created is filled once.
+class CountedFills {
+ public:
+  explicit CountedFills(VXHost* host) : database_(vxhostContext(host)->localeDatabase), real_(database_->ops) {
+    static VXHostLocaleDatabaseOps counting;
+    counting = *reinterpret_cast<const VXHostLocaleDatabaseOps*>(real_);
+    static const VXLocaleDatabaseOps* real;
+    real = real_;
+    counting.base.fill = [](VXLocaleDatabase* self, VXLocaleData* record, const VXChar* name, int64_t length) {
+      ++count_;
+      return real->fill(self, record, name, length);
+    };
+    count_ = 0;
+    database_->ops = &counting.base;
   }
-  vxhostClose(host);
-  EXPECT_EQ(vxhostAlive(), 0);
+  ~CountedFills() { database_->ops = real_; }
+  CountedFills(const CountedFills&) = delete;
+  CountedFills& operator=(const CountedFills&) = delete;
+  static int64_t count() { return count_; }
+
+ private:
+  inline static std::atomic<int64_t> count_;
+  VXLocaleDatabase* const database_;
+  const VXLocaleDatabaseOps* const real_;
+};
+
+/// A moment written, and what reading that gives.
+struct Written {
+  std::vector<VXChar> text = std::vector<VXChar>(200);
+  double value = 0;
+  VXStatus status = 0;
+
+  explicit Written(VXLocale* locale) {
+    int64_t length = 0;
+    int64_t consumed = 0;
+    EXPECT_EQ(locale->ops.NLSDatetimeFormat(locale, 0, text.data(), 200, &length, 2e9), 0u);
+    text.resize(static_cast<size_t>(length));
+    status = locale->ops.NLSBufToDatetime(locale, text.data(), length, 0, &value, &consumed);
+  }
+  bool operator==(const Written&) const = default;
+};
+
+VXStatus set_zone(VXLocale* locale, std::string_view name) {
+  const std::vector<VXChar> id(name.begin(), name.end());
+  return locale->ops.NLSSetTimezoneId(locale, id.data(), static_cast<int64_t>(id.size()));
 }
 
-TEST(Threads, CreateFormatParseAndChangeZones) {
+TEST(Threads, EveryLocaleIsCreatedOnceAndServesAll) {
   VXHost* host = nullptr;
   ASSERT_EQ(vxhostOpen(nullptr, &host), 0u) << vxhostOpenFailure();
+  setenv("TZ", "No/Where", 1);  // so that each locale with the system's zone is told of in the journal
   std::atomic<int64_t> entries{0};
   vxhostSetJournal(
       host, [](void* user, uint32_t, double, const char*) { ++*static_cast<std::atomic<int64_t>*>(user); }, &entries);
-  in_threads([&](int t) {
-    for (int i = 0; i < 40; ++i) {
-      const auto pick = static_cast<size_t>(t + i);
-      VXLocale* locale = nullptr;
-      const uint32_t is_private = i % 8 == 0 ? 1 : 0;
-      ASSERT_EQ(vxhostLocale(host, names[pick % std::size(names)], zones[pick % std::size(zones)], is_private, &locale),
-                0u);
-      const std::string other = zones[(pick + 1) % std::size(zones)];
-      const std::vector<VXChar> id(other.begin(), other.end());
-      EXPECT_EQ(locale->ops.NLSSetTimezoneId(locale, id.data(), static_cast<int64_t>(id.size())), 0u);
-      const std::vector<VXChar> unknown(3, 'x');
-      EXPECT_EQ(locale->ops.NLSSetTimezoneId(locale, unknown.data(), 3), VX_E_ZONE);
-      VXChar text[200];
-      int64_t length = 0;
-      EXPECT_EQ(locale->ops.NLSDatetimeFormat(locale, 0, text, 200, &length, 2e9 + 1000.0 * i), 0u);
-      double value = 0;
-      int64_t consumed = 0;
-      EXPECT_EQ(locale->ops.NLSBufToDatetime(locale, text, length, 0, &value, &consumed), 0u)
-          << names[pick % std::size(names)];
-      EXPECT_EQ(vxnlsisalpha(static_cast<VXChar>(0x400 + i)), 1);
-      uint8_t word[] = "\u00C9t\u00C9";
-      vxzsu8Lower(word, sizeof word - 1);
-      VXStatus status = 0;
-      EXPECT_EQ(vxzsu8ICUNormCompare(word, 5, word, 5, 0, &status), 0);
-      EXPECT_EQ(status, 0u);
-      VXHostZoneInfo info;
-      EXPECT_EQ(vxhostZoneInfo(host, zones[pick % std::size(zones)], VX_ZONE_FROM_UTC, 1e9 * (i - 20), &info), 0u);
-      EXPECT_EQ(vxhostLocale(host, "de_DE", "Nowhere", 0, &locale), VX_E_ZONE);
-      EXPECT_EQ(vxhostSetOption(host, "VX_NAME_YEARCUTOFF", 1950), 0u);
-      EXPECT_EQ(vxfmtzjulymd(60, 1, 1), vxfmtzjulymd(1960, 1, 1));
+  std::vector<std::string> names;
+  vxhostForEachLocale(
+      host,
+      [](void* user, const char* name) { return static_cast<std::vector<std::string>*>(user)->emplace_back(name), 0; },
+      &names);
+  ASSERT_GT(names.size(), 800u);
+  std::vector<std::vector<VXLocale*>> found(threads, std::vector<VXLocale*>(names.size()));
+  std::vector<std::vector<std::optional<Written>>> written(threads, std::vector<std::optional<Written>>(names.size()));
+  std::atomic<int64_t> of_their_own{0};
+  {
+    const CountedFills fills(host);
+    in_threads([&](int t) {
+      for (size_t i = 0; i < names.size(); ++i) {
+        // Four threads want the same locales in the same order.
+        const size_t n = (i + static_cast<size_t>(t / 4) * 100) % names.size();
+        VXLocale*& locale = found[static_cast<size_t>(t)][n];
+        ASSERT_EQ(vxhostLocale(host, names[n].c_str(), zones[n % std::size(zones)], 0, &locale), 0u);
+        EXPECT_EQ(set_zone(locale, zones[(n + i) % std::size(zones)]), 0u);
+        EXPECT_EQ(set_zone(locale, "xxx"), VX_E_ZONE);
+        written[static_cast<size_t>(t)][n].emplace(locale);
+        if (i % 16 != 0) continue;
+        VXLocale* own = nullptr;
+        EXPECT_EQ(vxhostLocale(host, names[n].c_str(), nullptr, 1, &own), 0u);
+        ++of_their_own;
+        EXPECT_EQ(set_zone(own, zones[i % std::size(zones)]), 0u);
+        EXPECT_EQ(Written(own), *written[static_cast<size_t>(t)][n]);
+        EXPECT_EQ(vxhostLocale(host, "de_DE", "Nowhere", 0, &own), VX_E_ZONE);
+        EXPECT_EQ(vxnlsisalpha(static_cast<VXChar>(0x400 + i % 40)), 1);
+        uint8_t word[] = "\u00C9t\u00C9";
+        vxzsu8Lower(word, sizeof word - 1);
+        VXStatus status = 0;
+        EXPECT_EQ(vxzsu8ICUNormCompare(word, 5, word, 5, 0, &status), 0);
+        EXPECT_EQ(status, 0u);
+        VXHostZoneInfo info;
+        EXPECT_EQ(vxhostZoneInfo(host, zones[i % std::size(zones)], VX_ZONE_FROM_UTC, 1e6 * t, &info), 0u);
+        EXPECT_EQ(vxhostSetOption(host, "VX_NAME_YEARCUTOFF", 1950), 0u);
+        EXPECT_EQ(vxfmtzjulymd(60, 1, 1), vxfmtzjulymd(1960, 1, 1));
+      }
+    });
+    EXPECT_EQ(fills.count(), static_cast<int64_t>(names.size()) + of_their_own);
+  }
+  for (size_t n = 0; n < names.size(); ++n) {
+    const Written alone(found[0][n]);
+    for (size_t t = 0; t < threads; ++t) {
+      EXPECT_EQ(found[t][n], found[0][n]) << names[n];
+      EXPECT_EQ(*written[t][n], alone) << names[n];
     }
-  });
+  }
+  EXPECT_EQ(entries, of_their_own);
+  unsetenv("TZ");
   vxhostClose(host);
   EXPECT_EQ(vxhostAlive(), 0);
 }
