@@ -2,6 +2,7 @@
 // taken for something else.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 
@@ -10,19 +11,21 @@
 
 namespace {
 
+constexpr const char* system_zone = "America/Argentina/Buenos_Aires";  // a text of that length takes memory
+
 std::string alive() {
   char text[300];
   vxhostAliveText(text, sizeof text);
   return text;
 }
 
-std::string zone_of(const VXLocale* locale) {
+bool is_in(const VXLocale* locale, std::string_view zone) {
   VXChar name[50];
   int64_t length = std::size(name);
   int32_t offset = 0;
   VXZoneService* const zones = locale->host->zones;
   zones->ops->describe(zones, locale->timeZone, VX_ZONE_FROM_UTC, 0, name, &length, &offset);
-  return std::string(name, name + length);
+  return std::equal(name, name + length, zone.begin(), zone.end());
 }
 
 int count(void* number, const char*) { return ++*static_cast<int*>(number), 0; }
@@ -44,16 +47,16 @@ VXStatus scenario() {
   };
   VXLocale* locale = nullptr;
   if (good(vxhostLocale(host, "de-Latn-DE", "japan", 0, &locale), 0)) {
-    EXPECT_EQ(zone_of(locale), "Asia/Tokyo");
+    EXPECT_TRUE(is_in(locale, "Asia/Tokyo"));
   }
   if (good(vxhostLocale(host, "en_US", nullptr, 1, &locale), 0)) {
-    EXPECT_EQ(zone_of(locale), "Europe/Rome");
+    EXPECT_TRUE(is_in(locale, system_zone));
   }
   good(vxhostLocale(host, "xx_YY", "UTC", 0, &locale), VX_E_NOMATCH);
   good(vxhostLocale(host, "en_US", "No/Where", 0, &locale), VX_E_ZONE);
   VXHostZoneInfo info{};
   if (good(vxhostZoneInfo(host, nullptr, VX_ZONE_FROM_UTC, 0, &info), 0)) {
-    EXPECT_STREQ(info.id, "Europe/Rome");
+    EXPECT_STREQ(info.id, system_zone);
   }
   good(vxhostSetOption(host, "VX_A", 1), 0);
   char text[100];
@@ -74,7 +77,7 @@ VXStatus scenario() {
 }
 
 void sweep(bool keeps_failing) {
-  setenv("TZ", "Europe/Rome", 1);
+  setenv("TZ", system_zone, 1);
   ASSERT_EQ(scenario(), 0u);  // without faults, so that it is known how many locales and zones there are
   static vxtest::Ways ways[] = {vxtest::Ways(20), vxtest::Ways(20)};
   int64_t failures = 0;
