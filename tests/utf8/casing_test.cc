@@ -134,45 +134,49 @@ void expect_as_modelled(const Bytes& text, const Direction& direction, const Map
   }
 }
 
-/// All strings of n bytes that begin with `lowest` or more, by the tables: in place, and in the room they need.
+/// All strings of n bytes that begin with `lowest` or more, by the tables: in place, and in the room they need. One in
+/// 16 touches a page that may not be touched itself, which slows the C library down.
 void check_all(size_t n, uint64_t lowest) {
-  vxtest::GuardedBuffer<uint8_t> input(8), output(32);
-  uint8_t* const text = input.at(n);
-  uint8_t expected[8];
+  vxtest::GuardedBuffer<uint8_t> input(128), output(128);
+  Bytes expected(n);
   const auto length = static_cast<int64_t>(n);
   for (uint64_t number = lowest << 8 * (n - 1); number < uint64_t{1} << 8 * n; ++number) {
+    const size_t away = number % 16 == 0 ? 0 : 64;
+    uint8_t* const text = input.at(n, vxtest::Guard::behind, away);
     const auto spell = [&](uint8_t* to) {
       for (size_t i = 0; i < n; ++i) to[i] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));
     };
     const auto check = [&](const Direction& direction, auto mapping) {
       spell(text);
-      spell(expected);
+      spell(expected.data());
       const Fitting fits = fitting(text, n, 32, direction, mapping);
-      uint8_t* const out = output.at(static_cast<size_t>(fits.size));
+      uint8_t* const out = output.at(static_cast<size_t>(fits.size), vxtest::Guard::behind, away);
       int64_t written = -1;
-      if (direction.into(text, length, out, fits.size, &written) != 0 || written != fits.size ||
-          !std::equal(out, out + written, fits.bytes))
-        return false;
-      change_in_place(expected, n, direction, mapping);
+      if (direction.into(text, length, out, fits.size, &written) != 0 || written != fits.size) return false;
+      for (int64_t i = 0; i < written; ++i) {
+        if (out[i] != fits.bytes[i]) return false;
+      }
+      change_in_place(expected.data(), n, direction, mapping);
       direction.in_place(text, length);
-      return std::equal(text, text + n, expected);
+      for (size_t i = 0; i < n; ++i) {
+        if (text[i] != expected[i]) return false;
+      }
+      return true;
     };
     ASSERT_TRUE(check(lower, vxnls::lower_by_tables)) << n << " bytes " << std::hex << number;
     ASSERT_TRUE(check(upper, vxnls::upper_by_tables)) << n << " bytes " << std::hex << number;
   }
 }
 
-bool is_long_run() { return std::getenv("VXNLS_LONG_TESTS") != nullptr; }
-
-// What begins below C0 is a character and a shorter string: of three bytes in the long run only, of four never.
 TEST(Casing, EveryStringOfOneToThreeBytes) {
   check_all(1, 0);
   check_all(2, 0);
-  check_all(3, is_long_run() ? 0 : 0xC0);
+  check_all(3, 0);
 }
 
+// What begins below C0 is a character and a string of three bytes.
 TEST(Casing, EveryStringOfFourBytesInTheLongRun) {
-  if (!is_long_run()) GTEST_SKIP() << "set VXNLS_LONG_TESTS to run it";
+  if (std::getenv("VXNLS_LONG_TESTS") == nullptr) GTEST_SKIP() << "set VXNLS_LONG_TESTS to run it";
   check_all(4, 0xC0);
 }
 
