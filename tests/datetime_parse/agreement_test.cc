@@ -73,7 +73,8 @@ TEST(ParseAgreement, PlainStepsOfEveryLengthWithAFaultAtEveryPlace) {
        U"202120212021202120212021202120212021202120212021202120212021040404040404040404040404040404"},
   };
   // The last are as far below the digits as a sum of 32 bits goes round to.
-  constexpr char32_t faults[] = {U'0', U'9', U'x', U' ', U'/', U':', U'%', U'é', 0x80, 0xFFFF, 0xFFFFFFD1, 0xFFFFFFD9};
+  constexpr char32_t faults[] = {U'0', U'9', U'x', U't',   U' ',       U'/',      U':',
+                                 U'%', U'é', 0x80, 0xFFFF, 0xFFFFFFD1, 0xFFFFFFD9};
   for (const auto& c : cases) {
     std::u32string whole = c.text;
     while (whole.size() < 300) whole += U"09 /";
