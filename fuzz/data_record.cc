@@ -104,7 +104,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   std::vector<uint8_t> text(in.data, in.data + in.left);
   const auto length = static_cast<int64_t>(text.size());
-  const std::unique_ptr<uint8_t[]> exact(new uint8_t[text.size() + 1]);  // so that a byte read behind it is noticed
+  const std::unique_ptr<uint8_t[]> exact(new uint8_t[text.size()]);  // so that a byte read behind it is noticed
   std::copy(text.begin(), text.end(), exact.get());
   for (const uint32_t what : {VX_EXPLAIN_DATE, VX_EXPLAIN_TIME, VX_EXPLAIN_DATETIME}) {
     VXExplanation told;
