@@ -2,7 +2,7 @@
 // it says, nothing outside the buffers is touched, and what leaves the library keeps to what its headers say.
 #include <gtest/gtest.h>
 
-#include <bit>
+#include <cmath>
 #include <limits>
 
 #include "tests/support/character_host.h"
@@ -194,6 +194,36 @@ TEST(HostileHost, MappingsToAnyValue) {
     }
     const int32_t order = vxzsu8NormCompare(source.copy(in, text.size()), n, in, n - 2);
     EXPECT_EQ(vxzsu8NormCompare(in, n - 2, in, n), -order);
+  }
+}
+
+// Any byte as the group separator of a single-byte text: also a digit, the sign, the point.
+TEST(HostileHost, SeparatorsOfAnyByte) {
+  static uint8_t answer;
+  static constexpr VXConverterOps converter_ops = {[](VXConverter*, VXChar, uint8_t* byte) -> VXStatus {
+    *byte = answer;
+    return 0;
+  }};
+  VXConverter converter = {&converter_ops};
+  vxtest::PlainLocale locale;
+  locale.data.groupSeparator = 0x2019;
+  GuardedBuffer<uint8_t> memory(16);
+  for (int byte = 0; byte < 256; ++byte) {
+    answer = static_cast<uint8_t>(byte);
+    for (const std::string_view text : {"1\xB4"
+                                        "234.5E1",
+                                        " -1.5 ", "\x60\xF1\x4B\xF5\xC5\xF1"}) {
+      const uint8_t* const at = memory.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+      for (const auto read : {NLSBufToDoubleA, NLSBufToDoubleE}) {
+        double value = 0;
+        int64_t consumed = -1;
+        const VXStatus status =
+            read(locale.get(), at, static_cast<int32_t>(text.size()), &value, &consumed, &converter);
+        EXPECT_TRUE(status == 0 || status == VX_E_NOTNUMBER || status == VX_E_RANGE) << byte;
+        EXPECT_TRUE(consumed >= 0 && consumed <= static_cast<int64_t>(text.size())) << byte;
+        EXPECT_TRUE(status == 0 || std::isnan(value)) << byte;
+      }
+    }
   }
 }
 
