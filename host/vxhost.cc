@@ -69,9 +69,11 @@ std::string own_folder() {
 /// ICU takes what lies in the folders of ICU_DATA for its own data, and believes it. In a process with rights that its
 /// caller does not have, it must not; a folder that the program itself has set stays.
 void refuse_data_of_callers() {
-  if (getauxval(AT_SECURE) == 0) return;
-  const char* const folders = std::getenv("ICU_DATA");
-  if (folders != nullptr && std::string_view(u_getDataDirectory()) == folders) u_setDataDirectory("");
+  [[maybe_unused]] static const bool once = [] {  // as no two threads may change the folder
+    const char* const folders = getauxval(AT_SECURE) != 0 ? std::getenv("ICU_DATA") : nullptr;
+    if (folders != nullptr && std::string_view(u_getDataDirectory()) == folders) u_setDataDirectory("");
+    return true;
+  }();
 }
 
 /// CLDR calls its version 42 what ICU gives as 42.0.
