@@ -9,30 +9,41 @@
 
 namespace vxcli::column {
 
-const std::vector<std::string_view> numeric_dates = {
+namespace {
+
+constexpr std::string_view numeric_dates_list[] = {
     "%Y-%m-%d",   "%Y/%m/%d",     "%Y.%m.%d",       "%d/%m/%Y",       "%d.%m.%Y",    "%d-%m-%Y",
     "%d/%m/%y",   "%d.%m.%y",     "%d-%m-%y",       "%d. %m. %Y",     "%d. %m. %y",  "%d %m %Y",
     "%d %m %y",   "%Y %m %d",     "%d.%m.%Y.",      "%d. %m. %Y.",    "%Y.%m.%d.",   "%Y. %m. %d.",
     "%Y. %m. %d", "%Y年%m月%d日", "%Y年 %m月 %d日", "%Y년 %m월 %d일", "%d / %m / %Y"};
 
-const std::vector<std::string_view> named_dates = {"%d %b %Y",  "%d. %b %Y", "%d-%b-%Y",       "%d/%b/%Y",  "%d.%b.%Y",
-                                                   "%b %d, %Y", "%b %d %Y",  "%b-%d-%Y",       "%Y-%b-%d",  "%Y %b %d",
-                                                   "%Y. %b %d", "%Y/%b/%d",  "%d de %b de %Y", "%d %b, %Y", "%d %b %y",
-                                                   "%d. %b %y", "%d-%b-%y",  "%d/%b/%y",       "%b %d, %y"};
+constexpr std::string_view named_dates_list[] = {"%d %b %Y",  "%d. %b %Y", "%d-%b-%Y",       "%d/%b/%Y",  "%d.%b.%Y",
+                                                 "%b %d, %Y", "%b %d %Y",  "%b-%d-%Y",       "%Y-%b-%d",  "%Y %b %d",
+                                                 "%Y. %b %d", "%Y/%b/%d",  "%d de %b de %Y", "%d %b, %Y", "%d %b %y",
+                                                 "%d. %b %y", "%d-%b-%y",  "%d/%b/%y",       "%b %d, %y"};
 
-const std::vector<std::string_view> numeric_times = {"%H:%M:%S",     "%H:%M",          "%Hh%M",
-                                                     "%H時%M分%S秒", "%H時%M分",       "%H时%M分%S秒",
-                                                     "%H时%M分",     "%H시 %M분 %S초", "%H시 %M분"};
+constexpr std::string_view numeric_times_list[] = {"%H:%M:%S",     "%H:%M",          "%Hh%M",
+                                                   "%H時%M分%S秒", "%H時%M分",       "%H时%M分%S秒",
+                                                   "%H时%M分",     "%H시 %M분 %S초", "%H시 %M분"};
 
-const std::vector<std::string_view> named_times = {"%I:%M:%S %p", "%I:%M %p", "%I %p", "%p %I:%M:%S", "%p %I:%M"};
+constexpr std::string_view named_times_list[] = {"%I:%M:%S %p", "%I:%M %p", "%I %p", "%p %I:%M:%S", "%p %I:%M"};
 
-const std::vector<std::string_view> periods = {
+constexpr std::string_view periods_list[] = {
     "%Y-W%V", "%YW%V", "W%V %Y", "W%V-%Y", "W%V/%Y", "%Y-%m", "%Y/%m", "%m/%Y", "%m-%Y", "%m.%Y", "%Y年%m月", "%b %Y",
     "%b-%Y",  "%b/%Y", "%Y %b",  "%Y-%b",  "%b-%y",  "%q %Y", "%q-%Y", "%q/%Y", "%Y %q", "%Y-%q", "%Y/%q",    "%Y%q"};
 
-const std::vector<std::string_view> connectors = {"T",    " ",    ", ",     ",",       " - ",  "-",
-                                                  " um ", " at ", ", at ",  " à ",     " às ", " kl ",
-                                                  " o ",  " в ",  " alle ", " a las ", ", o ", ", в "};
+constexpr std::string_view connectors_list[] = {"T",    " ",    ", ",     ",",       " - ",  "-",
+                                                " um ", " at ", ", at ",  " à ",     " às ", " kl ",
+                                                " o ",  " в ",  " alle ", " a las ", ", o ", ", в "};
+
+}  // namespace
+
+constinit const std::span<const std::string_view> numeric_dates = numeric_dates_list;
+constinit const std::span<const std::string_view> named_dates = named_dates_list;
+constinit const std::span<const std::string_view> numeric_times = numeric_times_list;
+constinit const std::span<const std::string_view> named_times = named_times_list;
+constinit const std::span<const std::string_view> periods = periods_list;
+constinit const std::span<const std::string_view> connectors = connectors_list;
 
 namespace {
 

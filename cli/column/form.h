@@ -13,6 +13,7 @@
 
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -102,7 +103,8 @@ std::string plain_pattern(std::string_view pattern);
 size_t literal_length(std::string_view literal, std::string_view text);
 
 /// The forms that are tried in any column, in order.
-extern const std::vector<std::string_view> numeric_dates, named_dates, numeric_times, named_times, periods, connectors;
+extern const std::span<const std::string_view> numeric_dates, named_dates, numeric_times, named_times, periods,
+    connectors;
 /// Only where a date was asked for.
 inline constexpr std::string_view basic_date = "%Y%m%d";
 
