@@ -19,8 +19,8 @@ struct CivilDate {
 };
 
 constexpr bool is_leap_year(int64_t year) {
-  if (year % 4 != 0 || year % 4000 == 0) return false;
-  return year % 100 != 0 || year % 400 == 0;
+  // Of years that 25 divides, those that 400 divides; no branch depends on the year.
+  return (year & (year % 25 != 0 ? 3 : 15)) == 0 && year % 4000 != 0;
 }
 
 constexpr int32_t days_in_year(int64_t year) { return 365 + is_leap_year(year); }
@@ -38,7 +38,7 @@ constexpr int32_t days_in_month(int64_t year, int32_t month) {
   return month == 2 ? days + is_leap_year(year) : days;
 }
 
-constexpr bool is_valid(CivilDate date) {
+[[gnu::always_inline]] constexpr bool is_valid(CivilDate date) {
   return date.year >= first_year && date.year <= last_year && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
          (date.day <= 28 || date.day <= days_in_month(date.year, date.month));
 }
@@ -49,20 +49,32 @@ constexpr int64_t day_number(int64_t year, int64_t day_of_year) {
   return 365 * year + before / 4 - before / 100 + before / 100 / 4 - before / 4000 - 715875 + day_of_year;
 }
 
-constexpr int32_t day_number(CivilDate date) {
-  return static_cast<int32_t>(day_number(date.year, month_start(date.year, date.month) + date.day));
+/// The day number of a valid date.
+[[gnu::always_inline]] constexpr int32_t day_number(CivilDate date) {
+  const bool of_year_before = date.month < 3;  // years that begin in March end with their leap day
+  const auto year = static_cast<uint32_t>(date.year - of_year_before), century = year / 100;
+  const auto month = static_cast<uint32_t>(of_year_before ? date.month + 12 : date.month);
+  const uint32_t days = 1461 * year / 4 - century + century / 4 - year / 4000 + (979 * month - 2919) / 32;
+  return static_cast<int32_t>(days) - 715816 + date.day;
 }
 
 static_assert(day_number(1582, 1) == first_day && day_number(1960, 1) == 0 && day_number(20001, 1) == end_day);
 
+/// A date whose year is in two parts, as it is written.
+struct CenturyDate {
+  int32_t century, of_century, month, day;
+};
+
 /// The date of a day from first_day to before end_day.
-constexpr CivilDate civil_from_day(int32_t day) {
+constexpr CenturyDate century_date_from_day(int32_t day) {
   // Days since 1 March of year 0 in this calendar; each 29 February that 4000, 8000, ... lack is put in, which gives
   // days of the plain Gregorian calendar.
   constexpr int32_t days_in_4000_years = 1460969;
   constexpr int32_t epoch = day_number(CivilDate{4000, 3, 1}) - days_in_4000_years;
   const auto since = static_cast<uint32_t>(day - epoch);
-  const uint32_t gregorian = since + since / days_in_4000_years;
+  uint32_t gregorian = since;
+  if (since >= days_in_4000_years) [[unlikely]]
+    gregorian += since / days_in_4000_years;
   // Neri and Schneider, "Euclidean affine functions and their application to calendar algorithms" (2022): the year
   // begins in March, and divisions become multiplications.
   const uint32_t quarter_days = 4 * gregorian + 3;
@@ -73,9 +85,21 @@ constexpr CivilDate civil_from_day(int32_t day) {
   const uint32_t day_of_year = static_cast<uint32_t>(product) / 2939745 / 4;
   const uint32_t month_and_day = 2141 * day_of_year + 197913;
   const bool next_year = day_of_year >= 306;  // January and February
-  return {static_cast<int32_t>(100 * century + year_of_century + next_year),
+  const bool next_century = next_year && year_of_century == 99;
+  return {static_cast<int32_t>(century + next_century),
+          static_cast<int32_t>(next_century ? 0 : year_of_century + next_year),
           static_cast<int32_t>((month_and_day >> 16) - (next_year ? 12 : 0)),
           static_cast<int32_t>((month_and_day & 0xFFFF) / 2141 + 1)};
+}
+
+constexpr CenturyDate century_date(CivilDate date) {
+  const auto year = static_cast<uint32_t>(date.year), century = year / 100;
+  return {static_cast<int32_t>(century), static_cast<int32_t>(year - 100 * century), date.month, date.day};
+}
+
+constexpr CivilDate civil_from_day(int32_t day) {
+  const CenturyDate date = century_date_from_day(day);
+  return {100 * date.century + date.of_century, date.month, date.day};
 }
 
 static_assert(civil_from_day(first_day) == CivilDate{1582, 1, 1} && civil_from_day(0) == CivilDate{1960, 1, 1});
@@ -113,6 +137,17 @@ constexpr int32_t day_of_datetime(double t) {
 
 /// What counts the time of day of a valid datetime: the seconds themselves, or for 0 and below those since first_day.
 constexpr double since_some_midnight(double t) { return t <= 0 ? t - static_cast<double>(first_second) : t; }
+
+struct TimeOfDay {
+  int32_t hour, minute, second;
+};
+
+/// Of a second of the day, 0 to 86399.
+constexpr TimeOfDay time_of_day(int32_t second_of_day) {
+  const auto seconds = static_cast<uint32_t>(second_of_day), minutes = seconds / 60, hours = seconds / 3600;
+  return {static_cast<int32_t>(hours), static_cast<int32_t>(minutes - 60 * hours),
+          static_cast<int32_t>(seconds - 60 * minutes)};
+}
 
 constexpr DayAndSecond day_and_second(double t) {
   const uint64_t since = since_first_day(t);

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "calendar/triples.h"
 #include "calendar/work_area.h"
 #include "datetime_format/expansion.h"
 #include "vxnls/vxnls.h"
@@ -37,10 +38,11 @@ template <class Text>
   return count < whole || expansion.outgrown() ? VX_E_TRUNCATED : 0;
 }
 
+/// Writes by any pattern.
 template <class Text>
-VXStatus write(const VXLocale* locale, const NLSName& pattern, bool of_date, const Moment& moment,
-               const Destination<Text>& to) {
-  if (to.capacity >= short_road_units) {
+[[gnu::noinline]] VXStatus write_any(const VXLocale* locale, const NLSName& pattern, bool of_date, const Moment& moment,
+                                     const Destination<Text>& to) {
+  if (to.capacity >= short_road_units && may_be_numbers(pattern, of_date)) {
     typename Text::Unit before[short_road_units];
     copy_block<short_road_units>(before, to.buffer);
     if (auto* const end = write_numbers<Text>(pattern, of_date, moment, to.buffer)) {
@@ -53,28 +55,66 @@ VXStatus write(const VXLocale* locale, const NLSName& pattern, bool of_date, con
 }
 
 template <class Text>
-VXStatus write_date(const VXLocale* locale, uint32_t month, uint32_t day, uint32_t year, int32_t style,
-                    Destination<Text> to) {  // cppcheck-suppress passedByValue ; three words, kept in registers
+[[gnu::always_inline]] inline VXStatus write_date(const VXLocale* locale, uint32_t month, uint32_t day, uint32_t year,
+                                                  int32_t style, const Destination<Text>& to) {
   if (is_null(locale) || to.is_null()) return VX_E_NULL;
   const int64_t whole_year = year <= 99 ? widened_year(year, default_cutoff) : year;
   const CivilDate date{static_cast<int32_t>(whole_year), static_cast<int32_t>(month), static_cast<int32_t>(day)};
   if (!is_valid(date)) return VX_E_RANGE;
   const VXLocaleData& data = *locale->localeData;
   const NLSName& pattern = style == 1 ? data.datePattern1 : style == 2 ? data.datePattern2 : data.datePattern;
-  return write(locale, pattern, true, Moment::of_date(date), to);
+  if (pattern.length == triple_length && to.capacity >= date_length) [[likely]] {
+    const Triple triple = triple_at<false>(pattern.text);
+    if (triple.order != Order::none) [[likely]] {
+      put_date<Text>(to.buffer, triple, century_date(date));
+      *to.length = date_length;
+      return 0;
+    }
+  }
+  return write_any(locale, pattern, true, Moment(date), to);
+}
+
+/// What a datetime must be.
+constexpr VXStatus checked(double value) {
+  if (value != value) return VX_E_MISSING;
+  return is_valid_datetime(value) ? 0 : VX_E_RANGE;
 }
 
 template <class Text>
-VXStatus write_datetime(const VXLocale* locale, const NLSName VXLocaleData::*pattern, double value,
-                        Destination<Text> to) {  // cppcheck-suppress passedByValue ; three words, kept in registers
+[[gnu::always_inline]] inline VXStatus write_time(const VXLocale* locale, int32_t flag, double value,
+                                                  const Destination<Text>& to) {
   if (is_null(locale) || to.is_null()) return VX_E_NULL;
-  if (value != value) return VX_E_MISSING;
-  if (!is_valid_datetime(value)) return VX_E_RANGE;
-  return write(locale, locale->localeData->*pattern, false, Moment::of_datetime(value), to);
+  if (const VXStatus status = checked(value)) return status;
+  const NLSName& pattern = flag != 0 ? locale->localeData->timePattern1 : locale->localeData->timePattern;
+  if (pattern.length == triple_length && to.capacity >= time_length) [[likely]] {
+    const Triple triple = triple_at<true>(pattern.text);
+    if (triple.order != Order::none) [[likely]] {
+      put_time<Text>(to.buffer, triple, time_of_day(day_and_second(value).second));
+      *to.length = time_length;
+      return 0;
+    }
+  }
+  return write_any(locale, pattern, false, Moment(value), to);
 }
 
-constexpr NLSName VXLocaleData::*time_pattern(int32_t flag) {
-  return flag != 0 ? &VXLocaleData::timePattern1 : &VXLocaleData::timePattern;
+template <class Text>
+[[gnu::always_inline]] inline VXStatus write_datetime(const VXLocale* locale, double value,
+                                                      const Destination<Text>& to) {
+  if (is_null(locale) || to.is_null()) return VX_E_NULL;
+  if (const VXStatus status = checked(value)) return status;
+  const NLSName& pattern = locale->localeData->datetimePattern;
+  if (pattern.length == two_triples_length && to.capacity >= date_and_time_length) [[likely]] {
+    const TwoTriples triples = two_triples_at(pattern.text);
+    if (triples) [[likely]] {
+      const DayAndSecond at = day_and_second(value);
+      put_time<Text>(to.buffer + date_length + 1, triples.time, time_of_day(at.second));
+      put_date<Text>(to.buffer, triples.date, century_date_from_day(at.day));
+      to.buffer[date_length] = static_cast<typename Text::Unit>(triples.between);
+      *to.length = date_and_time_length;
+      return 0;
+    }
+  }
+  return write_any(locale, pattern, false, Moment(value), to);
 }
 
 }  // namespace
@@ -91,20 +131,20 @@ VXStatus NLSDateFormatU(VXLocale* locale, uint32_t month, uint32_t day, uint32_t
 
 VXStatus NLSTimeFormat(VXLocale* locale, int32_t flag, VXChar* buffer, int64_t capacity, int64_t* length,
                        double value) {
-  return write_datetime<Utf32Text>(locale, time_pattern(flag), value, {buffer, capacity, length});
+  return write_time<Utf32Text>(locale, flag, value, {buffer, capacity, length});
 }
 
 VXStatus NLSTimeFormatU(VXLocale* locale, int32_t flag, uint8_t* buffer, int64_t capacity, int64_t* length,
                         double value) {
-  return write_datetime<Utf8Text>(locale, time_pattern(flag), value, {buffer, capacity, length});
+  return write_time<Utf8Text>(locale, flag, value, {buffer, capacity, length});
 }
 
 VXStatus NLSDatetimeFormat(VXLocale* locale, uint64_t, VXChar* buffer, int64_t capacity, int64_t* length,
                            double value) {
-  return write_datetime<Utf32Text>(locale, &VXLocaleData::datetimePattern, value, {buffer, capacity, length});
+  return write_datetime<Utf32Text>(locale, value, {buffer, capacity, length});
 }
 
 VXStatus NLSDatetimeFormatU(VXLocale* locale, uint64_t, uint8_t* buffer, int64_t capacity, int64_t* length,
                             double value) {
-  return write_datetime<Utf8Text>(locale, &VXLocaleData::datetimePattern, value, {buffer, capacity, length});
+  return write_datetime<Utf8Text>(locale, value, {buffer, capacity, length});
 }

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "calendar/triples.h"
 #include "datetime_format/pattern.h"
 #include "module/host_services.h"
 #include "unicode/eight_units.h"
@@ -53,7 +54,7 @@ class Expansion {
 
   Unit* literal(VXChar c, Unit* at) { return at + Text::append(c, at); }
 
-  Unit* two_digits(Field field, Unit* at) { return pair(number(field), at); }
+  Unit* two_digits(Field field, bool zero_padded, Unit* at) { return two_digits(number(field), zero_padded, at); }
 
   Unit* year(Unit* at) { return four_digits(true, at); }
 
@@ -161,6 +162,14 @@ class Expansion {
 /// would have to be cut off, are something else.
 inline constexpr int64_t longest_short_pattern = 24, short_road_units = 2 * longest_short_pattern;
 
+/// False when the first directive says that the short road would be tried in vain.
+inline bool may_be_numbers(const NLSName& pattern, bool of_date) {
+  const VXChar letter = pattern.text[1];
+  return pattern.text[0] != '%' ||
+         (letter < 0x80 && (action_table.of[of_date][none][letter].is_padded_number() ||
+                            action_table.of[of_date][none][letter].code == Action::four_digits));
+}
+
 template <class Text>
 typename Text::Unit* write_numbers(const NLSName& pattern, bool of_date, const Moment& moment,
                                    typename Text::Unit* at) {
@@ -184,7 +193,7 @@ typename Text::Unit* write_numbers(const NLSName& pattern, bool of_date, const M
     }
     const Action action = actions[from[1]];  // NOLINT(clang-analyzer-core.uninitialized.ArraySubscript)
     from += 2;
-    if (action.is_two_digits()) {
+    if (action.is_padded_number()) {
       put(moment[action.field()]);
     } else if (action.code == Action::four_digits) {
       const Moment::Year year = moment.year();
@@ -195,6 +204,51 @@ typename Text::Unit* write_numbers(const NLSName& pattern, bool of_date, const M
     }
   }
   return at;
+}
+
+/// Writes 0 to 99 in two digits.
+template <class Text>
+[[gnu::always_inline]] inline void put_two(typename Text::Unit* at, int32_t value) {
+  copy_block<2>(at, Text::digit_pairs.of(value));
+}
+
+template <class Text>
+[[gnu::always_inline]] inline void put_year(typename Text::Unit* at, CenturyDate date) {
+  put_two<Text>(at, written_century(date.century));
+  put_two<Text>(at + 2, date.of_century);
+}
+
+/// Writes the ten units of a date.
+template <class Text>
+[[gnu::always_inline]] inline void put_date(typename Text::Unit* at, Triple triple, CenturyDate date) {
+  if (triple.order == Order::year_month_day) {
+    put_year<Text>(at, date);
+    at[4] = triple.first();
+    put_two<Text>(at + 5, date.month);
+    at[7] = triple.second();
+    put_two<Text>(at + 8, date.day);
+    return;
+  }
+  if (triple.order == Order::day_month_year) {
+    put_two<Text>(at, date.day);
+    put_two<Text>(at + 3, date.month);
+  } else {
+    put_two<Text>(at, date.month);
+    put_two<Text>(at + 3, date.day);
+  }
+  at[2] = triple.first();
+  at[5] = triple.second();
+  put_year<Text>(at + 6, date);
+}
+
+/// Writes the eight units of a time of day.
+template <class Text>
+[[gnu::always_inline]] inline void put_time(typename Text::Unit* at, Triple triple, TimeOfDay time) {
+  put_two<Text>(at, time.hour);
+  at[2] = triple.first();
+  put_two<Text>(at + 3, time.minute);
+  at[5] = triple.second();
+  put_two<Text>(at + 6, time.second);
 }
 
 }  // namespace vxnls

@@ -9,30 +9,29 @@
 namespace vxnls {
 
 /// What a directive reads of the value.
-enum class Field : uint8_t { none, year, month, day, week_day, hour, minute, second, zone };
+enum class Field : uint8_t { none, year, century, of_century, month, day, week_day, hour, minute, second, zone };
+
+/// The century as it is written, of three digits without the first.
+constexpr int32_t written_century(int32_t century) {
+  return century < 100 ? century : century < 200 ? century - 100 : century - 200;
+}
 
 /// A date, or a datetime. A date is not taken through its day number unless a directive asks for what depends on it.
 class Moment {
  public:
   /// Of a valid date.
-  static constexpr Moment of_date(CivilDate date) { return Moment(date, no_day, 0, 0); }
+  explicit constexpr Moment(CivilDate date) : Moment(century_date(date), no_day, 0, 0) {}
 
   /// Of a valid datetime. Fractions of a second are dropped.
-  static constexpr Moment of_datetime(double seconds) {
-    const DayAndSecond at = day_and_second(seconds);
-    return Moment(civil_from_day(at.day), at.day, static_cast<uint32_t>(at.second), seconds);
-  }
+  explicit constexpr Moment(double seconds) : Moment(day_and_second(seconds), seconds) {}
 
-  /// The year, month, day, hour, minute or second.
+  /// The month, day, hour, minute or second.
   constexpr int32_t operator[](Field field) const { return fields_[static_cast<size_t>(field)]; }
-  /// The year in the two parts in which it is written: a century of three digits loses the first.
+  /// The year in the two parts in which it is written.
   struct Year {
     int32_t century, of_century;
   };
-  constexpr Year year() const {
-    const auto year = static_cast<uint32_t>((*this)[Field::year]), century = year / 100;
-    return {static_cast<int32_t>(century % 100), static_cast<int32_t>(year - 100 * century)};
-  }
+  constexpr Year year() const { return {written_century((*this)[Field::century]), (*this)[Field::of_century]}; }
   /// 0 = Sunday; the true one on every day, so that it can index a table.
   constexpr int32_t week_day() const { return vxnls::week_day(day()); }
   /// The local time by which a zone is asked; of a date, its midnight.
@@ -41,22 +40,26 @@ class Moment {
  private:
   static constexpr int32_t no_day = end_day;
 
-  constexpr Moment(CivilDate date, int32_t day, uint32_t second, double seconds) : day_(day), seconds_(seconds) {
-    const uint32_t minute = second / 60, hour = second / 3600;
-    set(Field::year, date.year);
+  constexpr Moment(DayAndSecond at, double seconds)
+      : Moment(century_date_from_day(at.day), at.day, at.second, seconds) {}
+  constexpr Moment(CenturyDate date, int32_t day, int32_t second, double seconds) : day_(day), seconds_(seconds) {
+    const TimeOfDay time = time_of_day(second);
+    set(Field::century, date.century);
+    set(Field::of_century, date.of_century);
     set(Field::month, date.month);
     set(Field::day, date.day);
-    set(Field::hour, static_cast<int32_t>(hour));
-    set(Field::minute, static_cast<int32_t>(minute - 60 * hour));
-    set(Field::second, static_cast<int32_t>(second - 60 * minute));
+    set(Field::hour, time.hour);
+    set(Field::minute, time.minute);
+    set(Field::second, time.second);
   }
   constexpr void set(Field field, int32_t value) { fields_[static_cast<size_t>(field)] = value; }
   constexpr int32_t day() const {
     if (day_ != no_day) return day_;
-    return day_number(CivilDate{(*this)[Field::year], (*this)[Field::month], (*this)[Field::day]});
+    const int32_t year = 100 * (*this)[Field::century] + (*this)[Field::of_century];
+    return day_number(CivilDate{year, (*this)[Field::month], (*this)[Field::day]});
   }
 
-  int32_t fields_[8];  // by Field; those that are not set above are not asked for
+  int32_t fields_[10];  // by Field; those that are not set above are not asked for
   int32_t day_;
   double seconds_;
 };

@@ -85,20 +85,22 @@ static_assert(
 /// What may stand between "%" and the letter.
 enum Modifier : uint8_t { none, lower_form, no_padding };
 
-/// What a character after "%" asks for, in one byte: a Field, two digits of which are written; one of the codes here;
-/// or a row of the table above with or without padding.
+/// What a character after "%" asks for, in one byte: a Field, two digits of which are written, or 16 more where a
+/// leading zero is not; one of the codes here; or a row of the table above with or without padding.
 struct Action {
   uint8_t code;
 
-  static constexpr uint8_t four_digits = 16, nothing = 17, percent = 18, modifier = 19, first_row = 32;
+  static constexpr uint8_t unpadded = 16, four_digits = 32, nothing = 33, percent = 34, modifier = 35, first_row = 64;
 
   static constexpr Action of(const Directive& row, uint8_t number, bool zero_padded) {
-    if (row.rule == Rule::two_digits && zero_padded) return {static_cast<uint8_t>(row.field)};
+    if (row.rule == Rule::two_digits)
+      return {static_cast<uint8_t>(static_cast<int>(row.field) + (zero_padded ? 0 : unpadded))};
     if (row.rule == Rule::century_and_year && zero_padded) return {four_digits};
     return {static_cast<uint8_t>(first_row + 2 * number + zero_padded)};
   }
-  constexpr bool is_two_digits() const { return code < four_digits; }
-  constexpr Field field() const { return static_cast<Field>(code); }
+  constexpr bool is_number() const { return code < four_digits; }
+  constexpr bool is_padded_number() const { return code < unpadded; }
+  constexpr Field field() const { return static_cast<Field>(code % unpadded); }
   constexpr const Directive& row() const { return directives[(code - first_row) / 2]; }
   constexpr bool zero_padded() const { return (code & 1) != 0; }
 };
@@ -135,10 +137,10 @@ inline constexpr ActionTable action_table = [] {
   return table;
 }();
 
-/// Walks a pattern. The receiver gets `literal(unit, place)` for what stands for itself, `two_digits(field, place)` for
-/// what nearly all directives are, and `directive(row, zero_padded, place)` for the others; it gives the place after
-/// what it wrote. Stops at a directive that means nothing, or nothing for a date when `of_date` is set: VX_E_DIRECTIVE,
-/// and the rest is not looked at. Otherwise 0.
+/// Walks a pattern. The receiver gets `literal(unit, place)` for what stands for itself, `two_digits(field,
+/// zero_padded, place)` for what nearly all directives are, and `directive(row, zero_padded, place)` for the others; it
+/// gives the place after what it wrote. Stops at a directive that means nothing, or nothing for a date when `of_date`
+/// is set: VX_E_DIRECTIVE, and the rest is not looked at. Otherwise 0.
 template <class Receiver, class Place>
 constexpr VXStatus walk_pattern(TextView pattern, bool of_date, Receiver& receiver, Place& place) {
   const auto& actions = action_table.of[of_date];
@@ -161,7 +163,7 @@ constexpr VXStatus walk_pattern(TextView pattern, bool of_date, Receiver& receiv
       if (c >= 128) return VX_E_DIRECTIVE;
       action = actions[modifier][c];
     }
-    if (action.is_two_digits()) place = receiver.two_digits(action.field(), place);
+    if (action.is_number()) place = receiver.two_digits(action.field(), action.is_padded_number(), place);
     else if (action.code == Action::four_digits) place = receiver.year(place);
     else if (action.code == Action::nothing) return VX_E_DIRECTIVE;
     else if (action.code == Action::percent) place = receiver.literal(c, place);

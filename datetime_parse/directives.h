@@ -126,11 +126,14 @@ inline constexpr DirectiveSet strict_directives(strict_rows);
 inline constexpr DirectiveSet lenient_directives(lenient_rows);
 static_assert(strict_directives.answers_once() && lenient_directives.answers_once(), "two rows answer the same letter");
 
-/// What a directive without a modifier reads as digits and keeps as it is. A width of 0: it is not such a directive.
+/// What a directive reads as digits and keeps as it is, or that it reads a name. A width of 0: neither.
 struct QuickNumber {
   int16_t width, minimum;
   uint32_t span;  // from the minimum to the maximum
   int32_t NLSParseFields::*field;
+
+  static constexpr int16_t name = -1;  // as width
+  constexpr bool is_name() const { return width == name; }
 };
 
 class QuickNumbers {
@@ -140,6 +143,7 @@ class QuickNumbers {
       // g++ with UndefinedBehaviorSanitizer compares no pointer with null in a constant.
       if (!set.has(letter)) continue;
       const Directive* const row = set.find(letter);
+      if (row->rule == Rule::name) numbers_[letter].width = QuickNumber::name;
       if (row->field == nullptr || row->turn != Turn::keep) continue;
       const Digits number = row->number;
       if ((row->rule == rule && number.width == 2) || (number.width == 4 && number.maximum > 0)) {

@@ -38,33 +38,58 @@ inline constexpr NameList markers{offsetof(VXLocaleData, amMarker), 2};
 inline constexpr NameList quarter_names{offsetof(VXLocaleData, quarterNames), 4};
 static_assert(offsetof(VXLocaleData, pmMarker) == offsetof(VXLocaleData, amMarker) + sizeof(NLSName));
 
-/// Steps over `name`, whose first character may stand here. On a difference `in` stays. Kept apart, so that the search
-/// for a name is a short loop.
+/// The units of the text that `name` takes, in any case; negative when it does not stand there.
 template <class Text>
-[[gnu::noinline]] bool skip_name(Input<Text>& in, TextView name) {
-  Input<Text> rest = in;
+[[gnu::noinline]] int64_t units_of_name(Input<Text> in, TextView name) {
+  const auto* const start = in.at;
   for (int64_t i = 0; i < name.length; ++i) {
-    if (rest.empty()) return false;
-    const Character here = character_at(rest);
-    if (here.units == 0 || !same_letter(here.code_point, name.text[i])) return false;
-    rest.skip(here.units);
+    if (in.empty()) return -1;
+    const Character here = character_at(in);
+    if (here.units == 0 || !same_letter(here.code_point, name.text[i])) return -1;
+    in.skip(here.units);
   }
-  in = rest;
-  return true;
+  return in.at - start;
 }
+
+/// The first eight characters of a text, NUL behind its end.
+template <class Text>
+Eight up_to_eight(const Input<Text>& in) {
+  if (in.left >= 8) [[likely]]
+    return take_eight(in.at);
+  Eight bytes = 0;
+  for (int i = 0; i < in.left; ++i) bytes |= take_one(in.at + i) << 8 * i;
+  return bytes;
+}
+
+/// Whether a name stands at the front of eight characters to the letter; false: find out.
+inline bool stands_plainly(TextView name, Eight text) {
+  if (name.length > 8) return false;
+  const Eight bytes = take_eight(name.text), ones = eight_of(1), unused = ~Eight{0} << 1 << (8 * name.length - 1);
+  // What is not ASCII, or NUL, which may be no character of the text, is not plain.
+  const Eight others = (bytes | (bytes - ones)) & eight_of(0x80);
+  return ((others | (bytes ^ text)) & ~unused) == 0;
+}
+
+/// A name that stands in the text.
+struct FoundName {
+  int32_t index;  // negative: none does
+  int64_t units;  // that it takes
+};
 
 /// The first of `count` names, in the order of the list, that stands in the text whatever its case; not the longest.
 /// An empty name stands everywhere, kept on purpose.
 template <class Text>
-VXReason extractstring(Input<Text>& in, const NLSName* names, int32_t count, int32_t* index) {
+FoundName find_name(Input<Text> in, const NLSName* names, int32_t count) {
   const VXChar first = in.empty() ? 0 : character_at(in).code_point;
+  const Eight text = up_to_eight(in);
   for (int32_t i = 0; i < count; ++i) {
     const NLSName& name = names[i];
-    if (name.length > 0 && (!may_be_same_letter(name.text[0], first) || !skip_name(in, view(name)))) continue;
-    *index = i;
-    return VX_REASON_NONE;
+    if (name.length <= 0) return {i, 0};
+    if (!may_be_same_letter(name.text[0], first)) continue;
+    const int64_t units = stands_plainly(view(name), text) ? name.length : units_of_name(in, view(name));
+    if (units >= 0) return {i, units};
   }
-  return VX_REASON_NO_NAME;
+  return {-1, 0};
 }
 
 }  // namespace vxnls

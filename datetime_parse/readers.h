@@ -100,13 +100,24 @@ VXReason read_zone(VXLocale* locale, Input<Text>& in, NLSParseFields& fields) {
   return VX_REASON_NONE;
 }
 
+/// The name that a directive reads here, first from the one list and then from the other. Two lists are two calls: the
+/// first name of the first list goes before all of the second.
+template <class Text>
+[[gnu::noinline]] FoundName name_at(VXLocale* locale, Input<Text> in, const Directive& directive) {
+  const VXLocaleData& data = *locale->localeData;
+  const NameList names = directive.names, others = directive.or_names;
+  const FoundName found = find_name(in, names.in(data), names.count);
+  return found.index >= 0 || others.count == 0 ? found : find_name(in, others.in(data), others.count);
+}
+
 template <class Text>
 VXReason read_name(VXLocale* locale, Input<Text>& in, const Directive& directive, int32_t* index) {
   skip_blanks(in);
-  const VXLocaleData& data = *locale->localeData;
-  const NameList names = directive.names, others = directive.or_names;
-  const VXReason reason = extractstring(in, names.in(data), names.count, index);
-  return reason == VX_REASON_NONE ? reason : extractstring(in, others.in(data), others.count, index);
+  const FoundName found = name_at(locale, in, directive);
+  if (found.index < 0) return VX_REASON_NO_NAME;
+  *index = found.index;
+  in.skip(found.units);
+  return VX_REASON_NONE;
 }
 
 inline int32_t turned(const Directive& directive, int32_t value) {
@@ -149,15 +160,37 @@ VXReason read_directive(VXLocale* locale, Input<Text>& in, const Directive& dire
   return VX_REASON_NONE;
 }
 
+/// A number of plain digits; without digits: find out.
+struct QuickValue {
+  int32_t digits, value;  // a value below 0 is none
+};
+
+/// As many digits as come, where none is left behind them. One or two depend on the text: no branch does.
+template <class Text>
+QuickValue quick_value_as_it_comes(const Input<Text>& in, int32_t width) {
+  const auto digit = [&](int i) { return in.left > i ? in.at[i] - uint32_t{'0'} : 10; };
+  if (width == 4) {
+    if (in.left < 4 || digit(4) <= 9) return {};
+    const int32_t value = four_digits_at(in.at);
+    return {value < 0 ? 0 : 4, value};
+  }
+  const uint32_t first = digit(0), second = digit(1);
+  const bool one = first <= 9, two = one & (second <= 9), more = two & (digit(2) <= 9);
+  return {more ? 0 : one + two, static_cast<int32_t>(two ? 10 * first + second : first)};
+}
+
 /// Fixed widths, exact literals.
 struct StrictReader {
+  /// Whether a character of a pattern has no other way than to stand in the text.
+  static constexpr bool must_stand(VXChar c) { return c < 0x80; }
+
   static constexpr const DirectiveSet& directives = strict_directives;
   static constexpr const QuickNumbers& quick_numbers = quick_strict_numbers;
 
-  /// The digits that a number has when nothing is peculiar about it; 0: find out.
   template <class Text>
-  static int32_t quick_digits(const Input<Text>& in, int32_t width) {
-    return in.left >= width ? width : 0;
+  static QuickValue quick_value(const Input<Text>& in, int32_t width) {
+    if (in.left < width) return {};
+    return {width, width == 2 ? two_digits_at(in.at) : four_digits_at(in.at)};
   }
 
   template <class Text>
@@ -171,16 +204,14 @@ struct StrictReader {
 
 /// Widths as they come, literals in any case, blanks of the pattern optional.
 struct LenientReader {
+  static constexpr bool must_stand(VXChar c) { return c < 'A' && c != ' '; }
+
   static constexpr const DirectiveSet& directives = lenient_directives;
   static constexpr const QuickNumbers& quick_numbers = quick_lenient_numbers;
 
   template <class Text>
-  static int32_t quick_digits(const Input<Text>& in, int32_t width) {
-    int32_t digits = 0;
-    while (digits < in.left && in.at[digits] - uint32_t{'0'} <= 9) {
-      if (++digits > width) return 0;
-    }
-    return width == 4 && digits < 4 ? 0 : digits;
+  static QuickValue quick_value(const Input<Text>& in, int32_t width) {
+    return quick_value_as_it_comes(in, width);
   }
 
   template <class Text>
@@ -194,34 +225,54 @@ struct LenientReader {
   }
 };
 
-/// Takes the steps of a pattern that need no thought: ASCII characters that stand in the text, and numbers of plain
-/// digits in range. Gives the place of the first other step, which has to be taken in earnest.
+inline constexpr int64_t refused = -1;
+
+/// Takes the steps of a pattern that need no thought: ASCII characters that stand in the text, numbers of plain digits
+/// in range, and names. Gives the place of the first other step, which has to be taken in earnest, or `refused` where
+/// it is plain that the text does not match.
 template <class Reader, class Text>
-int64_t take_plain_steps(Input<Text>& in, TextView pattern, int64_t place, NLSParseFields& fields) {
+int64_t take_plain_steps(VXLocale* locale, Input<Text>& in, TextView pattern, int64_t place, NLSParseFields& fields) {
   const VXChar* from = pattern.text + place;
   const VXChar* const end = pattern.text + pattern.length;
   const typename Text::Unit* at = in.at;
   const typename Text::Unit* const stop = at + in.left;
   while (from < end) {
     const VXChar c = *from;
+    if (at == stop) return refused;
     if (c != '%') {
-      if (at == stop || *at != c || c >= 0x80) break;
+      if (*at != c || c >= 0x80) {
+        if (Reader::must_stand(c)) return refused;
+        break;
+      }
       ++at;
       ++from;
       continue;
     }
     if (end - from < 2) break;
-    const QuickNumber& number = Reader::quick_numbers.of(from[1]);
-    const int32_t digits = Reader::quick_digits(Input<Text>{at, stop - at}, number.width);
-    if (digits == 0) break;
-    const int32_t value = digits == 2   ? two_digits_at(at)
-                          : digits == 4 ? four_digits_at(at)
-                                        : static_cast<int32_t>(*at - uint32_t{'0'});
-    if (static_cast<uint32_t>(value - number.minimum) > number.span) break;
-    fields.*number.field = value;
-    fields.modifier = 0;
-    at += digits;
-    from += 2;
+    const bool hash = from[1] == '#';
+    if (hash && end - from < 3) break;
+    const VXChar* const letter = from + 1 + hash;
+    const QuickNumber& number = Reader::quick_numbers.of(*letter);
+    if (*at == ' ' || number.width == 0) break;
+    const Input<Text> rest{at, stop - at};
+    if (number.is_name()) {
+      const Directive& directive = *Reader::directives.find(*letter);
+      const FoundName found = name_at(locale, rest, directive);
+      if (found.index < 0) return refused;
+      if (directive.field != nullptr) fields.*directive.field = found.index + directive.plus;
+      at += found.units;
+    } else {
+      const QuickValue quick =
+          hash ? quick_value_as_it_comes(rest, number.width) : Reader::quick_value(rest, number.width);
+      if (quick.digits == 0 || static_cast<uint32_t>(quick.value - number.minimum) > number.span) {
+        if (number.width == 2 && rest.left > 2) return refused;  // years and the ends of texts have other ways
+        break;
+      }
+      fields.*number.field = quick.value;
+      at += quick.digits;
+    }
+    fields.modifier = hash ? '#' : 0;
+    from = letter + 1;
   }
   in = {at, stop - at};
   return from - pattern.text;

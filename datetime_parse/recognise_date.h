@@ -51,22 +51,31 @@ Finding read_by_pattern(VXLocale* locale, Input<Text> text, uint32_t source, Par
   return finding;
 }
 
-/// What stands in a text behind the first part of a common date, for each of the parts that there are. A row whose
-/// second part is another character cannot match, and need not be tried.
+/// The front of a text, and what stands behind the first part of a common date, for each of the parts that there are.
+/// Tells of most patterns that they cannot match, and need not be tried.
 template <class Text>
-class AfterFirstPart {
+class Front {
  public:
-  AfterFirstPart(VXLocale* locale, Input<Text> text, bool lenient) : locale_(locale), text_(text), lenient_(lenient) {
+  Front(VXLocale* locale, Input<Text> text, bool lenient) : locale_(locale), text_(text), lenient_(lenient) {
     Input<Text> rest = text;
     while (stands_at_digit(rest)) rest.skip(1);
-    if (rest.left < text.left) digits_ = first_of(rest);
+    digits_ = text.left - rest.left;
+    if (digits_ > 0) after_digits_ = first_of(rest);
+  }
+
+  /// Whether the number stands here with which a pattern begins. The strict reader takes as many digits as it wants.
+  bool may_begin(TextView pattern) const {
+    if (!lenient_ || pattern.length < 3 || pattern.text[0] != '%') return true;
+    const QuickNumber& number = quick_lenient_numbers.of(pattern.text[1] == '#' ? pattern.text[2] : pattern.text[1]);
+    if (number.width == 2) return digits_ == 1 || digits_ == 2;
+    return number.width != 4 || digits_ == 4 || digits_ == 2 || digits_ == 1;
   }
 
   bool may_match(const Row& row) {
-    if (row.begins_with_digits()) return row.text[2] == digits_;
+    if (row.begins_with_digits()) return row.text[2] == after_digits_ && may_begin(row.view());
     if (row.text[1] != 'b') return true;
-    if (month_ == unknown) month_ = after_month();
-    return month_ != nothing && (row.text[2] == month_ || row.text[2] == ' ');  // a blank may be missing
+    if (after_month_ == unknown) after_month_ = after_month();
+    return after_month_ != nothing && (row.text[2] == after_month_ || row.text[2] == ' ');  // a blank may be missing
   }
 
  private:
@@ -84,7 +93,8 @@ class AfterFirstPart {
   VXLocale* locale_;
   Input<Text> text_;
   bool lenient_;
-  VXChar digits_ = nothing, month_ = unknown;
+  int64_t digits_ = 0;
+  VXChar after_digits_ = nothing, after_month_ = unknown;
 };
 
 /// The locale's three date patterns, then the common dates; the first match wins, however much it leaves.
@@ -102,13 +112,15 @@ Finding lenient_Date(VXLocale* locale, Input<Text> text, uint32_t kind, Trace& t
     return trace.matched(Part::date, read, rest);
   };
 
+  Front<Text> front(locale, start, is_lenient(kind));
   for (const uint32_t source : {VX_SOURCE_DATE, VX_SOURCE_DATE_1, VX_SOURCE_DATE_2}) {
-    if (ends_search({source, 0}, view(locale_pattern(data, source)))) return finding;
+    const TextView pattern = view(locale_pattern(data, source));
+    if (!Trace::watches && !front.may_begin(pattern)) continue;
+    if (ends_search({source, 0}, pattern)) return finding;
   }
   const Row(&rows)[17] = writes_month_first(view(data.datePattern)) ? month_first_dates : day_first_dates;
-  AfterFirstPart<Text> after(locale, start, is_lenient(kind));
   for (uint32_t i = 0; i < 17; ++i) {
-    if (!Trace::watches && !after.may_match(rows[i])) continue;
+    if (!Trace::watches && !front.may_match(rows[i])) continue;
     if (ends_search({VX_SOURCE_COMMON_DATE, i}, rows[i].view())) return finding;
   }
   return finding;

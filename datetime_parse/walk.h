@@ -3,6 +3,7 @@
 #define VXNLS_DATETIME_PARSE_WALK_H
 
 #include "datetime_parse/readers.h"
+#include "datetime_parse/triples.h"
 
 namespace vxnls {
 
@@ -59,7 +60,7 @@ struct NoTrace {
   void refused(VXReason, const NLSParseFields&) {}
 };
 
-/// How a walk ended: the units that it left, and why it went no further.
+/// How a walk ended: the units that it left, and why it went no further; where nobody watches, some reason.
 struct Walked {
   int64_t left;
   VXReason reason;
@@ -74,7 +75,11 @@ template <class Reader, class Text, class Trace>
   fields = cleared_fields;
   skip_blanks(in);
   for (int64_t at = 0; at < pattern.length;) {
-    if (!Trace::watches && (at = take_plain_steps<Reader>(in, pattern, at, fields)) == pattern.length) break;
+    if constexpr (!Trace::watches) {
+      at = take_plain_steps<Reader>(locale, in, pattern, at, fields);
+      if (at == refused) return {in.left, VX_REASON_LITERAL};
+      if (at == pattern.length) break;
+    }
     const Step step = next_step(pattern, at);
     const Input<Text> before = in;
     VXReason reason = VX_REASON_NONE;
@@ -100,6 +105,9 @@ template <class Reader, class Text, class Trace>
 template <class Text, class Trace>
 bool matches(VXLocale* locale, Input<Text>& in, TextView pattern, bool lenient, Candidate candidate,
              NLSParseFields& fields, Trace& trace) {
+  if constexpr (!Trace::watches) {
+    if (reads_quickly(pattern, in, lenient, fields)) return true;
+  }
   trace.begin(candidate, pattern, lenient, in.at);
   const Walked walked = lenient ? walk<LenientReader>(locale, in, pattern, fields, trace)
                                 : walk<StrictReader>(locale, in, pattern, fields, trace);

@@ -124,7 +124,7 @@ bool narrow(const VXChar* from, uint8_t* out) {
 }
 
 template <int64_t count, class Unit>
-void copy_block(Unit* out, const Unit* from) {
+[[gnu::always_inline]] inline void copy_block(Unit* out, const Unit* from) {
   std::memcpy(out, from, count * sizeof(Unit));
 }
 

@@ -45,7 +45,7 @@ struct Texts {
   }
 };
 
-/// Where somebody watches, no step is taken the quick way.
+/// Where somebody watches, no step is taken the quick way, and the reason of a refusal is the true one.
 struct Watcher : vxnls::NoTrace {
   static constexpr bool watches = true;
 };
@@ -162,12 +162,12 @@ template <class Reader, class Text>
 Walked walk_one(VXLocale* locale, NLSName pattern, const typename Text::Unit* at, int64_t length) {
   const Walked quick = walk_with<Reader, Text>(vxnls::NoTrace(), locale, pattern, at, length);
   const Walked plain = walk_with<Reader, Text>(Watcher(), locale, pattern, at, length);
-  EXPECT_EQ(quick.reason, plain.reason);
+  EXPECT_EQ(quick.reason == VX_REASON_NONE, plain.reason == VX_REASON_NONE);
   EXPECT_EQ(quick.consumed, plain.consumed);
   if (quick.reason == VX_REASON_NONE) {
     EXPECT_EQ(std::memcmp(&quick.fields, &plain.fields, sizeof quick.fields), 0);
   }
-  return quick;
+  return plain;
 }
 
 template <class Reader>
