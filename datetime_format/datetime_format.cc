@@ -56,18 +56,20 @@ template <class Text>
 
 template <class Text>
 [[gnu::always_inline]] inline VXStatus write_date(const VXLocale* locale, uint32_t month, uint32_t day, uint32_t year,
-                                                  int32_t style, const Destination<Text>& to) {
+                                                  int32_t style, typename Text::Unit* buffer, int64_t capacity,
+                                                  int64_t* length) {
+  const Destination<Text> to{buffer, capacity, length};
   if (is_null(locale) || to.is_null()) return VX_E_NULL;
   const int64_t whole_year = year <= 99 ? widened_year(year, default_cutoff) : year;
   const CivilDate date{static_cast<int32_t>(whole_year), static_cast<int32_t>(month), static_cast<int32_t>(day)};
   if (!is_valid(date)) return VX_E_RANGE;
   const VXLocaleData& data = *locale->localeData;
   const NLSName& pattern = style == 1 ? data.datePattern1 : style == 2 ? data.datePattern2 : data.datePattern;
-  if (pattern.length == triple_length && to.capacity >= date_length) [[likely]] {
+  if (pattern.length == triple_length && capacity >= date_length) [[likely]] {
     const Triple triple = triple_at<false>(pattern.text);
     if (triple.order != Order::none) [[likely]] {
-      put_date<Text>(to.buffer, triple, century_date(date));
-      *to.length = date_length;
+      put_date<Text>(buffer, triple, century_date(date));
+      *length = date_length;
       return 0;
     }
   }
@@ -82,15 +84,16 @@ constexpr VXStatus checked(double value) {
 
 template <class Text>
 [[gnu::always_inline]] inline VXStatus write_time(const VXLocale* locale, int32_t flag, double value,
-                                                  const Destination<Text>& to) {
+                                                  typename Text::Unit* buffer, int64_t capacity, int64_t* length) {
+  const Destination<Text> to{buffer, capacity, length};
   if (is_null(locale) || to.is_null()) return VX_E_NULL;
   if (const VXStatus status = checked(value)) return status;
   const NLSName& pattern = flag != 0 ? locale->localeData->timePattern1 : locale->localeData->timePattern;
-  if (pattern.length == triple_length && to.capacity >= time_length) [[likely]] {
+  if (pattern.length == triple_length && capacity >= time_length) [[likely]] {
     const Triple triple = triple_at<true>(pattern.text);
     if (triple.order != Order::none) [[likely]] {
-      put_time<Text>(to.buffer, triple, time_of_day(day_and_second(value).second));
-      *to.length = time_length;
+      put_time<Text>(buffer, triple, time_of_day(day_and_second(value).second));
+      *length = time_length;
       return 0;
     }
   }
@@ -98,19 +101,20 @@ template <class Text>
 }
 
 template <class Text>
-[[gnu::always_inline]] inline VXStatus write_datetime(const VXLocale* locale, double value,
-                                                      const Destination<Text>& to) {
+[[gnu::always_inline]] inline VXStatus write_datetime(const VXLocale* locale, double value, typename Text::Unit* buffer,
+                                                      int64_t capacity, int64_t* length) {
+  const Destination<Text> to{buffer, capacity, length};
   if (is_null(locale) || to.is_null()) return VX_E_NULL;
   if (const VXStatus status = checked(value)) return status;
   const NLSName& pattern = locale->localeData->datetimePattern;
-  if (pattern.length == two_triples_length && to.capacity >= date_and_time_length) [[likely]] {
+  if (pattern.length == two_triples_length && capacity >= date_and_time_length) [[likely]] {
     const TwoTriples triples = two_triples_at(pattern.text);
     if (triples) [[likely]] {
       const DayAndSecond at = day_and_second(value);
-      put_time<Text>(to.buffer + date_length + 1, triples.time, time_of_day(at.second));
-      put_date<Text>(to.buffer, triples.date, century_date_from_day(at.day));
-      to.buffer[date_length] = static_cast<typename Text::Unit>(triples.between);
-      *to.length = date_and_time_length;
+      put_time<Text>(buffer + date_length + 1, triples.time, time_of_day(at.second));
+      put_date<Text>(buffer, triples.date, century_date_from_day(at.day));
+      buffer[date_length] = static_cast<typename Text::Unit>(triples.between);
+      *length = date_and_time_length;
       return 0;
     }
   }
@@ -121,30 +125,30 @@ template <class Text>
 
 VXStatus NLSDateFormat(VXLocale* locale, uint32_t month, uint32_t day, uint32_t year, int32_t style, VXChar* buffer,
                        int64_t capacity, int64_t* length) {
-  return write_date<Utf32Text>(locale, month, day, year, style, {buffer, capacity, length});
+  return write_date<Utf32Text>(locale, month, day, year, style, buffer, capacity, length);
 }
 
 VXStatus NLSDateFormatU(VXLocale* locale, uint32_t month, uint32_t day, uint32_t year, int32_t style, uint8_t* buffer,
                         int64_t capacity, int64_t* length) {
-  return write_date<Utf8Text>(locale, month, day, year, style, {buffer, capacity, length});
+  return write_date<Utf8Text>(locale, month, day, year, style, buffer, capacity, length);
 }
 
 VXStatus NLSTimeFormat(VXLocale* locale, int32_t flag, VXChar* buffer, int64_t capacity, int64_t* length,
                        double value) {
-  return write_time<Utf32Text>(locale, flag, value, {buffer, capacity, length});
+  return write_time<Utf32Text>(locale, flag, value, buffer, capacity, length);
 }
 
 VXStatus NLSTimeFormatU(VXLocale* locale, int32_t flag, uint8_t* buffer, int64_t capacity, int64_t* length,
                         double value) {
-  return write_time<Utf8Text>(locale, flag, value, {buffer, capacity, length});
+  return write_time<Utf8Text>(locale, flag, value, buffer, capacity, length);
 }
 
 VXStatus NLSDatetimeFormat(VXLocale* locale, uint64_t, VXChar* buffer, int64_t capacity, int64_t* length,
                            double value) {
-  return write_datetime<Utf32Text>(locale, value, {buffer, capacity, length});
+  return write_datetime<Utf32Text>(locale, value, buffer, capacity, length);
 }
 
 VXStatus NLSDatetimeFormatU(VXLocale* locale, uint64_t, uint8_t* buffer, int64_t capacity, int64_t* length,
                             double value) {
-  return write_datetime<Utf8Text>(locale, value, {buffer, capacity, length});
+  return write_datetime<Utf8Text>(locale, value, buffer, capacity, length);
 }

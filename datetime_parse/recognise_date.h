@@ -63,12 +63,13 @@ class Front {
     if (digits_ > 0) after_digits_ = first_of(rest);
   }
 
-  /// Whether the number stands here with which a pattern begins. The strict reader takes as many digits as it wants.
+  /// False when the number with which a pattern begins does not stand here. The strict reader takes the digits that it
+  /// wants, and leaves others.
   bool may_begin(TextView pattern) const {
     if (!lenient_ || pattern.length < 3 || pattern.text[0] != '%') return true;
     const QuickNumber& number = quick_lenient_numbers.of(pattern.text[1] == '#' ? pattern.text[2] : pattern.text[1]);
     if (number.width == 2) return digits_ == 1 || digits_ == 2;
-    return number.width != 4 || digits_ == 4 || digits_ == 2 || digits_ == 1;
+    return number.width != 4 || digits_ > 0;  // a year has four or two digits, whatever follows
   }
 
   bool may_match(const Row& row) {

@@ -148,6 +148,24 @@ PlainLocale& accented() {
   return plain;
 }
 
+/// A pattern as that of dates, of times and of datetimes.
+void expect_everywhere(PlainLocale& plain, double value, std::u32string_view pattern) {
+  for (NLSName* name :
+       {&plain.data.timePattern, &plain.data.timePattern1, &plain.data.datetimePattern, &plain.data.datePattern}) {
+    set_name(*name, pattern);
+  }
+  const Expander expander = of_seconds(plain, value);
+  expect_as_expanded(time_by(plain, 0, value), expander, pattern);
+  expect_as_expanded(time_by(plain, -1, value), expander, pattern);
+  expect_as_expanded(datetime(plain, value), expander, pattern);
+  const auto at = std::chrono::sys_days{std::chrono::year{1960} / 1 / 1} +
+                  std::chrono::days{static_cast<int>(std::floor(value / day))};
+  const std::chrono::year_month_day ymd{at};
+  expect_as_expanded(date(plain, static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()),
+                          static_cast<uint32_t>(static_cast<int>(ymd.year()))),
+                     Expander(plain.data, at, AnsweringZone::name, AnsweringZone::offset), pattern);
+}
+
 // Every directive with every modifier, in patterns of up to 14 pieces, over the days that the standard library's
 // calendar has in common with this one, the first of which index the tables of names truly. tests/datetime_parse has
 // all patterns of one and two directives.
@@ -170,19 +188,8 @@ TEST(DatetimeFormat, RandomPatternsAndValues) {
     if (random() % 8 == 0) pattern += std::u32string(one_of(std::array{U"%", U"%#"})) + one_of(wrong);
     if (random() % 16 == 0) pattern += one_of(std::array{U"%", U"%#", U"%?"});
     const auto days = static_cast<int>(random() % 880000) - 138061;
-    const auto at = std::chrono::sys_days{std::chrono::year{1960} / 1 / 1} + std::chrono::days{days};
     const double value = days * day + static_cast<double>(random() % 86400) + (random() % 2 != 0 ? 0.25 : 0);
-    const auto flag = static_cast<int32_t>(random() % 3) - 1;
-    set_name(flag != 0 ? plain.data.timePattern1 : plain.data.timePattern, pattern);
-    set_name(plain.data.datetimePattern, pattern);
-    set_name(plain.data.datePattern, pattern);
-    const Expander expander = of_seconds(plain, value);
-    expect_as_expanded(time_by(plain, flag, value), expander, pattern);
-    expect_as_expanded(datetime(plain, value), expander, pattern);
-    const std::chrono::year_month_day ymd{at};
-    expect_as_expanded(date(plain, static_cast<unsigned>(ymd.month()), static_cast<unsigned>(ymd.day()),
-                            static_cast<uint32_t>(static_cast<int>(ymd.year()))),
-                       Expander(plain.data, at, AnsweringZone::name, AnsweringZone::offset), pattern);
+    expect_everywhere(plain, value, pattern);
     if (HasFatalFailure() || HasNonfatalFailure()) FAIL() << value;
   }
 }
@@ -205,6 +212,30 @@ TEST(DatetimeFormat, PlainNumbersOfEveryLengthWithAFaultAtEveryPlace) {
         if (HasFailure()) return;
       }
     }
+  }
+}
+
+// Patterns of three numbers are written without a walk, whatever stands between the numbers.
+TEST(DatetimeFormat, ThreeNumbersWithEveryCharacterBetween) {
+  PlainLocale& plain = accented();
+  AnsweringZone zone(plain);
+  std::mt19937 random(8);
+  constexpr std::u32string_view triples[][3] = {{U"%d", U"%m", U"%Y"},
+                                                {U"%m", U"%d", U"%Y"},
+                                                {U"%Y", U"%m", U"%d"},
+                                                {U"%H", U"%M", U"%S"},
+                                                {U"%d", U"%H", U"%b"}};
+  const auto any = [&] { return static_cast<char32_t>(random() % 8 != 0 ? random() % 0x90 : random()); };
+  const auto of_triple = [&](const auto& triple, char32_t first) {
+    return std::u32string(triple[0]) + first + std::u32string(triple[1]) + any() + std::u32string(triple[2]);
+  };
+  for (unsigned round = 0; round < 1500; ++round) {
+    std::u32string pattern = of_triple(triples[random() % 5], round % 0x180);
+    if (round % 2 != 0) pattern += any() + of_triple(triples[random() % 8 != 0 ? 3 : 0], any());
+    const double value = static_cast<double>(static_cast<int>(random() % 880000) - 138061) * day +
+                         static_cast<double>(random() % 86400) + 0.5;
+    expect_everywhere(plain, value, pattern);
+    if (HasFatalFailure() || HasNonfatalFailure()) FAIL() << value;
   }
 }
 
