@@ -23,6 +23,12 @@ struct Scratch {
   typename Text::Unit text[room + longest_rest + longest_text];  // never cleared
 };
 
+/// Writes 0 to 99 in two digits.
+template <class Text>
+[[gnu::always_inline]] inline void put_two(typename Text::Unit* at, int32_t value) {
+  copy_block<2>(at, Text::digit_pairs.of(value));
+}
+
 /// A receiver of walk_pattern() that writes the text of one value. A place is where the next unit goes.
 template <class Text>
 class Expansion {
@@ -88,7 +94,7 @@ class Expansion {
 
   /// `value` is from 0 to 99, here and below.
   Unit* pair(int32_t value, Unit* at) {
-    copy_block<2>(at, Text::digit_pairs.of(value));
+    put_two<Text>(at, value);
     return at + 2;
   }
 
@@ -182,7 +188,7 @@ typename Text::Unit* write_numbers(const NLSName& pattern, bool of_date, const M
 
   const auto& actions = action_table.of[of_date][none];
   const auto put = [&at](int32_t value) {
-    copy_block<2>(at, Text::digit_pairs.of(value));
+    put_two<Text>(at, value);
     at += 2;
   };
   // narrow() has written them all, by vector instructions that clang-analyzer does not follow.
@@ -204,12 +210,6 @@ typename Text::Unit* write_numbers(const NLSName& pattern, bool of_date, const M
     }
   }
   return at;
-}
-
-/// Writes 0 to 99 in two digits.
-template <class Text>
-[[gnu::always_inline]] inline void put_two(typename Text::Unit* at, int32_t value) {
-  copy_block<2>(at, Text::digit_pairs.of(value));
 }
 
 template <class Text>
