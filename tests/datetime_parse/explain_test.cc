@@ -58,6 +58,7 @@ TEST(Explain, Refusals) {
       {U"%d.%m", date, 4, "2021-\xFF-3", VX_REASON_BROKEN_TEXT, 'm', 0, 5, 1, 0, 1, 12, 2, "%Y-%m-%d"},
       {U"%D", date, 0, "05", VX_REASON_DIRECTIVE, 'D', 0, 0, 0, 0, 0, 0, 0, "%D"},
       {U"%#", date, 0, "05", VX_REASON_PATTERN_ENDED, 0, '#', 0, 0, 0, 0, 0, 0, "%#"},
+      {U"%", date, 0, "05", VX_REASON_PATTERN_ENDED, 0, 0, 0, 0, 0, 0, 0, 0, "%"},
       {U"%z", date, 0, "+13", VX_REASON_RANGE, 'z', 0, 1, 2, 13, 0, 12, 2, "%z"},
       {U"%z", date, 0, "+0560", VX_REASON_RANGE, 'z', 0, 3, 2, 60, 0, 59, 2, "%z"},
       {U"%Z", date, 0, " Nowhere 5", VX_REASON_ZONE_UNKNOWN, 'Z', 0, 1, 7, 0, 0, 0, 0, "%Z"},

@@ -141,6 +141,7 @@ TEST(ReadDouble, Texts) {
       {german, U" .5", VX_E_NOTNUMBER, 1, missing},
       {german, U",A", VX_E_NOTNUMBER, 0, missing},
       {spaced, U"1 234\u00A0567,8  ", 0, 13, 1234567.8},
+      {spaced, U"1\0002"sv, VX_E_NOTNUMBER, 1, missing},
       {spaced, U"1,5 2", VX_E_NOTNUMBER, 4, missing},
       {spaced, U"1,5\u00A0", VX_E_NOTNUMBER, 3, missing},
       {spaced, U"1E1 2 ", 0, 6, 1e12},

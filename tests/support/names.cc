@@ -58,6 +58,7 @@ std::string utf8(std::u32string_view text) {
 void set_name(NLSName& name, std::u32string_view text) {
   name.length = static_cast<int64_t>(text.size());
   for (size_t i = 0; i < text.size() && i < 60; ++i) name.text[i] = text[i];
+  if (text.size() < 60) name.text[text.size()] = '#';  // shows where a pattern is read behind its end
 }
 
 void PlainLocale::use_fixed_zone(int32_t seconds_east) {
