@@ -200,8 +200,8 @@ class ExplainTrace {
     const VXExplainRefusal& best = out_->refusal;
     if (best.reason == VX_REASON_NONE || place > best.furthest) return true;
     if (place < best.furthest || reason != VX_REASON_NO_NAME || best.reason != VX_REASON_NO_DIGIT) return false;
-    const Character here = character_at(after);  // something stands there that is no digit
-    return here.units > 0 && vxnlsisalpha(here.code_point) != 0;
+    // A character that is no digit stands there: the end and broken text have reasons of their own.
+    return vxnlsisalpha(character_at(after).code_point) != 0;
   }
 
   VXExplainRefusal& begin_refusal(VXReason reason, int64_t furthest) {

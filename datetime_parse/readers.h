@@ -121,7 +121,7 @@ VXReason read_name(VXLocale* locale, Input<Text>& in, const Directive& directive
 }
 
 inline int32_t turned(const Directive& directive, int32_t value) {
-  switch (directive.turn) {
+  switch (directive.turn) {  // GCOV_EXCL_BR_LINE: no value of a turn but those below
     case Turn::keep: return value;
     case Turn::twelve_to_zero: return value == 12 ? 0 : value;
     case Turn::twenty_four_to_zero: return value == 24 ? 0 : value;

@@ -72,7 +72,7 @@ TEST(Explain, Refusals) {
       {U"%M:%S %p", time_of_day, 4, "05:03 pm", VX_REASON_MARKER, 0, 0, 0, 8, 0, 1, 12, 0, "%M:%S %p"},
       {U"%d", datetime, 4, "2021-02-31 10:30", VX_REASON_NO_SUCH_DAY, 0, 0, 8, 2, 31, 1, 28, 0, "%Y-%m-%d"},
       // What is tried after the day was refused is not told, be it another refusal or an attempt that came further.
-      {U"%d/%m/%Y", datetime, 0, "31/02/2021 13:00 pm", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 2, 31, 1, 28, 0, "%d/%m/%Y"},
+      {U"%d/%m/%Y", datetime, 8, "31/02/2021 13:00 pm", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 2, 31, 1, 28, 0, "%d/%m/%Y"},
       {U"%m/%Y", datetime, 0, "02/2021", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 7, 0, 1, 28, 0, "%m/%Y"},
       {U"%d/%m", datetime, 0, "30/02", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 2, 30, 1, 29, 0, "%d/%m"},  // of the year 2000
       {U"%d %Y", datetime, 0, "05 2021", VX_REASON_NO_SUCH_DAY, 0, 0, 0, 2, 5, 1, 31, 0, "%d %Y"},

@@ -8,6 +8,7 @@
 #include "tests/support/character_host.h"
 #include "tests/support/failing_host.h"
 #include "tests/support/guard_page.h"
+#include "tests/support/null_arguments.h"
 #include "tests/support/zoned_locale.h"
 
 namespace {
@@ -118,6 +119,14 @@ TEST(HostileHost, ConversionsThatClaimAnyLength) {
   };
   EXPECT_EQ(NLSDoubleFormatUWithExOpts(locale.get(), 9, 2, 0, text, 1024, &written, nullptr, 1), 0u);
   EXPECT_EQ(std::string(text, text + written), '7' + std::string(1023, '\0'));
+  const auto to_utf8 = [&](uint8_t* to, int64_t* length) {
+    return NLSDoubleFormatUWithExOpts(locale.get(), 9, 2, 0, to, 9, length, nullptr, 1);
+  };
+  VX_EXPECT_NULLS_REFUSED(to_utf8, text, &written);
+  // A table that is there and offers nothing leaves the library its own.
+  runtime.bdconv.format_double = nullptr;
+  EXPECT_EQ(NLSDoubleFormatUWithExOpts(locale.get(), 4, 1, NLS_FORMAT_FIXED, text, 4, &written, nullptr, 1.5), 0u);
+  EXPECT_EQ(std::string(text, text + written), " 1.5");
   vxextent(nullptr);
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/number_format/exact_decimal.h"
+#include "tests/support/null_arguments.h"
 #include "vxnls/number_format.h"
 
 namespace {
@@ -100,6 +101,12 @@ TEST(Digits, EdgesOfTheTwoCalls) {
   EXPECT_EQ(fraction_part(0.0009765625).other, 3);
   EXPECT_EQ(fraction_part(0.0009765625, 4).text, "9765");
   EXPECT_EQ(fraction_part(0.5, 0).text, "");
+  VXChar buffer[8];
+  int64_t count = 0, zeros = 0;
+  const auto integer_digits = [](VXChar* to, int64_t* digits) { return vxzIDblToBuff(12, to, 8, digits, nullptr); };
+  VX_EXPECT_NULLS_REFUSED(integer_digits, buffer, &count);
+  EXPECT_EQ(vxzIDblToBuff(12, buffer, 8, &count, nullptr), 0u);
+  VX_EXPECT_NULLS_REFUSED(vxzFDblToBuff, buffer, 8, &count, &zeros, 0.5);
   for (const double bad : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
     EXPECT_EQ(integer_part(bad).status, VX_E_RANGE);
     EXPECT_EQ(fraction_part(bad).status, VX_E_RANGE);

@@ -151,7 +151,15 @@ TEST(DoubleFormat, FreeModeLayout) {
       {0.15, 0, 350, NLS_FORMAT_EXPONENT, 0, nullptr},
       {5e-324, 0, 350, NLS_FORMAT_EXPONENT, VX_E_DIRECTIVE, ""},
       {1.0 / 3, 0, 0, NLS_FORMAT_BEST, 0, "0.333333333333"},
+      {0, 0, 2, NLS_FORMAT_EXPONENT, 0, "0.00E+00"},
+      {0.15, 0, -1, plain, 0, "0.150000"},
+      {1.5, 0, 3, NLS_FORMAT_GENERAL | NLS_FORMAT_PLUS, 0, "+1.5"},
+      {1.5, 0, 3, NLS_FORMAT_GENERAL | NLS_FORMAT_KEEP_ZEROS, 0, "1.50"},
+      {1.5, -8, 3, NLS_FORMAT_GENERAL, 0, "1.5     "},
+      {1.5, 33, 3, NLS_FORMAT_GENERAL, 0, "                              1.5"},
+      {123.5, 0, 6, NLS_FORMAT_GENERAL, VX_E_TRUNCATED, "***", 3},
   };
+  EXPECT_EQ(write(locale, {0.5, 0, INT32_MAX, plain, 0, ""}), (Written{0, "0.5" + std::string(349, '0')}));
   for (const Row& row : rows) {
     if (row.text != nullptr) check(locale, row);
     else EXPECT_EQ(write(locale, row).status, row.status);
@@ -165,6 +173,7 @@ TEST(DoubleFormat, FixedField) {
       {3.14159, 10, 2, fixed, 0, "      3.14"},
       {1e12, 10, 2, fixed, VX_W_PRECISION, "      1E12"},
       {2.5, 1, 0, fixed, 0, "3"},
+      {0.9499999999999999, 5, 1, fixed, 0, "  1.0"},  // rounded up on purpose, to just 1
       {0.3, 1, 0, fixed, 0, "0"},
       {0.001, 5, 4, fixed, 0, ".0010"},
       {0.001, 6, 4, fixed, 0, "0.0010"},
@@ -222,6 +231,7 @@ TEST(DoubleFormat, MissingValuesAndInfinities) {
   check(locale, {ordinary, 0, 0, 0, 0, "."}, &unset);
   const NLSDoubleExOpts dash{1, {}, 0x2014};
   EXPECT_EQ(write_utf8(locale, {ordinary, 4, 0, fixed, 0, ""}, &dash), (Written{0, " —"}));  // three bytes of four
+  EXPECT_EQ(write_utf8(locale, {ordinary, 1, 0, fixed, 0, ""}, &dash), (Written{0, "—"}));   // never a part of it
 
   check(locale, {HUGE_VAL, 10, 2, fixed, 0, "Inf"});
   check(locale, {-HUGE_VAL, 4, 2, fixed, 0, "-Inf"});
@@ -241,6 +251,7 @@ TEST(DoubleFormat, SeparatorsOfSeveralBytes) {
   // The point takes one place more: a decimal goes.
   EXPECT_EQ(write_utf8(locale, {123.456, 6, 2, NLS_FORMAT_FIXED, 0, ""}), (Written{VX_W_PRECISION, "123٫5"}));
   EXPECT_EQ(write_utf8(locale, {0.5, 3, 1, NLS_FORMAT_FIXED, 0, ""}), (Written{0, "٫5"}));
+  EXPECT_EQ(write_utf8(locale, {1.5, 0, 3, NLS_FORMAT_GENERAL, 0, ""}), (Written{0, "1٫5"}));
 }
 
 TEST(DoubleFormat, GroupingPatternsOfDoubles) {

@@ -82,6 +82,7 @@ class Values {
     switch (random_() % 4) {
       case 0: return HUGE_VAL;
       case 1: return 0;
+      case 2: return std::nextafter(0.95, 0);  // rounds to just 1 with one decimal
       default:
         return std::bit_cast<double>(uint64_t{0xFFFF0000'00000000} ^ (random_() % 32 << 40) ^ 0x0000'FF00'00000000);
     }

@@ -131,13 +131,15 @@ constexpr uint32_t signed_flags[] = {0,
                                      NLS_FORMAT_LEFT | NLS_FORMAT_PLUS,
                                      NLS_FORMAT_ZERO_PAD,
                                      NLS_FORMAT_ZERO_PAD | NLS_FORMAT_BLANK | NLS_FORMAT_GROUP,
-                                     NLS_FORMAT_ZERO_PAD | NLS_FORMAT_LEFT | NLS_FORMAT_GROUP};
+                                     NLS_FORMAT_ZERO_PAD | NLS_FORMAT_LEFT | NLS_FORMAT_GROUP,
+                                     NLS_FORMAT_OCTAL | NLS_FORMAT_OCTAL_PREFIX};
 constexpr uint32_t unsigned_flags[] = {0,
                                        NLS_FORMAT_PLUS | NLS_FORMAT_BLANK,
                                        NLS_FORMAT_GROUP,
                                        NLS_FORMAT_HEX_LOWER | NLS_FORMAT_HEX_PREFIX | NLS_FORMAT_GROUP,
                                        NLS_FORMAT_HEX_UPPER | NLS_FORMAT_HEX_PREFIX | NLS_FORMAT_ZERO_PAD,
                                        NLS_FORMAT_HEX_LOWER | NLS_FORMAT_HEX_UPPER | NLS_FORMAT_HEX_PREFIX,
+                                       NLS_FORMAT_OCTAL,
                                        NLS_FORMAT_OCTAL | NLS_FORMAT_OCTAL_PREFIX | NLS_FORMAT_LEFT,
                                        NLS_FORMAT_OCTAL | NLS_FORMAT_HEX_PREFIX | NLS_FORMAT_ZERO_PAD};
 

@@ -239,6 +239,19 @@ TEST(ReadDouble, Doors) {
       EXPECT_EQ(NLSBufToDoubleA(locale.get(), ascii, 5, &value, &consumed, converter), 0u);
       EXPECT_EQ(value, 12.5);
     }
+  // A no-break space needs none. A point beyond the code is never found.
+  locale.data.groupSeparator = 0xA0;
+  EXPECT_EQ(NLSBufToDoubleA(locale.get(),
+                            reinterpret_cast<const uint8_t*>("1\xA0"
+                                                             "2.5"),
+                            5, &value, &consumed, nullptr),
+            0u);
+  EXPECT_EQ(value, 12.5);
+  locale.data.decimalPoint = 0x066B;
+  EXPECT_EQ(
+      NLSBufToDoubleE(locale.get(), reinterpret_cast<const uint8_t*>("\xF1\x4B\xF5"), 3, &value, &consumed, nullptr),
+      VX_E_NOTNUMBER);
+  EXPECT_EQ(consumed, 1);
 }
 
 /// Texts of every kind: mostly numbers, near every border of the conversion, and some that are none.

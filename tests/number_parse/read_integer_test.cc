@@ -274,7 +274,15 @@ TEST(ReadInteger, Doors) {
   for (VXLocale* const none : {static_cast<VXLocale*>(nullptr), &without_data}) {
     EXPECT_EQ(NLSBufToLong(none, text, 3, 0, &value, &consumed), 0u);
     EXPECT_EQ(value, 12);
+    uint64_t whole = 0;
+    EXPECT_EQ(NLSBufToULong(none, text, 3, 0, &whole, &consumed), 0u);
+    EXPECT_EQ(whole, 12u);
   }
+  // A separator that the end of the text cuts off is none.
+  locale.data.groupSeparator = 0x2019;
+  EXPECT_EQ(NLSBufToLongU(locale.get(), reinterpret_cast<const uint8_t*>("1\xE2\x80\x99"), 3, 0, &value, &consumed),
+            VX_E_NOTNUMBER);
+  EXPECT_EQ(consumed, 1u);
 }
 
 }  // namespace

@@ -238,13 +238,14 @@ TEST(Transcoding, EveryVariantGivesWhatStepsGiveFromUtf32) {
   }
 }
 
-// A caller's own mixture of the library's coders has no body of its own, and the same bounds.
+// The library's coders beside a caller's own have no body of their own, and the same bounds.
 TEST(Transcoding, OtherPairsOfTheLibrarysCoders) {
   static constexpr struct {
     VXEncoder encoder, step;
-  } others[] = {{UTF32_UTF16, encode_one<Utf16UnitSink<little>>},
-                {UTF32_UTF16_SWAP, encode_one<Utf16UnitSink<big>>},
-                {UTF16_UTF8, encode_one<Utf8UnitSink>}};
+  } others[] = {{UTF32_UTF16, encode_one<Utf16UnitSink<little>>}, {UTF32_UTF16_SWAP, encode_one<Utf16UnitSink<big>>},
+                {UTF16_UTF8, encode_one<Utf8UnitSink>},           {UTF32_UTF8, encode_one<Utf8Sink>},
+                {UTF32_UTF16s, encode_one<Utf16Sink<little>>},    {UTF32_UTF16s_SWAP, encode_one<Utf16Sink<big>>}};
+  const VXReader reader = [](const uint8_t* bytes) { return Byte2DWord(bytes); };
   Random random(1582);
   for (const Bytes& text : texts_in(COPY_UTF32_SWAP, 4 * 40, random)) {
     for (const auto& other : others) {
@@ -252,7 +253,7 @@ TEST(Transcoding, OtherPairsOfTheLibrarysCoders) {
         const Place place(random);
         const auto drive = [&](VXEncoder encoder) {
           return converted(text.data(), 160, room, place, [&](const uint8_t* in, uint8_t* out, int64_t* written) {
-            return ConvertFromUTF32(in, 160, out, room, written, encoder, Byte2DWord);
+            return ConvertFromUTF32(in, 160, out, room, written, encoder, reader);
           });
         };
         ASSERT_EQ(drive(other.encoder), drive(other.step)) << room;
@@ -337,6 +338,9 @@ TEST(Drivers, WhereTheyStop) {
                                Byte2DWord),
               c.status);
     EXPECT_EQ(written, c.written) << testing::PrintToString(c.text) << c.room;
+    EXPECT_EQ(ConvertFromUTF32(c.text.data(), static_cast<int64_t>(c.text.size()), out, c.room, nullptr, UTF32_UTF8,
+                               Byte2DWord),
+              c.status);
   }
   const uint8_t text[4] = {};
   for (int missing = 0; missing < 4; ++missing) {
@@ -369,6 +373,7 @@ TEST(Drivers, CodersThatReportNonsense) {
     *written = report;
     return 0;
   };
+  const VXEncoder refusing = [](uint32_t, uint8_t*, int64_t, int64_t*) -> VXStatus { return 0x803fe999u; };
   GuardedBuffer<uint8_t> input(8), output(32);
   for (const int64_t reported : {INT64_MIN, int64_t{-1}, int64_t{0}, int64_t{1}, int64_t{5}, INT64_MAX}) {
     report = reported;
@@ -378,6 +383,8 @@ TEST(Drivers, CodersThatReportNonsense) {
     EXPECT_EQ(written, reported < 1 ? 32 : reported == 1 ? 32 : reported == 5 ? 8 : 4);
     EXPECT_EQ(ConvertToUTF32(input.copy(text, 8), 8, output.at(30), 30, &written, UTF8_UTF32, encoder), 0u);
     EXPECT_EQ(written, 28);
+    EXPECT_EQ(ConvertToUTF32(input.copy(text, 8), 8, output.at(32), 32, &written, UTF8_UTF32, refusing), 0x803fe999u);
+    EXPECT_EQ(written, 0);
     EXPECT_EQ(ConvertFromUTF32(input.copy(text, 8), 8, output.at(9), 9, &written, encoder, Byte2DWord), 0u);
     EXPECT_EQ(written, reported < 0 ? 0 : std::min<int64_t>(9, reported > 9 ? 9 : 2 * reported));
   }
