@@ -13,6 +13,9 @@ void end_by(int signal) {
   std::raise(signal);
 }
 
+/// First of all: constants of a library need memory before main() begins.
+[[gnu::constructor(101)]] void prepare() { vxcli::tell_exhausted_memory(); }
+
 }  // namespace
 
 int main(int argc, char** argv) {

@@ -71,7 +71,8 @@ ExitCode run_words(std::vector<std::string> words, Messages& messages) {
   return code;
 }
 
-/// A destructor that needs memory and has none (there are such in libraries) ends the program, but not without a word.
+std::terminate_handler usual_end = nullptr;
+
 [[noreturn]] void end() noexcept {
   try {
     if (const std::exception_ptr cause = std::current_exception()) std::rethrow_exception(cause);
@@ -80,14 +81,19 @@ ExitCode run_words(std::vector<std::string> words, Messages& messages) {
     Messages().error(no_memory);
     _exit(static_cast<int>(ExitCode::host));
   } catch (...) {
+    usual_end();
   }
   std::abort();
 }
 
 }  // namespace
 
+void tell_exhausted_memory() noexcept {
+  if (usual_end == nullptr) usual_end = std::set_terminate(end);
+}
+
 ExitCode run(std::span<char* const> given) noexcept {
-  std::set_terminate(end);
+  tell_exhausted_memory();
   Messages messages;
   try {
     return run_words({given.begin(), given.end()}, messages);

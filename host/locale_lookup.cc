@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -103,6 +104,7 @@ const std::vector<std::string_view>& available_locales() {
   static const Names names = [] {
     Names made;
     const int32_t count = uloc_countAvailable();
+    if (count == 0) throw std::bad_alloc();  // ICU could not read its list
     for (int32_t i = 0; i < count; ++i) made.emplace_back(uloc_getAvailable(i));
     std::sort(made.begin(), made.end());
     return made;
