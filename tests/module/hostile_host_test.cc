@@ -95,6 +95,9 @@ TEST(HostileHost, ConversionsThatClaimAnyLength) {
             int64_t written = -1;
             EXPECT_EQ(write(locale.get(), 9, 2, 1, wide, size, &written, -0.5), status);
             EXPECT_TRUE(written >= -1 && written <= size + added) << written;
+            if (write == &NLSPercentFormat && status == 0 && length >= 0 && length <= size - 2) {
+              EXPECT_EQ(wide[length + 1], VXChar{')'});  // "%)" stands right behind what was claimed
+            }
           }
           int64_t written = -1;
           const VXStatus told = NLSDoubleFormatUWithExOpts(locale.get(), 9, 2, 0, narrow, size, &written, nullptr, 1);

@@ -35,6 +35,7 @@ TEST(ExplainNumber, FaultsAndTheirPlaces) {
       {any_double, "1.2\u20193", 0, VX_FAULT_SEPARATOR_IN_FRACTION, 3, 3},
       {any_double, "1.2 .", 0, VX_FAULT_TEXT_AFTER, 4, 1},
       {any_double, "1,2", 0, VX_FAULT_TEXT_AFTER, 1, 1},
+      {any_double, "1e5.5", 0, VX_FAULT_TEXT_AFTER, 3, 1},
       {any_double, "1e", 0, VX_FAULT_EXPONENT_WITHOUT_DIGITS, 2, 0},
       {any_double, "1e+x", 0, VX_FAULT_EXPONENT_WITHOUT_DIGITS, 3, 1},
       {any_double, " 1e-99999 ", 0, VX_FAULT_EXPONENT_RANGE, 4, 5},
