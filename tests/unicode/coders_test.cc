@@ -103,6 +103,13 @@ TEST(Coders, EveryCodePointThroughEveryPairAndBack) {
       } else {
         ASSERT_EQ(back, (Read{0xFFFD, 2, U16_IS_LEAD(c) ? VX_E_INCOMPLETE : VX_E_SEQUENCE})) << c;
       }
+      if (pair.decoder != UTF8_UTF32) continue;
+      uint16_t units[2] = {0, 0xAAAA}, wanted[2] = {0, 0xAAAA};  // below U+10000 the second unit stays as it was
+      size_t count = 0;
+      U16_APPEND_UNSAFE(wanted, count, c);
+      int64_t consumed = -1;
+      ASSERT_EQ(UTF8_UTF16(out, n, units, &consumed), 0u) << c;
+      ASSERT_TRUE(consumed == n && std::equal(units, units + 2, wanted)) << c;
     }
   }
 }
