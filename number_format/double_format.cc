@@ -461,17 +461,53 @@ uint64_t scaled_fraction(double fraction, int64_t decimals) {
                                (exponent < -127 ? 127 : -exponent));
 }
 
+/// What the short roads of numbers with decimals have in common.
+constexpr double below_short = 1e15;
+
+/// Whether the locale's point, and its groups where they are asked for, are those of the short roads.
+template <class Flavour>
+bool has_short_marks(const VXLocale* locale, bool grouped) {
+  return Flavour::units(Separators(locale).decimal_point) == 1 && (!grouped || has_plain_groups<Flavour>(locale));
+}
+
+/// A number of at most 15 digits before the point.
+template <class Flavour>
+struct ShortNumber {
+  Separators separators;
+  uint64_t whole;
+  int64_t decimals;
+  bool negative, grouped;
+  int64_t shown, separated;  // digits and separators before the point
+  int64_t units;
+
+  ShortNumber(const VXLocale* locale, uint64_t digits, int64_t places, bool has_minus, bool in_groups)
+      : separators(locale), whole(digits), decimals(places), negative(has_minus), grouped(in_groups) {
+    const int32_t count = count_digits(whole);
+    shown = count > 0 ? count : 1;
+    separated = grouped ? (shown - 1) / 3 : 0;
+    units = negative + shown + separated + (decimals > 0 ? 1 + decimals : 0);
+  }
+
+  /// Writes it with its fraction, of as many digits as there are decimals; gives where a field of that width begins.
+  const typename Flavour::Unit* put(Draft<Flavour>& draft, uint64_t fraction, int64_t field) const {
+    auto* end = draft.point();
+    if (decimals > 0) end = draft.put_fraction(fraction, decimals, separators.decimal_point);
+    auto* first = draft.point() - shown - separated;
+    if (grouped) draft.template put_grouped<significant_digits>(whole, separators.group);
+    else draft.template put_whole<significant_digits>(whole);
+    first = draft.put_sign(first, negative ? '-' : '\0');
+    return draft.pad(first, end, field);
+  }
+};
+
 /// The short road of a fixed field: a value whose digits, as many as the field asks for, are at most its 15 significant
 /// ones, and fit. Everything is exact in 64 bits then, but for the rounding, which is the long road's. Gives false,
 /// with nothing written, when the value has to take that one.
 template <class Flavour>
 bool put_short_fixed(const VXLocale* locale, int64_t field, int32_t decimals, bool grouped,
                      typename Flavour::Unit* buffer, double value) {
-  constexpr double limit = 1e15;
   const double magnitude = std::fabs(value);
-  const Separators separators(locale);
-  if (!(magnitude < limit) || Flavour::units(separators.decimal_point) != 1) return false;
-  if (grouped && !has_plain_groups<Flavour>(locale)) return false;
+  if (!(magnitude < below_short) || !has_short_marks<Flavour>(locale, grouped)) return false;
   double rounded = magnitude;
   auto whole = static_cast<int64_t>(rounded);
   const bool integral = rounded == static_cast<double>(whole);
@@ -483,22 +519,38 @@ bool put_short_fixed(const VXLocale* locale, int64_t field, int32_t decimals, bo
   const int32_t count = count_digits(digits);
   // Also where the digits before rounding were too many: it takes none away.
   if (!integral && decimals > significant_digits - count) return false;
-  const int64_t shown = count > 0 ? count : 1;
-  const int64_t separated = grouped ? (shown - 1) / 3 : 0;
-  if ((value < 0) + shown + separated + (decimals > 0 ? 1 + decimals : 0) > field) return false;
-
+  const ShortNumber<Flavour> number(locale, digits, decimals, value < 0, grouped);
+  if (number.units > field) return false;
+  const uint64_t fraction =
+      integral || decimals == 0 ? 0 : scaled_fraction(rounded - static_cast<double>(whole), decimals);
   Draft<Flavour> draft;
-  auto* end = draft.point();
-  if (decimals > 0) {
-    const uint64_t fraction = integral ? 0 : scaled_fraction(rounded - static_cast<double>(whole), decimals);
-    end = draft.put_fraction(fraction, decimals, separators.decimal_point);
-  }
-  auto* first = draft.point() - shown - separated;
-  if (grouped) draft.template put_grouped<significant_digits>(digits, separators.group);
-  else draft.template put_whole<significant_digits>(digits);
-  first = draft.put_sign(first, value < 0 ? '-' : '\0');
-  copy_units(buffer, draft.pad(first, end, field), field);
+  copy_units(buffer, number.put(draft, fraction, field), field);
   return true;
+}
+
+/// The short road of plain notation: what is below 10^15 and has at most 15 decimals, and 18 digits in all, is rounded
+/// exactly in 128 bits. Gives the units of the field; 0, with nothing written, when the value has to take the long road
+/// or does not fit.
+template <class Flavour>
+int64_t put_short_plain(const VXLocale* locale, int64_t width, int32_t decimals, bool grouped,
+                        typename Flavour::Unit* buffer, int64_t size, double value) {
+  __extension__ using Wide = unsigned __int128;
+  const double magnitude = std::fabs(value);
+  if (!(magnitude < below_short) || !has_short_marks<Flavour>(locale, grouped)) return 0;
+  const auto [mantissa, exponent] = binary_parts(magnitude);
+  const int32_t shift = -exponent;                                             // at least 3
+  const Wide product = static_cast<Wide>(mantissa) * powers_of_ten[decimals];  // below 2^103
+  const Wide rounded = shift > 127 ? 0 : (product + (Wide{1} << (shift - 1))) >> shift;
+  if (rounded >= powers_of_ten[18]) return 0;
+  const auto all = static_cast<uint64_t>(rounded), whole = all / powers_of_ten[decimals];
+  if (whole >= powers_of_ten[significant_digits]) return 0;
+  const ShortNumber<Flavour> number(locale, whole, decimals, value < 0, grouped);
+  const int64_t field = width > number.units ? width : number.units;
+  if (field > size || (grouped && width > 0 && number.units > width)) return 0;
+  Draft<Flavour> draft;
+  constexpr int64_t usual = 20;
+  put_units<usual>(buffer, size, number.put(draft, all - whole * powers_of_ten[decimals], field), field);
+  return field;
 }
 
 template <class Flavour>
@@ -609,6 +661,14 @@ VXStatus format_double(VXLocale* locale, int32_t width, int32_t decimals, uint32
     const int64_t field = width < size ? width : size;
     if (put_short_fixed<Flavour>(locale, field, decimals, (flags & flag_group) != 0, buffer, value)) {
       *length = field;
+      return 0;
+    }
+  }
+  const bool plain = (flags & ~flag_group) == flag_plain && width >= 0 && width <= widest_field;
+  if (plain && decimals >= 0 && decimals <= significant_digits) {
+    const bool grouped = (flags & flag_group) != 0;
+    if (const int64_t units = put_short_plain<Flavour>(locale, width, decimals, grouped, buffer, size, value)) {
+      *length = units;
       return 0;
     }
   }

@@ -113,7 +113,8 @@ TEST(ShortRoad, GivesWhatTheLongOneGives) {
     const double value = values[i % 6];
     const auto decimals = static_cast<int32_t>(random() % 18);
     const auto width = static_cast<int32_t>(random() % (i % 8 == 0 ? 301 : 33));
-    for (const uint32_t flags : {NLS_FORMAT_FIXED, NLS_FORMAT_FIXED | NLS_FORMAT_GROUP, 0u, NLS_FORMAT_GENERAL}) {
+    for (const uint32_t flags : {NLS_FORMAT_FIXED, NLS_FORMAT_FIXED | NLS_FORMAT_GROUP, NLS_FORMAT_PLAIN,
+                                 NLS_FORMAT_PLAIN | NLS_FORMAT_GROUP, 0u, NLS_FORMAT_GENERAL}) {
       ASSERT_TRUE(double_is_the_same(locales, value, width, decimals, flags)) << value << " decimals " << decimals;
     }
     for (const uint32_t flags : {0u, NLS_FORMAT_GROUP, NLS_FORMAT_PLUS | NLS_FORMAT_GROUP}) {
