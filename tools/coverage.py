@@ -31,10 +31,12 @@ def instances_at(functions, line):
 def counted(build, root, rooms):
     """Of each line of each file: how often it ran, and for each way to branch how often each branch was taken."""
     notes = [os.path.join(folder, name) for folder, _, names in os.walk(build) for name in names
-             if name.endswith(".gcda")]
+             if name.endswith(".gcda") and not set(rooms).isdisjoint(os.path.relpath(folder, build).split(os.sep))]
     files = {}
     gcov = subprocess.run([os.environ.get("GCOV", "gcov-12"), "--json-format", "--stdout", "--branch-probabilities", *notes],
-                          cwd=build, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+                          cwd=build, check=False, capture_output=True, text=True)
+    if gcov.returncode != 0 or not notes:
+        sys.exit(f"{gcov.stderr.strip()}\ncounted by another build, or by none: script/coverage counts anew")
     for unit in map(json.loads, gcov.stdout.splitlines()):
         for file in unit["files"]:
             path = os.path.relpath(os.path.join(unit["current_working_directory"], file["file"]), root)
@@ -67,7 +69,8 @@ def main():
         of_room = sums[path.split(os.sep)[0]]
         for number, (runs, shapes) in sorted(lines.items()):
             text = source[number - 1].strip()
-            if "GCOV_EXCL_LINE" in text:
+            # A closing brace that never ran holds what only an exception undoes.
+            if "GCOV_EXCL_LINE" in text or (runs == 0 and not text.strip("{}(); ")):
                 continue
             branches = [] if "GCOV_EXCL_BR_LINE" in text else [count for shape in shapes.values() for count in shape]
             of_room[0] += 1
