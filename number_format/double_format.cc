@@ -480,7 +480,8 @@ struct ShortNumber {
   int64_t shown, separated;  // digits and separators before the point
   int64_t units;
 
-  ShortNumber(const VXLocale* locale, uint64_t digits, int64_t places, bool has_minus, bool in_groups)
+  [[gnu::always_inline]] ShortNumber(const VXLocale* locale, uint64_t digits, int64_t places, bool has_minus,
+                                     bool in_groups)
       : separators(locale), whole(digits), decimals(places), negative(has_minus), grouped(in_groups) {
     const int32_t count = count_digits(whole);
     shown = count > 0 ? count : 1;
@@ -489,7 +490,8 @@ struct ShortNumber {
   }
 
   /// Writes it with its fraction, of as many digits as there are decimals; gives where a field of that width begins.
-  const typename Flavour::Unit* put(Draft<Flavour>& draft, uint64_t fraction, int64_t field) const {
+  [[gnu::always_inline]] const typename Flavour::Unit* put(Draft<Flavour>& draft, uint64_t fraction,
+                                                           int64_t field) const {
     auto* end = draft.point();
     if (decimals > 0) end = draft.put_fraction(fraction, decimals, separators.decimal_point);
     auto* first = draft.point() - shown - separated;
