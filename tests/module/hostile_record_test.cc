@@ -32,8 +32,6 @@ std::vector<std::string> make_texts() {
   for (const char* text : {"W07 2021", "2021-W07"}) texts.push_back(text + std::string(54, 'm'));
   return texts;
 }
-const std::vector<std::string> texts = make_texts();
-
 /// Runs what reads a record, in both flavours, with rooms that end at a page that nobody may touch.
 class EveryReader {
  public:
@@ -68,7 +66,7 @@ class EveryReader {
       if (status != 0) *n = 0;  // it counts what it did not write
       return status;
     });
-    for (const std::string& text : texts) read(locale, text);
+    for (const std::string& text : texts_) read(locale, text);
     return answers_;
   }
 
@@ -143,6 +141,7 @@ class EveryReader {
     }
   }
 
+  const std::vector<std::string> texts_ = make_texts();
   GuardedBuffer<uint8_t> bytes_{600};
   GuardedBuffer<VXChar> units_{600};
   Answers answers_;

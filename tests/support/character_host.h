@@ -38,7 +38,10 @@ class CharacterHost {
     database_.ops = &database_ops;
     Exported_VXHandle = &handle_;
   }
-  ~CharacterHost() { Exported_VXHandle = nullptr; }
+  ~CharacterHost() {
+    Exported_VXHandle = nullptr;
+    current() = nullptr;
+  }
   CharacterHost(const CharacterHost&) = delete;
   CharacterHost& operator=(const CharacterHost&) = delete;
 
