@@ -65,9 +65,9 @@ DoubleGrouping double_grouping(VXLocale* locale) {
     return grouping;  // cppcheck-suppress uninitvar ; as many sizes are written as are counted
   }
   const TextView pattern = view(locale->localeData->groupingPattern);
-  for (int64_t at = 0; at <= pattern.length && grouping.sizes.count < longest_name;) {
+  for (int64_t at = 0;;) {  // a size and what ends it take two units: there is room for all
     const bool first = at == 0;
-    const bool ends_grouping = !first && at < pattern.length && pattern.text[at] == '-';
+    const bool ends_grouping = !first && pattern.text[at] == '-';
     if (ends_grouping) {
       grouping.sizes.add(-1);
       break;
@@ -250,7 +250,7 @@ VXStatus DoubleField<Flavour>::fixed(int32_t width, int64_t decimals, bool best,
     if (!integral && n == 0 && room > 2) {
       uint8_t digit;
       const bool nothing_shows = fraction_digits(magnitude, &digit, 1).leading_zeros >= decimals;
-      if (nothing_shows || (magnitude < 1e-5 && room > 4)) return exponent_to_fit(field, magnitude, negative, reports);
+      if (nothing_shows || magnitude < 1e-5) return exponent_to_fit(field, magnitude, negative, reports);
     }
   } else if (decimals < 0) {
     decimals = default_decimals;
@@ -318,9 +318,9 @@ struct Decimal {
   Decimal(double magnitude, int32_t significant, int32_t places) {
     count = point = integer_digits(magnitude, first);
     if (count > 0) {
-      int32_t wanted = (places >= 0 ? places : significant - count) + 1;
+      static_assert(most_decimals < most_fraction_digits);
+      const int32_t wanted = (places >= 0 ? places : significant - count) + 1;
       if (wanted < 1) return;
-      if (wanted > most_fraction_digits) wanted = most_fraction_digits;
       uint8_t digits[most_fraction_digits];
       const FractionDigits found = fraction_digits(magnitude, digits, wanted);
       if (found.count == 0) return;
@@ -360,7 +360,7 @@ struct FreeText {
   void plain(const Decimal& number, int32_t decimals) {
     uint8_t* at = area;
     const int32_t whole = number.count == 0 || number.point <= 0 ? 0 : number.point;
-    for (int32_t i = 0; i < whole; ++i) *at++ = i < number.count ? number.first[i] : zero;
+    for (int32_t i = 0; i < whole; ++i) *at++ = number.first[i];
     if (whole == 0) *at++ = zero;
     parts.whole = {area, at - area};
     uint8_t* const fraction = at;

@@ -75,7 +75,7 @@ bool exponent_form(double value, int32_t room, int32_t digits, int32_t point_uni
   Placing best{};
   int32_t wanted = 0;
   // A second round when rounding carries the mantissa to 1: the exponent may change its width.
-  for (int round = 0; round < 2; ++round) {
+  for (int round = 0;; ++round) {
     usual = best = placing(number.exponent, 1, room, point_units, automatic);
     if (usual.capacity < 2 && (automatic || digits > usual.capacity)) {
       // Two digits before the point, or none, make the exponent text shorter at times: that wins a digit.
@@ -100,7 +100,7 @@ bool exponent_form(double value, int32_t room, int32_t digits, int32_t point_uni
   const int32_t taken = wanted < most_mantissa_digits ? wanted : most_mantissa_digits;
   form->digit_count = fraction_digits(number.mantissa, form->digits, taken).count;
   while (form->digit_count > 0 && form->digits[form->digit_count - 1] == '0') --form->digit_count;
-  if (form->digit_count < 2 && usual.capacity > 0) best = usual;  // no digit was won after all
+  if (form->digit_count < 2) best = usual;  // no digit was won after all
   // Digits that stand before the point are shown, and those asked for beyond what the value gives, as zeros.
   int32_t least = best.before_point > 1 ? best.before_point : 1;
   if (!automatic && wanted > most_mantissa_digits) least = wanted;

@@ -32,7 +32,7 @@ VXStatus NLSPercentFormat(VXLocale* locale, int32_t width, int32_t decimals, uin
   *length = 0;
   const VXStatus status = NLSDoubleFormat(locale, vxnls::narrower(width, extra), decimals, plain_notation, buffer,
                                           vxnls::smaller(size, extra), length, value * 100);
-  if (status == 0 && *length >= 0 && *length <= size - extra) {  // a conversion table of the host may say anything
+  if (status == 0 && *length <= size - extra) {  // a conversion table of the host may say anything
     buffer[*length] = '%';
     if (parentheses != 0) {
       buffer[*length + 1] = ')';
@@ -71,7 +71,7 @@ VXStatus NLSCurrencyFormat(VXLocale* locale, int32_t width, int32_t decimals, ui
   const int64_t field = width < written ? width : written;
   int64_t first = 0;
   while (first < field && buffer[first] == ' ') ++first;
-  if (first >= field || first < symbol.length) first = symbol.length;
+  if (first >= field) first = symbol.length;
   if (first > size) return 0;
   for (int64_t i = 0; i < symbol.length; ++i) buffer[first - symbol.length + i] = symbol.text[i];
   return 0;
