@@ -20,7 +20,7 @@ double plain_number(std::string_view text) {
   text = without_blanks(text);
   if (text == ".") return qmMissVal('.');
   if (text.size() == 2 && text[0] == '.' && (text[1] == '_' || is_letter(text[1]))) {
-    return qmMissVal(static_cast<VXChar>(text[1]));
+    return qmMissVal(static_cast<uint8_t>(text[1]));
   }
   std::string_view digits = text;
   const bool plus = digits.starts_with('+') && digits.size() > 1 && digits[1] != '-';

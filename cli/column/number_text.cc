@@ -134,10 +134,9 @@ bool NumberText::scan(std::string_view text, std::string_view own_currency, size
     }
     VXChar separator = 0;
     size_t length = 1;
-    if (c == '.' || c == ',') {
-      separator = static_cast<VXChar>(c);
-    } else if ((c == ' ' || c == '\'') && run > 0 && at + 1 < end && is_digit(text[at + 1])) {
-      separator = static_cast<VXChar>(c);
+    const bool within_digits = run > 0 && at + 1 < end && is_digit(text[at + 1]);
+    if (c == '.' || c == ',' || ((c == ' ' || c == '\'') && within_digits)) {
+      separator = static_cast<uint8_t>(c);
     } else if (c == '\xD9' && at + 1 < end && (text[at + 1] == '\xAB' || text[at + 1] == '\xAC')) {
       separator = text[at + 1] == '\xAB' ? arabic_point : arabic_separator;
       length = 2;
