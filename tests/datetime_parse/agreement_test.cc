@@ -57,6 +57,35 @@ TEST(ParseAgreement, SeededTextsAndPatterns) {
   EXPECT_GT(datetimes, 100);
 }
 
+// Texts of all common forms, with a unit taken out, put in or put instead at every place: the helpers hold the search
+// that leaves out rows to the one that tries them all.
+TEST(ParseAgreement, TextsNearToCommonForms) {
+  ZonedLocale locale;
+  constexpr std::u32string_view texts[] = {U"03/04/2020",  U"3-4-20",      U"2020.03.04", U"2020/mar/04", U"20-Mar-5",
+                                           U"MAR 5 2020",  U"mar/5/20",    U"Mar.5.2020", U"Mar-5-2020",  U"May52020",
+                                           U"Thu,Mar5,20", U"Sep 15,2020", U"12/31/99"};
+  int read = 0;
+  const auto try_all = [&](const std::u32string& text) {
+    for (const uint32_t kind : {4u, 5u}) read += read_date(locale.get(), text, kind).status == 0;
+    read += read_datetime(locale.get(), text + U" 10:30:15", 4).status == 0;
+  };
+  for (const char32_t* main : {U"%m/%d/%Y", U"%d.%m.%Y"}) {
+    set_name(locale.data.datePattern, main);
+    for (const std::u32string_view whole : texts) {
+      for (size_t place = 0; place <= whole.size(); ++place) {
+        const std::u32string before(whole.substr(0, place)), behind(whole.substr(place));
+        if (!behind.empty()) try_all(before + behind.substr(1));
+        for (const char32_t unit : U" ,/-.5xM") {
+          try_all(before + unit + behind);
+          if (!behind.empty()) try_all(before + unit + behind.substr(1));
+        }
+      }
+      if (HasFailure()) return;
+    }
+  }
+  EXPECT_GT(read, 2000);
+}
+
 // The steps that need no thought, of every length, cut and damaged at every place: the helpers hold them to the others.
 TEST(ParseAgreement, PlainStepsOfEveryLengthWithAFaultAtEveryPlace) {
   std::mt19937 random(60);
