@@ -97,6 +97,9 @@ TEST(Explain, Refusals) {
     EXPECT_EQ(r.maximum, c.maximum);
     EXPECT_EQ(r.width, c.width);
     EXPECT_EQ(pattern_of(r.candidate), c.pattern);
+    if (c.what == datetime) {
+      EXPECT_EQ(out.day_exists, c.reason == VX_REASON_NO_SUCH_DAY ? 0u : 1u);
+    }
     EXPECT_EQ(r.is_directive, (c.letter != 0 && c.reason != VX_REASON_LITERAL) ? 1u : 0u);
   }
 }
