@@ -106,6 +106,7 @@ std::vector<Wanted> wanted_of(const Invocation& invocation, const table::Head& h
 
 std::vector<std::string> names_of(const std::vector<Wanted>& wanted) {
   std::vector<std::string> names;
+  names.reserve(wanted.size());
   for (const Wanted& each : wanted) names.push_back(each.name);
   return names;
 }
@@ -256,6 +257,7 @@ Profiled profile(Invocation& invocation, Input& input, const std::vector<table::
   const column::LocaleMaker maker = locale_maker(invocation.session);
   const auto make_profilers = [&] {
     std::vector<column::Profiler> made;
+    made.reserve(options.size());
     for (const column::ProfilerOptions& each : options) made.emplace_back(maker, each);
     return made;
   };

@@ -1,5 +1,6 @@
 #include "cli/column/vocabulary.h"
 
+#include <fmt/format.h>
 #include <unicode/uchar.h>
 #include <unicode/utf8.h>
 
@@ -79,7 +80,7 @@ void Vocabulary::add_names(std::string_view pattern, std::string_view directive,
     add(name, locales);
     if (!before.empty()) add(before + name, locales);
     if (!behind.empty()) add(name + behind, locales);
-    if (!before.empty() && !behind.empty()) add(before + name + behind, locales);
+    if (!before.empty() && !behind.empty()) add(fmt::format("{}{}{}", before, name, behind), locales);
   }
 }
 
