@@ -127,9 +127,11 @@ TEST(ParseDate, OrderOfTheLocale) {
       {U"%m/%d/%Y\x7F", true},  {U"%d/%m/%Y\x7F", false}, {U"%Y/%m/%d\x7F", false}, {U"%o %e %y\x7F", true},
       {U"%m %b %Y\x7F", true},  {U"%m %Y\x7F", false},    {never, false},           {U"%Y %d\x7F", true},
       {U"%#m %d %Y\x7F", true}, {U"%d %b %Y\x7F", true},  // no "%m" counts as a place before all others
+      {U"%Y %d\x7F%", true},
   };
   for (const auto& c : cases) {
     CommonForms locale(c.main);
+    locale.data.datePattern.text[locale.data.datePattern.length] = 'm';  // behind the pattern, no part of it
     const DateRead wanted = c.month_first ? date(2020, 3, 4, 10) : date(2020, 4, 3, 10);
     EXPECT_EQ(read_date(locale.get(), U"03/04/2020", 4), wanted) << utf8(c.main);
   }
