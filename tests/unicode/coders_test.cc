@@ -400,6 +400,8 @@ TEST(Coders, ReadersAtAnyAlignment) {
   EXPECT_EQ(Byte2DWord_swap(bytes + 1), 0x12345678u);
   EXPECT_EQ(Byte2Word(bytes + 1), 0x3412);
   EXPECT_EQ(Byte2Word_swap(bytes + 1), 0x1234);
+  EXPECT_EQ(BYTE_UTF16_UTF32(bytes + 1), 0x1234);
+  EXPECT_EQ(BYTE_UTF16_UTF32_SWAP(bytes + 1), 0x3412);
 }
 
 TEST(Coders, LegalityAndGoodLength) {
