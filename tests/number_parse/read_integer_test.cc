@@ -161,6 +161,8 @@ TEST(ReadInteger, Texts) {
       {U"-9,999,999,999,x", 0, VX_E_OVERFLOW, 0, 15},
       {U"1,2,,3", 0, 0, 123, 6},
       {U",123", 0, VX_E_NOTNUMBER, 0, 0},
+      {U",123,456", 0, VX_E_NOTNUMBER, 0, 0},
+      {U",123,456,789", 0, VX_E_NOTNUMBER, 0, 0},
       {U"-,123", 0, 0, -123, 5},
       {U" - 5", 0, 0, -5, 4},
       {U"- ", 0, VX_E_NOTNUMBER, 0, 2},
