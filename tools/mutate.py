@@ -33,7 +33,7 @@ ROOMS = ("calendar", "collation", "datetime_format", "datetime_parse", "kernel_s
          "number_parse", "unicode", "utf8")
 WHOLE = re.compile(r"locale_database_test|host_test|own_host_test|corpus_(?!record_splitter|command_arguments).*")
 COUNTED = ("caught", "survived", "waiting")
-SLOW = 0.5  # seconds of the processor from which a case has to wait for the quick ones
+OWN_RUN, SLOW = 0.5, 2  # seconds of the processor from which a case runs alone, and after the quick ones of its room
 DATA = ("number_format/powers.cc",)  # each value is compared by a test
 
 SWAPS = tuple((re.compile(old), new) for old, new in (
@@ -110,7 +110,7 @@ class Test:
 
     @property
     def quick(self):
-        return self.filter is None or self.filter[0] == "-"
+        return self.filter is None or self.filter[0] == "-" or self.seconds < SLOW
 
     def listed(self, entry):
         properties = {part["name"]: part["value"] for part in entry["properties"]}
@@ -156,9 +156,9 @@ class Test:
 
 class Worker:
     def __init__(self, folder, commit):
-        self.source, self.build, self.times = folder / "source", folder / "build", folder / "times.json"
+        self.source, self.build, self.times = folder / "source", folder / "build", folder.parent / "times.json"
         self.environment = dict(os.environ, CCACHE_BASEDIR=str(folder), CCACHE_DIR=str(folder.parent / "ccache"),
-                                CCACHE_NOHASHDIR="1")
+                                CCACHE_NOHASHDIR="1", CCACHE_DEPEND="1")
         fresh = folder / "fresh"
         shutil.rmtree(fresh, ignore_errors=True)
         fresh.mkdir(parents=True)
@@ -213,7 +213,7 @@ class Worker:
                     cases = {f"{suite['name']}.{case['name']}": float(case["time"][:-1])
                              for suite in suites for case in suite["testsuite"]}
                     factor = seconds / max(sum(cases.values()), 1e-3)  # the clock's seconds to the processor's
-                    slow = [(name, time * factor) for name, time in cases.items() if time * factor > SLOW]
+                    slow = [(name, time * factor) for name, time in cases.items() if time * factor > OWN_RUN]
                 known[program] = {"passed": passed, "seconds": seconds, "slow": slow}
                 self.times.write_text(json.dumps(known))
             test.seconds, slow = known[program]["seconds"], known[program]["slow"]
@@ -232,7 +232,7 @@ class Worker:
 
     def objects(self):
         folder = self.build / "CMakeFiles/vxnlsloc_objects.dir"
-        return {str(path): hashlib.sha256(path.read_bytes()).digest() for path in sorted(folder.rglob("*.o"))}
+        return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).digest() for path in sorted(folder.rglob("*.o"))}
 
     def stages(self, room):
         """The quick tests of the room and its slow ones, the quick ones of the other rooms, and those of the whole.
