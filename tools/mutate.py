@@ -232,7 +232,8 @@ class Worker:
 
     def objects(self):
         folder = self.build / "CMakeFiles/vxnlsloc_objects.dir"
-        return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).digest() for path in sorted(folder.rglob("*.o"))}
+        return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).digest()
+                for path in sorted(folder.rglob("*.o"))}
 
     def stages(self, room):
         """The quick tests of the room and its slow ones, the quick ones of the other rooms, and those of the whole.
