@@ -222,11 +222,12 @@ TEST(IntegerFormat, GroupingPatterns) {
     std::u32string pattern;
     std::vector<int> sizes;
   } cases[] = {
-      {U"3", {3}},      {U"3;2", {3, 2}},
-      {U"2", {2}},      {U"-", {-1}},
-      {U"3-", {3, -1}}, {U"1234", {1, 2, 3, 4}},
+      {U"3", {3}},       {U"3;2", {3, 2}},
+      {U"/98:", {9, 8}},  // the neighbours of the digits are passed over
+      {U"2", {2}},       {U"-", {-1}},
+      {U"3-", {3, -1}},  {U"1234", {1, 2, 3, 4}},
       {U"3;0", {3, 0}},  // a size of 0 never comes, so the rest is one group
-      {U"", {}},        {std::u32string(60, U'1'), std::vector<int>(60, 1)},
+      {U"", {}},         {std::u32string(60, U'1'), std::vector<int>(60, 1)},
   };
   for (const auto& c : cases) {
     PlainLocale locale;

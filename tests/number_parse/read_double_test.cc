@@ -125,6 +125,8 @@ TEST(ReadDouble, Texts) {
       {english, U"1.2,3", VX_E_NOTNUMBER, 3, missing},
       {english, U"1.2.3", VX_E_NOTNUMBER, 3, missing},
       {english, U"12a", VX_E_NOTNUMBER, 2, missing},
+      {english, U"KLMNOFGH", VX_E_NOTNUMBER, 0, missing},  // eight that differ from digits in the same bits
+      {english, U"1.KLMNOFGH", VX_E_NOTNUMBER, 2, missing},
       {english, U"1 2", VX_E_NOTNUMBER, 2, missing},
       {english, U"1 E2", VX_E_NOTNUMBER, 2, missing},
       {english, U"-", VX_E_NOTNUMBER, 1, missing},
