@@ -431,6 +431,7 @@ class Normaliser {
     constexpr int32_t most = 100'000'000;
     const int32_t records = given ? option_number("--sample", *given, 1, most) : usual;
     std::vector<column::Profiler> profilers;
+    profilers.reserve(options.size());
     for (const column::ProfilerOptions& each : options) profilers.emplace_back(maker_, each);
     table::Splitter splitter(plan_.dialect, plan_.columns, plan_.expected_cells);
     table::Record record;
