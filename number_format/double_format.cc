@@ -534,7 +534,7 @@ bool put_short_fixed(const VXLocale* locale, int64_t field, int32_t decimals, bo
 /// exactly in 128 bits. Gives the units of the field; 0, with nothing written, when the value has to take the long road
 /// or does not fit.
 template <class Flavour>
-int64_t put_short_plain(const VXLocale* locale, int64_t width, int32_t decimals, bool grouped,
+[[gnu::noinline]] int64_t put_short_plain(const VXLocale* locale, int64_t width, int32_t decimals, bool grouped,
                         typename Flavour::Unit* buffer, int64_t size, double value) {
   __extension__ using Wide = unsigned __int128;
   const double magnitude = std::fabs(value);
