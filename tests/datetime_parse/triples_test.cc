@@ -43,8 +43,7 @@ TEST(ParseTriples, EveryCharacterBetweenNumbers) {
   int found = 0;
   for (size_t i = 0; i < std::size(orders); ++i) {
     for (char32_t c = 0; c < 0x180; ++c) {
-      for (const char32_t other :
-           {c, U'.', static_cast<char32_t>(c ^ 0x20), static_cast<char32_t>(c + 0x100), U'年'}) {
+      for (const char32_t other : {c, U'.', static_cast<char32_t>(c ^ 0x20), static_cast<char32_t>(c + 0x100), U'年'}) {
         use(locale, with(orders[i], c, other));
         for (const char32_t stands : {c, other}) found += read_all(locale, with(texts[i], c, stands));
         found += read_all(locale, with(texts[i], c, other) + U"7");
