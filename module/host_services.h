@@ -81,8 +81,8 @@ VXStatus system_zone(HostContext* host, ZoneId* out);
 /// A zone's identifier and its offset from UTC in seconds east, at one moment.
 struct ZoneState {
   VXChar name[longest_zone_id];  // blanks where the host wrote nothing
-  int64_t name_length;  // 0 to 50; 0 when the host failed
-  int32_t offset;       // 0 when the host failed
+  int64_t name_length;           // 0 to 50; 0 when the host failed
+  int32_t offset;                // 0 when the host failed
 };
 
 /// The state of the locale's current zone at `seconds`, which is local time.

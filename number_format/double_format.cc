@@ -535,7 +535,7 @@ bool put_short_fixed(const VXLocale* locale, int64_t field, int32_t decimals, bo
 /// or does not fit.
 template <class Flavour>
 [[gnu::noinline]] int64_t put_short_plain(const VXLocale* locale, int64_t width, int32_t decimals, bool grouped,
-                        typename Flavour::Unit* buffer, int64_t size, double value) {
+                                          typename Flavour::Unit* buffer, int64_t size, double value) {
   __extension__ using Wide = unsigned __int128;
   const double magnitude = std::fabs(value);
   if (!(magnitude < below_short) || !has_short_marks<Flavour>(locale, grouped)) return 0;

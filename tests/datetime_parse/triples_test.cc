@@ -8,6 +8,8 @@ namespace vxtest {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr std::u32string_view orders[] = {U"%d?%m?%Y", U"%m?%d?%Y", U"%Y?%m?%d", U"%H?%M?%S"};
 constexpr std::u32string_view texts[] = {U"07?03?2024", U"12?31?1999", U"2024?02?29", U"23?59?08"};
 constexpr uint32_t kinds[] = {0, 1, 2, 4, 3};
@@ -57,7 +59,7 @@ TEST(ParseTriples, EveryCharacterBetweenNumbers) {
 // Each character of a text in turn is another one, is missing, or stands twice; and the text ends at every place.
 TEST(ParseTriples, AFaultAtEveryPlace) {
   ZonedLocale locale;
-  constexpr std::u32string_view faults = U"0123456789 /:.-+aT\0\u00B2\u0663\uFF11\U0001D7D8";
+  constexpr std::u32string_view faults = U"0123456789 /:.-+aT\0\u00B2\u0663\uFF11\U0001D7D8"sv;
   for (size_t i = 0; i < std::size(orders); ++i) {
     for (size_t second = i; second < std::size(orders); second += 3) {
       const bool both = second != i;
