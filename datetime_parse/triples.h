@@ -3,10 +3,11 @@
 #ifndef VXNLS_DATETIME_PARSE_TRIPLES_H
 #define VXNLS_DATETIME_PARSE_TRIPLES_H
 
+#include <initializer_list>
+
 #include "calendar/civil.h"
 #include "calendar/triples.h"
-#include "datetime_parse/digits.h"
-#include "datetime_parse/fields.h"
+#include "datetime_parse/directives.h"
 
 namespace vxnls {
 
@@ -24,6 +25,17 @@ struct ThreeNumbers {
   const auto byte = [=](int i) { return static_cast<uint32_t>(values >> 8 * i) & 0xFF; };
   return {((digits | (digits + above)) & high) == 0, byte(0), byte(3), byte(6)};
 }
+
+/// Whether both readers take the numbers of a letter from `minimum` to `maximum`.
+constexpr bool ranges_are(VXChar letter, int32_t minimum, int32_t maximum) {
+  for (const QuickNumbers* numbers : {&quick_strict_numbers, &quick_lenient_numbers}) {
+    const QuickNumber& number = numbers->of(letter);
+    if (number.minimum != minimum || number.span != static_cast<uint32_t>(maximum - minimum)) return false;
+  }
+  return true;
+}
+static_assert(ranges_are('Y', first_year, last_year) && ranges_are('m', 1, 12) && ranges_are('d', 1, 31));
+static_assert(ranges_are('H', 0, 23) && ranges_are('M', 0, 59) && ranges_are('S', 0, 59));
 
 /// The date in ten units of a text, if they are one: in ranges that fit the directives, but not always a day that is.
 template <class Unit>

@@ -109,8 +109,9 @@ TEST(ShortRoad, GivesWhatTheLongOneGives) {
         std::nextafter(power, places % 2 == 0 ? 0 : INFINITY),
         std::ldexp(above, static_cast<int>(random() % 2100) - 1100),
         std::bit_cast<double>(random() & 0x000FFFFFFFFFFFFF),  // subnormal
+        std::nextafter(1e15, 0),                               // has 15 digits, and 16 when it is rounded
     };
-    const double value = values[i % 6];
+    const double value = values[static_cast<size_t>(i) % std::size(values)];
     const auto decimals = static_cast<int32_t>(random() % 18);
     const auto width = static_cast<int32_t>(random() % (i % 8 == 0 ? 301 : 33));
     for (const uint32_t flags : {NLS_FORMAT_FIXED, NLS_FORMAT_FIXED | NLS_FORMAT_GROUP, NLS_FORMAT_PLAIN,
