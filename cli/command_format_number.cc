@@ -323,8 +323,7 @@ const Command format_number{
     .summary = "Writes numbers as the locale does",
     .description =
         "Without options a number is written with up to 15 significant digits. --decimals gives plain notation, "
-        "rounded "
-        "half up on the exact digits. A width is the least number of columns; --fixed makes it the exact one.",
+        "rounded half up on the exact digits. A width is the least number of columns; --fixed makes it the exact one.",
     .arguments = number_arguments,
     .options = number_options,
     .examples = number_examples,

@@ -190,9 +190,8 @@ const Command locale_check{
     .description =
         "Holds the record of each locale against the rules of the database, then writes 366 days and 144 times by each "
         "of its patterns and reads them back, by that pattern and as a text of any common form. A rule that is broken "
-        "is a fault of the database, and the exit "
-        "code is 1. An entry that fell back is none: CLDR has something there that could not be read back, and the "
-        "line says what stands there instead and why.",
+        "is a fault of the database, and the exit code is 1. An entry that fell back is none: CLDR has something there "
+        "that could not be read back, and the line says what stands there instead and why.",
     .arguments = arguments,
     .options = command_options,
     .examples = examples,

@@ -530,8 +530,7 @@ const Command normalise{
         "How a column is read is decided once, from a sample or a profile, and held: day before month or after it, "
         "decimal point or comma. A later value that contradicts is reported, never read another way; nor is a value "
         "that can mean two things where nothing decides. What --locale names decides where values do not; the locale "
-        "of "
-        "the environment lends its names of months, and decides nothing.\n"
+        "of the environment lends its names of months, and decides nothing.\n"
         "\n"
         "Decisions, counts and the first unread value of each column are told on standard error. The exit code is 1 "
         "when values were not read, unless --max-unread or --ok-unread allows them.",

@@ -112,12 +112,10 @@ const Command recognise{
     .description =
         "For each column its kind, the share of each form, how many values could be read with the day or the month "
         "first and which ones decide it, the decimal point, and the first values that are not read, with line, byte "
-        "and "
-        "reason. Without -c all columns are looked at. --locale auto tries a list of locales and ranks them.\n"
+        "and reason. Without -c all columns are looked at. --locale auto tries a list of locales and ranks them.\n"
         "\n"
         "The exit code is 1 when a column has values that were not read. \"vxnls normalise\" rewrites columns by such "
-        "a "
-        "decision; --emit-profile keeps it in a file for that.",
+        "a decision; --emit-profile keeps it in a file for that.",
     .arguments = arguments,
     .options = command_options,
     .examples = examples,

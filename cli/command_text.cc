@@ -285,8 +285,7 @@ const Command compare{.name = "compare",
                       .summary = "Compares two texts in four ways",
                       .description =
                           "By code points; by code points with the shorter text padded with blanks; ignoring case and "
-                          "trailing blanks; and "
-                          "by canonical equivalence. Says at which character they part.",
+                          "trailing blanks; and by canonical equivalence. Says at which character they part.",
                       .arguments = two_texts,
                       .options = compare_options,
                       .examples = compare_examples,

@@ -208,8 +208,7 @@ const Command zone{
         "system's tz database has them. A moment without an offset is local time of the zone.\n"
         "\n"
         "One moment gives a page. Several give a line each: zone, local time, UTC, offset, abbreviation and \"summer\" "
-        "or "
-        "\"standard\", with tabs between them.",
+        "or \"standard\", with tabs between them.",
     .arguments = zone_arguments,
     .options = zone_options,
     .examples = zone_examples,
