@@ -138,7 +138,8 @@ int main(int argc, char** argv) {
   vxbench::locale("de_DE", "Europe/Berlin");
   HostContext* const reference = host_context();
   Exported_VXHandle = &kernel;
-  require(create(&shared) != nullptr && create(&shared) == create(&shared), "no locale is found again");
+  VXLocale* const first = create(&shared);
+  require(first != nullptr && create(&shared) == first, "no locale is found again");
   const locale_t c_locale = newlocale(LC_ALL_MASK, "C.UTF-8", nullptr);
   require(c_locale != nullptr, "the system has no locale C.UTF-8");
 

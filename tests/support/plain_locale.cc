@@ -9,6 +9,12 @@ constexpr const char32_t* days[] = {U"Sunday",   U"Monday", U"Tuesday", U"Wednes
 constexpr const char32_t* months[] = {U"January", U"February", U"March",     U"April",   U"May",      U"June",
                                       U"July",    U"August",   U"September", U"October", U"November", U"December"};
 
+// A zone that a text names is not there.
+constexpr HostContextOps knows_no_zone = {
+    nullptr,
+    [](HostContext*, const VXChar*, int64_t, VXZoneIdOptions, VXChar*, int64_t*, uint64_t*) { return VX_E_ZONE; },
+    nullptr};
+
 }  // namespace
 
 struct PlainLocale::Parts {
@@ -53,6 +59,7 @@ PlainLocale::PlainLocale()
   set_name(data.currencySymbol, U"$");
   locale.eyeCatcher = 0x6f76656eu;
   locale.typeName = "VXLocale handle";
+  context.ops = &knows_no_zone;
   locale.host = &context;
   locale.localeData = &data;
 }
