@@ -24,7 +24,7 @@ Row::Row(std::string id, std::string title, Target target) : id_(std::move(id)) 
 
 void require(bool holds, const char* what) {
   if (holds) return;
-  std::fprintf(stderr, "bench: %s\n", what);
+  static_cast<void>(std::fprintf(stderr, "bench: %s\n", what));
   std::exit(1);
 }
 
@@ -55,6 +55,7 @@ int run(const char* family, int argc, char** argv) {
                                         "--benchmark_display_aggregates_only=true"};
   arguments.insert(arguments.end(), argv + 1, argv + argc);
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (std::string& argument : arguments) pointers.push_back(argument.data());
   int count = static_cast<int>(pointers.size());
   pointers.push_back(nullptr);

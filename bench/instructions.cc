@@ -94,7 +94,10 @@ void number_calls(VXLocale* locale) {
   Random random = random_of("numbers");
   std::vector<int64_t> integers(calls);
   for (int64_t& each : integers) each = between(random, -1'000'000'000'000, 1'000'000'000'000);
-  const auto in_cents = [&](size_t i) { return static_cast<double>(integers[i] / 1000) / 100; };
+  const auto in_cents = [&](size_t i) {
+    const int64_t cents = integers[i] / 1000;
+    return static_cast<double>(cents) / 100;
+  };
   const auto fixed = [&](size_t i, VXChar* to, int64_t* size) {
     return NLSDoubleFormat(locale, 20, 2, NLS_FORMAT_FIXED | NLS_FORMAT_GROUP, to, 64, size, in_cents(i));
   };

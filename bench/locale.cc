@@ -3,6 +3,7 @@
 #include <locale.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -13,7 +14,14 @@ namespace {
 
 using namespace vxbench;
 
-const std::u32string zone_name = U"Europe/Berlin", locale_name = U"de_DE";
+template <size_t size>
+constexpr std::array<VXChar, size - 1> units(const char32_t (&text)[size]) {
+  std::array<VXChar, size - 1> all{};
+  for (size_t i = 0; i < all.size(); ++i) all[i] = text[i];
+  return all;
+}
+constexpr auto zone_name = units(U"Europe/Berlin");
+constexpr auto locale_name = units(U"de_DE");
 
 int zone_in_place;
 VXZone* const any_zone = reinterpret_cast<VXZone*>(&zone_in_place);  // the library only hands it on
@@ -103,9 +111,7 @@ constexpr VXZoneServiceOps zone_ops = {
 };
 VXZoneService zones{&zone_ops};
 
-const VXChar* units(const std::u32string& text) { return reinterpret_cast<const VXChar*>(text.data()); }
-int64_t length(const std::u32string& text) { return static_cast<int64_t>(text.size()); }
-const VXLocaleRecord record{units(locale_name), length(locale_name)};
+constexpr VXLocaleRecord record{locale_name.data(), locale_name.size()};
 
 constexpr HostContextOps context_ops = {
     .lookup_locale = [](HostContext*, const VXChar*, int64_t, uint32_t, const VXLocaleRecord** found) -> VXStatus {
@@ -122,9 +128,9 @@ constexpr HostContextOps context_ops = {
 };
 
 VXLocale* create(HostContext* host) {
-  const LocaleCreateOptions options{0, {}, units(zone_name), length(zone_name)};
+  const LocaleCreateOptions options{0, {}, zone_name.data(), zone_name.size()};
   VXStatus status = 0;
-  return NLSLocaleCreate(host, units(locale_name), length(locale_name), &status, &options);
+  return NLSLocaleCreate(host, locale_name.data(), locale_name.size(), &status, &options);
 }
 
 }  // namespace

@@ -325,6 +325,7 @@ void read_integer(const std::string& name, double reach, double reach_grouped) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): without memory there is nothing to measure
 int main(int argc, char** argv) {
   write_fixed();
   write_general();

@@ -79,7 +79,7 @@ Family read(const std::string& path) {
     const size_t slash = name.find('/');
     const std::string id = name.substr(0, slash);
     const auto row = std::find_if(family.rows.begin(), family.rows.end(), [&](const Row& r) { return r.id == id; });
-    if (row == family.rows.end()) throw std::runtime_error(path + ": " + id + " is not declared");
+    if (row == family.rows.end()) throw std::runtime_error(fmt::format("{}: {} is not declared", path, id));
     const Contender contender{name.substr(slash + 1), in_nanoseconds(run)};
     if (contender.name == "vxnlsloc") {
       row->ours = contender;
