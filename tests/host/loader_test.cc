@@ -1,17 +1,13 @@
-// The extension loader: what it follows and what it refuses.
+// Which shared objects are followed, and which are refused.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/auxv.h>
-#include <sys/stat.h>
 #include <unicode/uvernum.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdlib>
-#include <iterator>
-#include <vector>
-
 #include "host/accounting.h"
 #include "host/extension_loader.h"
+#include "host/file.h"
 #include "host/zone_table.h"
 #include "tests/host/temporary_folder.h"
 #include "vxnls/vxhost.h"
@@ -19,109 +15,100 @@
 namespace {
 
 namespace fs = std::filesystem;
-std::string libraries() { return VXHOST_TEST_FOLDER; }
+using vxtest::TemporaryFolder;
+const std::string libraries = VXHOST_TEST_FOLDER;
 
-VXExtension* load(vxhost::ExtensionLoader& loader, std::string_view name, std::string* why = nullptr) {
-  std::string reason;
-  VXExtension* const extension = loader.load(name, nullptr, reason);
-  EXPECT_EQ(extension == nullptr, !reason.empty());
-  if (why != nullptr) *why = reason;
-  return extension;
+/// The reason of a refusal; empty when the extension was loaded, which is closed again.
+std::string refusal(vxhost::ExtensionLoader& loader, std::string_view name) {
+  std::string why;
+  VXExtension* const extension = loader.load(name, nullptr, why);
+  EXPECT_EQ(extension == nullptr, !why.empty());
+  if (extension != nullptr) extension->ops->destroy(extension);
+  return why;
 }
 
-TEST(Loader, OpensInstancesAndUnloads) {
+TEST(Loader, InstancesOutliveTheLoader) {
   const int64_t before = vxhost::alive();
+  VXExtension *one = nullptr, *two = nullptr;
   {
-    vxhost::ExtensionLoader loader(libraries(), {"", false});
-    VXExtension* const one = load(loader, "vxemsg");
-    VXExtension* const two = load(loader, "vxemsg");
-    ASSERT_NE(one, nullptr);
-    ASSERT_NE(two, nullptr);
-    EXPECT_NE(one, two);
+    std::string why;
+    vxhost::ExtensionLoader loader(libraries, {"", false});
+    one = loader.load("vxemsg", nullptr, why);
+    two = loader.load("vxemsg", nullptr, why);
+    ASSERT_TRUE(one != nullptr && two != nullptr && one != two) << why;
     EXPECT_EQ(vxhost::alive(), before + 2);
     EXPECT_EQ(one->ops->destroy(one), 0u);
-    EXPECT_EQ(two->ops->destroy(two), 0u);
-  }
-  EXPECT_EQ(vxhost::alive(), before);
-}
-
-TEST(Loader, AnInstanceThatIsLeftOpenStaysUsableAndCounted) {
-  const int64_t before = vxhost::alive();
-  VXExtension* left = nullptr;
-  {
-    vxhost::ExtensionLoader loader(libraries(), {"", false});
-    left = load(loader, "vxemsg");
-    ASSERT_NE(left, nullptr);
   }
   EXPECT_EQ(vxhost::alive(), before + 1);
-  left->ops->destroy(left);
+  EXPECT_EQ(two->ops->destroy(two), 0u);
   EXPECT_EQ(vxhost::alive(), before);
 }
 
-TEST(Loader, RefusesWhatIsNoName) {
-  vxhost::ExtensionLoader loader(libraries(), {"", false});
-  for (const std::string& name : {std::string(), std::string("../lib/vxemsg"), std::string("/vxemsg"),
-                                  std::string("vxemsg.so"), std::string("VXEMSG"), std::string("vxemsg\0x", 8),
-                                  std::string("vxemsg "), std::string(10000, 'a'), std::string("vxémsg")}) {
-    SCOPED_TRACE(name.substr(0, 40));
-    EXPECT_EQ(load(loader, name), nullptr);
-  }
-  EXPECT_EQ(load(loader, "vxnothere"), nullptr);
-  EXPECT_NE(loader.take_failure().find("vxnothere"), std::string::npos);
-  EXPECT_EQ(loader.take_failure(), "");
-}
-
-TEST(Loader, RefusesWhatIsNoExtension) {
-  const vxtest::TemporaryFolder folder;
-  folder.link(libraries() + "/vxemsg.so", "vxother.so");         // an extension under another's name
-  folder.link(libraries() + "/libvxnlsloc.so", "vxlibrary.so");  // a library, but no extension
+TEST(Loader, RefusesWhatIsNoNameAndNoExtension) {
+  const TemporaryFolder folder;
+  folder.link(libraries + "/vxemsg.so", "vxother.so");         // an extension under another's name
+  folder.link(libraries + "/libvxnlsloc.so", "vxlibrary.so");  // a library, but no extension
   folder.write("vxtext.so", "no library at all");
   fs::create_directory(folder.file("vxfolder.so"));
-  vxhost::ExtensionLoader loader(folder.path(), {"", false});
-  for (const char* const name : {"vxother", "vxlibrary", "vxtext", "vxfolder"}) {
-    SCOPED_TRACE(name);
-    std::string why;
-    EXPECT_EQ(load(loader, name, &why), nullptr);
-    EXPECT_NE(why.find(name), std::string::npos) << why;
+  vxhost::ExtensionLoader loader(folder.path(), {libraries, false});
+  for (const std::string name : {"vxother", "vxlibrary", "vxtext", "vxfolder", "vxnothere"}) {
+    EXPECT_NE(refusal(loader, name).find(name), std::string::npos);
+    EXPECT_NE(loader.take_failure().find(name), std::string::npos);
+    EXPECT_EQ(loader.take_failure(), "");
   }
+  for (const std::string& name :
+       {std::string(), std::string("../lib/vxemsg"), std::string("/vxemsg"), std::string("vxemsg.so"),
+        std::string("VXEMSG"), std::string("vxemsg\0", 7), std::string("vxemsg "), std::string(10000, 'a')}) {
+    EXPECT_EQ(refusal(loader, name), "not the name of an extension") << name.substr(0, 20);
+  }
+  EXPECT_EQ(refusal(loader, "vxemsg"), "");
 }
 
-TEST(Loader, TakesItsOwnFoldersBeforeTheSearchPath) {
-  const vxtest::TemporaryFolder own;
-  const vxtest::TemporaryFolder further;
+TEST(Loader, Folders) {
+  const TemporaryFolder own, further;
+  const std::string relative = fs::relative(libraries).string();
+  const struct {
+    vxhost::SearchPath path;
+    size_t refused;
+    bool found;
+  } paths[] = {
+      {{"", false}, 0, false},
+      {{further.path() + "::" + libraries + "/:", false}, 0, true},
+      {{relative + ":.:lib", false}, 3, false},
+      {{libraries, true}, 1, false},
+  };
   own.write("vxnlsudb.so", "broken");
-  vxhost::ExtensionLoader loader(own.path(), {further.path() + "::" + libraries() + "/:", false});
-  EXPECT_TRUE(loader.refused().empty());
-  VXExtension* const found = load(loader, "vxemsg");
-  ASSERT_NE(found, nullptr);
-  found->ops->destroy(found);
-  EXPECT_EQ(load(loader, "vxnlsudb"), nullptr) << "a broken one of its own is not passed over";
-
-  // Where an installed host has them: broken there, whole further on.
+  for (const auto& p : paths) {
+    vxhost::ExtensionLoader loader(own.path(), p.path);
+    EXPECT_EQ(loader.refused().size(), p.refused) << p.path.folders;
+    EXPECT_EQ(refusal(loader, "vxemsg").empty(), p.found) << p.path.folders;
+    EXPECT_NE(refusal(loader, "vxnlsudb"), "") << "a broken one of its own is not passed over";
+  }
+  // Where an installed host has them.
   fs::create_directory(own.file("vxnls-6"));
-  own.write("vxnls-6/vxnlsldb.so", "broken");
-  EXPECT_EQ(load(loader, "vxnlsldb"), nullptr);
-  fs::remove(own.file("vxnls-6/vxnlsldb.so"));
-  own.link(libraries() + "/vxnlsldb.so", "vxnls-6/vxnlsldb.so");
+  own.link(libraries + "/vxnlsldb.so", "vxnls-6/vxnlsldb.so");
   vxhost::ExtensionLoader installed(own.path(), {"", false});
-  VXExtension* const there = load(installed, "vxnlsldb");
-  ASSERT_NE(there, nullptr);
-  there->ops->destroy(there);
+  EXPECT_EQ(refusal(installed, "vxnlsldb"), "");
 }
 
-TEST(Loader, RefusesRelativeFoldersAndAllOfThemWithPrivileges) {
-  const vxtest::TemporaryFolder own;
-  const std::string relative = fs::relative(libraries()).string();
-  {
-    vxhost::ExtensionLoader loader(own.path(), {relative + ":.:" + "lib", false});
-    EXPECT_EQ(loader.refused().size(), 3u);
-    EXPECT_EQ(load(loader, "vxemsg"), nullptr);
-  }
-  {
-    vxhost::ExtensionLoader loader(own.path(), {libraries(), true});
-    EXPECT_EQ(loader.refused().size(), 1u);
-    EXPECT_EQ(load(loader, "vxemsg"), nullptr);
-  }
+// A host that was loaded by a relative name finds what lies beside it, and not what lies the same way from where the
+// program has gone since.
+TEST(Loader, AHostKnowsItsFolder) {
+  const fs::path before = fs::current_path();
+  const TemporaryFolder here, elsewhere;
+  here.link(libraries, "lib");
+  fs::create_directory(elsewhere.file("lib"));
+  for (const char* name : {"libvxhost.so", "libvxhost.so.6", "libvxnlsloc.so"})
+    elsewhere.write(std::string("lib/") + name, "");
+  fs::current_path(here.path());
+  void* const library = dlopen("lib/libvxhost.so", RTLD_NOW | RTLD_LOCAL);
+  fs::current_path(elsewhere.path());
+  ASSERT_NE(library, nullptr) << dlerror();
+  VXHost* host = nullptr;
+  EXPECT_EQ(reinterpret_cast<decltype(&vxhostOpen)>(dlsym(library, "vxhostOpen"))(nullptr, &host), 0u)
+      << reinterpret_cast<decltype(&vxhostOpenFailure)>(dlsym(library, "vxhostOpenFailure"))();
+  reinterpret_cast<decltype(&vxhostClose)>(dlsym(library, "vxhostClose"))(host);
+  fs::current_path(before);
 }
 
 /// With rights of its own, and every folder of the environment set.
@@ -129,14 +116,14 @@ void expect_no_folder_of_the_caller() {
   const vxhost::SearchPath path = vxhost::SearchPath::of_environment();
   EXPECT_FALSE(path.folders.empty());
   EXPECT_TRUE(path.privileged);
-  const vxtest::TemporaryFolder own;
+  const TemporaryFolder own;
   vxhost::ExtensionLoader loader(own.path(), path);
   EXPECT_EQ(loader.refused().size(), 2u);
-  EXPECT_EQ(load(loader, "vxemsg"), nullptr);
+  EXPECT_NE(refusal(loader, "vxemsg"), "");
   EXPECT_EQ(vxhost::ZoneTable::system_folder(), "/usr/share/zoneinfo");
 
   VXHost* host = nullptr;
-  ASSERT_EQ(vxhostOpen(libraries().c_str(), &host), 0u) << vxhostOpenFailure();
+  ASSERT_EQ(vxhostOpen(libraries.c_str(), &host), 0u) << vxhostOpenFailure();
   VXLocale* german = nullptr;
   ASSERT_EQ(vxhostLocale(host, "de_DE", "Europe/Berlin", 0, &german), 0u);
   uint8_t text[60];
@@ -148,13 +135,10 @@ void expect_no_folder_of_the_caller() {
 
 // A copy of this program that has another group's rights runs this test again.
 TEST(PrivilegedProcess, TakesNoFolderOfItsCaller) {
-  if (getauxval(AT_SECURE) != 0) {
-    expect_no_folder_of_the_caller();
-    return;
-  }
+  if (getauxval(AT_SECURE) != 0) return expect_no_folder_of_the_caller();
   if (std::getenv("VXHOST_TEST_COPY") != nullptr)
     GTEST_SKIP() << "the system gives a program no rights of its own here";
-  const vxtest::TemporaryFolder folder;
+  const TemporaryFolder folder;
   const std::string copy = folder.file("copy");
   fs::copy_file("/proc/self/exe", copy);
   std::vector<gid_t> groups(static_cast<size_t>(getgroups(0, nullptr)));
@@ -164,18 +148,17 @@ TEST(PrivilegedProcess, TakesNoFolderOfItsCaller) {
   if (other == groups.end() || chown(copy.c_str(), static_cast<uid_t>(-1), *other) != 0) {
     GTEST_SKIP() << "there is no other group to take rights from";
   }
-  ASSERT_EQ(chmod(copy.c_str(), 02755), 0);
+  fs::permissions(copy, fs::perms(02755));
   // Where ICU's own data lies, and the zones: rubbish.
   const std::string icu = "icudt" U_ICU_VERSION_SHORT "l";
   fs::create_directories(folder.file(icu));
   for (const char* name : {"/root.res", "/de.res", "/de_DE.res"}) folder.write(icu + name, "rubbish");
   folder.write("tzdata.zi", "# version rubbish\n");
   const std::string line = "VXHOST_TEST_COPY=1 ICU_DATA=" + folder.path() + " TZDIR=" + folder.path() +
-                           " VXHOST_PATH=" + libraries() + ":. ASAN_OPTIONS=detect_leaks=0 " + copy +
+                           " VXHOST_PATH=" + libraries + ":. ASAN_OPTIONS=detect_leaks=0 " + copy +
                            " --gtest_filter='PrivilegedProcess.*' >" + folder.file("out") + " 2>&1";
   const int status = std::system(line.c_str());  // NOLINT(cert-env33-c): a line of this test's own
-  std::ifstream file(folder.file("out"));
-  const std::string out{std::istreambuf_iterator<char>(file), {}};
+  const std::string out = vxhost::contents(folder.file("out"));
   EXPECT_EQ(status, 0) << out;
   if (out.find("SKIPPED") != std::string::npos) GTEST_SKIP() << out;
   EXPECT_NE(out.find("[  PASSED  ] 1 test."), std::string::npos) << out;

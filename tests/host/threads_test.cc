@@ -1,14 +1,9 @@
 // Many threads: one object for one name and zone, and no data race (a thread sanitizer build listens).
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <barrier>
-#include <cstdlib>
 #include <optional>
-#include <string>
-#include <string_view>
 #include <thread>
-#include <vector>
 
 #include "host/locale_database_ops.h"
 #include "vxnls/vxhost.h"
@@ -23,7 +18,7 @@ template <class Body>
 void in_threads(Body body) {
   std::barrier start(threads);
   std::vector<std::thread> all;
-  for (int t = 0; t < threads; ++t) {
+  for (size_t t = 0; t < threads; ++t) {
     all.emplace_back([&, t] {
       start.arrive_and_wait();
       body(t);
@@ -33,30 +28,12 @@ void in_threads(Body body) {
 }
 
 /// Counts what the locale database of a host fills: each locale that is created is filled once.
-class CountedFills {
- public:
-  explicit CountedFills(VXHost* host) : database_(vxhostContext(host)->localeDatabase), real_(database_->ops) {
-    static VXHostLocaleDatabaseOps counting;
-    counting = *reinterpret_cast<const VXHostLocaleDatabaseOps*>(real_);
-    static const VXLocaleDatabaseOps* real;
-    real = real_;
-    counting.base.fill = [](VXLocaleDatabase* self, VXLocaleData* record, const VXChar* name, int64_t length) {
-      ++count_;
-      return real->fill(self, record, name, length);
-    };
-    count_ = 0;
-    database_->ops = &counting.base;
-  }
-  ~CountedFills() { database_->ops = real_; }
-  CountedFills(const CountedFills&) = delete;
-  CountedFills& operator=(const CountedFills&) = delete;
-  static int64_t count() { return count_; }
-
- private:
-  inline static std::atomic<int64_t> count_;
-  VXLocaleDatabase* const database_;
-  const VXLocaleDatabaseOps* const real_;
-};
+std::atomic<int64_t> fills{0};
+const VXLocaleDatabaseOps* real_database;
+VXStatus counted_fill(VXLocaleDatabase* self, VXLocaleData* record, const VXChar* name, int64_t length) {
+  ++fills;
+  return real_database->fill(self, record, name, length);
+}
 
 /// A moment written, and what reading that gives.
 struct Written {
@@ -65,8 +42,7 @@ struct Written {
   VXStatus status = 0;
 
   explicit Written(VXLocale* locale) {
-    int64_t length = 0;
-    int64_t consumed = 0;
+    int64_t length = 0, consumed = 0;
     EXPECT_EQ(locale->ops.NLSDatetimeFormat(locale, 0, text.data(), 200, &length, 2e9), 0u);
     text.resize(static_cast<size_t>(length));
     status = locale->ops.NLSBufToDatetime(locale, text.data(), length, 0, &value, &consumed);
@@ -83,65 +59,62 @@ TEST(Threads, EveryLocaleIsCreatedOnceAndServesAll) {
   VXHost* host = nullptr;
   ASSERT_EQ(vxhostOpen(nullptr, &host), 0u) << vxhostOpenFailure();
   setenv("TZ", "No/Where", 1);  // so that each locale with the system's zone is told of in the journal
-  std::atomic<int64_t> entries{0};
+  std::atomic<int64_t> entries{0}, of_their_own{0};
   vxhostSetJournal(
       host, [](void* user, uint32_t, double, const char*) { ++*static_cast<std::atomic<int64_t>*>(user); }, &entries);
+  VXLocaleDatabase* const database = vxhostContext(host)->localeDatabase;
+  real_database = database->ops;
+  VXHostLocaleDatabaseOps counting = *reinterpret_cast<const VXHostLocaleDatabaseOps*>(real_database);
+  counting.base.fill = counted_fill;
+  database->ops = &counting.base;
   std::vector<std::string> names;
-  vxhostForEachLocale(
-      host,
-      [](void* user, const char* name) { return static_cast<std::vector<std::string>*>(user)->emplace_back(name), 0; },
-      &names);
+  const auto add = [](void* all, const char* name) {
+    return static_cast<std::vector<std::string>*>(all)->emplace_back(name), 0;
+  };
+  vxhostForEachLocale(host, add, &names);
   ASSERT_GT(names.size(), 800u);
   std::vector<std::vector<VXLocale*>> found(threads, std::vector<VXLocale*>(names.size()));
   std::vector<std::vector<std::optional<Written>>> written(threads, std::vector<std::optional<Written>>(names.size()));
-  std::atomic<int64_t> of_their_own{0};
-  {
-    const CountedFills fills(host);
-    in_threads([&](int t) {
-      for (size_t i = 0; i < names.size(); ++i) {
-        // Four threads want the same locales in the same order.
-        const size_t n = (i + static_cast<size_t>(t / 4) * 100) % names.size();
-        VXLocale*& locale = found[static_cast<size_t>(t)][n];
-        ASSERT_EQ(vxhostLocale(host, names[n].c_str(), zones[n % std::size(zones)], 0, &locale), 0u);
-        EXPECT_EQ(set_zone(locale, zones[(n + i) % std::size(zones)]), 0u);
-        EXPECT_EQ(set_zone(locale, "xxx"), VX_E_ZONE);
-        written[static_cast<size_t>(t)][n].emplace(locale);
-        if (i % 16 != 0) continue;
-        VXLocale* own = nullptr;
-        EXPECT_EQ(vxhostLocale(host, names[n].c_str(), nullptr, 1, &own), 0u);
-        ++of_their_own;
-        EXPECT_EQ(set_zone(own, zones[i % std::size(zones)]), 0u);
-        EXPECT_EQ(Written(own), *written[static_cast<size_t>(t)][n]);
-        EXPECT_EQ(vxhostLocale(host, "de_DE", "Nowhere", 0, &own), VX_E_ZONE);
-        EXPECT_EQ(vxnlsisalpha(static_cast<VXChar>(0x400 + i % 40)), 1);
-        uint8_t word[] = "\u00C9t\u00C9";
-        vxzsu8Lower(word, sizeof word - 1);
-        VXStatus status = 0;
-        EXPECT_EQ(vxzsu8ICUNormCompare(word, 5, word, 5, 0, &status), 0);
-        EXPECT_EQ(status, 0u);
-        VXHostZoneInfo info;
-        EXPECT_EQ(vxhostZoneInfo(host, zones[i % std::size(zones)], VX_ZONE_FROM_UTC, 1e6 * t, &info), 0u);
-        EXPECT_EQ(vxhostSetOption(host, "VX_NAME_YEARCUTOFF", 1950), 0u);
-        EXPECT_EQ(vxfmtzjulymd(60, 1, 1), vxfmtzjulymd(1960, 1, 1));
-      }
-    });
-    EXPECT_EQ(fills.count(), static_cast<int64_t>(names.size()) + of_their_own);
-  }
-  for (size_t n = 0; n < names.size(); ++n) {
-    const Written alone(found[0][n]);
-    for (size_t t = 0; t < threads; ++t) {
-      EXPECT_EQ(found[t][n], found[0][n]) << names[n];
-      EXPECT_EQ(*written[t][n], alone) << names[n];
+  in_threads([&](size_t t) {
+    for (size_t i = 0; i < names.size(); ++i) {
+      const size_t n = (i + t / 4 * 100) % names.size();  // four threads want the same locales in the same order
+      VXLocale*& locale = found[t][n];
+      ASSERT_EQ(vxhostLocale(host, names[n].c_str(), zones[n % std::size(zones)], 0, &locale), 0u);
+      EXPECT_EQ(set_zone(locale, zones[(n + i) % std::size(zones)]), 0u);
+      EXPECT_EQ(set_zone(locale, "xxx"), VX_E_ZONE);
+      written[t][n].emplace(locale);
+      if (i % 16 != 0) continue;
+      VXLocale* own = nullptr;
+      EXPECT_EQ(vxhostLocale(host, names[n].c_str(), nullptr, 1, &own), 0u);
+      ++of_their_own;
+      EXPECT_EQ(set_zone(own, zones[i % std::size(zones)]), 0u);
+      EXPECT_EQ(Written(own), *written[t][n]);
+      EXPECT_EQ(vxhostLocale(host, "de_DE", "Nowhere", 0, &own), VX_E_ZONE);
+      EXPECT_EQ(vxnlsisalpha(static_cast<VXChar>(0x400 + i % 40)), 1);
+      uint8_t word[] = "\u00C9t\u00C9";
+      vxzsu8Lower(word, sizeof word - 1);
+      VXStatus status = 0;
+      EXPECT_EQ(vxzsu8ICUNormCompare(word, 5, word, 5, 0, &status), 0);
+      VXHostZoneInfo info;
+      EXPECT_EQ(vxhostZoneInfo(host, zones[i % std::size(zones)], VX_ZONE_FROM_UTC, 1e9, &info), 0u);
+      EXPECT_EQ(vxhostSetOption(host, "VX_NAME_YEARCUTOFF", 1950), 0u);
+      EXPECT_EQ(vxfmtzjulymd(60, 1, 1), vxfmtzjulymd(1960, 1, 1));
     }
+  });
+  for (size_t t = 1; t < threads; ++t) {
+    EXPECT_EQ(found[t], found[0]);
+    EXPECT_TRUE(written[t] == written[0]);
   }
+  EXPECT_EQ(fills, static_cast<int64_t>(names.size()) + of_their_own);
   EXPECT_EQ(entries, of_their_own);
   unsetenv("TZ");
+  database->ops = real_database;
   vxhostClose(host);
   EXPECT_EQ(vxhostAlive(), 0);
 }
 
 TEST(Threads, OpenAndCloseHosts) {
-  in_threads([](int) {
+  in_threads([](size_t) {
     for (int i = 0; i < 3; ++i) {
       VXHost* host = nullptr;
       ASSERT_EQ(vxhostOpen(nullptr, &host), 0u) << vxhostOpenFailure();
