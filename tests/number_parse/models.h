@@ -1,0 +1,213 @@
+// Second readers of numbers, slow and plain, to hold the library's against: in characters, run by run. The arithmetic
+// of doubles is MPFR's.
+#ifndef VXNLS_TESTS_NUMBER_PARSE_MODELS_H
+#define VXNLS_TESTS_NUMBER_PARSE_MODELS_H
+
+#include <mpfr.h>
+
+#include <algorithm>
+#include <bit>
+#include <cfloat>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "vxnls/vxnls.h"
+
+namespace vxtest {
+
+/// A positive number of 64 bits. Every operation rounds to nearest, ties to even.
+class Real {
+ public:
+  Real() { mpfr_init2(value_, 64); }
+  explicit Real(std::floating_point auto value) : Real() { mpfr_set_ld(value_, value, MPFR_RNDN); }
+  Real(uint64_t whole, int32_t exponent) : Real() { mpfr_set_ui_2exp(value_, whole, exponent, MPFR_RNDN); }
+  Real(const Real& other) : Real() { mpfr_set(value_, other.value_, MPFR_RNDN); }
+  Real& operator=(const Real& other) { return mpfr_set(value_, other.value_, MPFR_RNDN), *this; }
+  ~Real() { mpfr_clear(value_); }
+
+  friend Real operator*(Real a, const Real& b) { return mpfr_mul(a.value_, a.value_, b.value_, MPFR_RNDN), a; }
+  friend Real operator/(Real a, const Real& b) { return mpfr_div(a.value_, a.value_, b.value_, MPFR_RNDN), a; }
+  friend Real operator+(Real a, const Real& b) { return mpfr_add(a.value_, a.value_, b.value_, MPFR_RNDN), a; }
+  friend bool operator>(const Real& a, const Real& b) { return mpfr_greater_p(a.value_, b.value_) != 0; }
+  friend bool operator==(const Real& a, const Real& b) { return mpfr_equal_p(a.value_, b.value_) != 0; }
+  explicit operator double() const { return mpfr_get_d(value_, MPFR_RNDN); }
+
+  /// 10^n, rounded once.
+  static const Real& power_of_ten(int64_t n) {
+    static const std::vector<Real> powers = [] {
+      std::vector<Real> all(309);
+      for (unsigned long i = 0; i < 309; ++i) mpfr_ui_pow_ui(all[i].value_, 10, i, MPFR_RNDN);
+      return all;
+    }();
+    return powers[static_cast<size_t>(n)];
+  }
+
+ private:
+  mpfr_t value_;
+};
+
+struct Signs {
+  char32_t point, separator;
+};
+
+/// What a reader gives; the value as the bits of a double, or as an integer with its sign in 64 bits.
+struct Reading {
+  VXStatus status;
+  uint64_t value;
+  int64_t consumed;
+  bool operator==(const Reading&) const = default;
+};
+
+/// The digits of a text, without leading zeros, and their power of ten; and whether the value that they read as lies so
+/// near the middle of two doubles that the roundings before the last may decide.
+struct Decimal {
+  std::string digits;
+  int64_t exponent = 0;
+  bool is_negative = false, is_near_tie = false;
+  uint64_t part(size_t from) const { return digits.size() > from ? std::stoull(digits.substr(from, 15)) : 0; }
+};
+
+inline VXStatus value_of(Decimal& decimal, double& value) {
+  const auto count = static_cast<int64_t>(decimal.digits.size());
+  int64_t exponent = decimal.exponent;
+  if (count == 0) {
+    value = decimal.is_negative && -22 <= exponent && exponent <= 22 ? -0.0 : 0.0;
+    return 0;
+  }
+  Real mantissa(decimal.part(0), 0);
+  const int64_t used = std::min<int64_t>(count, 30);
+  if (count > 15) mantissa = mantissa * Real::power_of_ten(used - 15) + Real(decimal.part(15), 0);
+  exponent += count - used;
+  if (exponent < -616) return VX_E_UNDERFLOW;
+  if (exponent > 308) return VX_E_OVERFLOW;
+  if (exponent > 292 && mantissa > Real(DBL_MAX) / Real::power_of_ten(exponent)) return VX_E_OVERFLOW;
+  Real result = mantissa;
+  if (exponent < -308) result = result / Real::power_of_ten(308);
+  if (exponent < 0) result = result / Real::power_of_ten(exponent < -308 ? -exponent - 308 : -exponent);
+  if (exponent >= 0) {
+    const int64_t at_once = std::min(exponent, 307 - used);
+    result = result * Real::power_of_ten(at_once);
+    for (int64_t i = at_once; i < exponent; ++i) {
+      if (result > Real(DBL_MAX / 10)) return VX_E_OVERFLOW;
+      result = result * Real::power_of_ten(1);
+    }
+  }
+  const auto magnitude = static_cast<double>(result);
+  if (magnitude == 0) return VX_E_UNDERFLOW;
+  // All roundings together move the result by far less than 2^-60 of it.
+  decimal.is_near_tie =
+      static_cast<double>(result * Real(1 + 0x1p-60L)) != static_cast<double>(result * Real(1 - 0x1p-60L));
+  value = decimal.is_negative ? -magnitude : magnitude;
+  return 0;
+}
+
+constexpr std::u32string_view all_digits = U"0123456789ABCDEFabcdef", digits = all_digits.substr(0, 10);
+
+/// A text, taken from the front.
+struct Scanner {
+  std::u32string_view text;
+  size_t at = 0;
+
+  bool ended() const { return at == text.size(); }
+  bool is(std::u32string_view set, size_t ahead = 0) const {
+    return at + ahead < text.size() && set.find(text[at + ahead]) != set.npos;
+  }
+  bool skip(std::u32string_view set) { return is(set) && ++at != 0; }
+  /// What is of a set from here on, without the separators in it.
+  std::string run(std::u32string_view set, std::u32string_view separators = {}) {
+    std::string taken;
+    for (; is(set) || is(separators); ++at)
+      if (is(set)) taken += static_cast<char>(text[at]);
+    return taken;
+  }
+  Reading result(VXStatus status, uint64_t value) const { return {status, value, static_cast<int64_t>(at)}; }
+};
+
+/// The characters that separate groups.
+inline std::u32string separators_of(const Signs& signs, uint32_t flags) {
+  const bool spaces = (flags & NLS_READ_SPACE_SEPARATOR) != 0 && signs.separator == U'\u00A0';
+  return spaces ? std::u32string{signs.separator, U' '} : std::u32string{signs.separator};
+}
+
+inline Reading read_double(std::u32string_view text, const Signs& signs, uint32_t flags, Decimal& decimal) {
+  constexpr std::u32string_view blanks = U" \t";
+  const std::u32string separators = separators_of(signs, flags);
+  const std::u32string_view point(&signs.point, 1);
+  Scanner in{text};
+  const auto result = [&](VXStatus status, double value = qmMissVal('.')) {
+    return in.result(status, std::bit_cast<uint64_t>(value));
+  };
+  if (text.empty()) return result(0);
+  in.run(blanks);
+  decimal.is_negative = in.is(U"-");
+  in.skip(U"+-");
+  if (in.is(U".") && !in.is(digits, 1)) {
+    if (!in.is(U"ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz", 1)) return result(VX_E_NOTNUMBER);
+    const char32_t letter = text[in.at + 1];
+    in.at += 2;
+    in.run(blanks);
+    return in.ended() ? result(0, qmMissVal(letter)) : result(VX_E_NOTNUMBER);
+  }
+  if (!in.is(digits) && !(in.is(point) && in.is(digits, 1))) return result(VX_E_NOTNUMBER);
+  if (in.is(digits)) decimal.digits = in.run(digits, separators);
+  const size_t whole = decimal.digits.size();
+  if (in.skip(point)) decimal.digits += in.run(digits);
+  decimal.exponent = static_cast<int64_t>(whole) - static_cast<int64_t>(decimal.digits.size());
+  decimal.digits.erase(0, decimal.digits.find_first_not_of('0'));
+  if (in.skip(U"EeDd")) {
+    const bool down = in.is(U"-");
+    in.skip(U"+-");
+    if (!in.is(digits)) return result(VX_E_NOTNUMBER);
+    const double written = std::strtod(in.run(digits, separators).c_str(), nullptr);
+    if (written > 30800) return result(VX_E_RANGE);
+    decimal.exponent += static_cast<int64_t>(down ? -written : written);
+  }
+  in.run(blanks);
+  if (!in.ended()) return result(VX_E_NOTNUMBER);
+  double value = qmMissVal('.');
+  const VXStatus status = value_of(decimal, value);
+  return result(status, value);
+}
+
+/// Gathers the digits first and looks at the limits afterwards.
+template <class Integer>
+Reading read_integer(std::u32string_view text, const Signs& signs, uint32_t flags) {
+  __extension__ using Wide = __int128;
+  constexpr Wide least = std::numeric_limits<Integer>::min(), most = std::numeric_limits<Integer>::max();
+  const bool hexadecimal = least == 0 && (flags & NLS_READ_HEXADECIMAL) != 0;
+  const bool trailing = (flags & NLS_READ_TRAILING_BLANKS) != 0;
+  const std::u32string separators = hexadecimal ? U"" : separators_of(signs, flags);
+  Scanner in{text};
+  in.run(U" ");
+  if (in.ended()) return in.result(0, 0);
+  const bool negative = in.is(U"-"), is_signed = in.is(U"+-");
+  if (is_signed ? hexadecimal || (negative && least == 0) : in.is(separators)) return in.result(VX_E_NOTNUMBER, 0);
+  if (in.skip(U"+-")) {
+    in.run(U" ");
+    if (in.ended()) return in.result(VX_E_NOTNUMBER, 0);
+  }
+  if (hexadecimal && in.is(U"0") && in.is(U"xX", 1)) in.at += 2;
+  Wide sum = 0;
+  bool too_much = false;
+  for (; in.is(hexadecimal ? all_digits : digits) || in.is(separators); ++in.at) {
+    if (in.is(separators)) continue;
+    const size_t digit = all_digits.find(text[in.at]);
+    sum = too_much ? 0 : sum * (hexadecimal ? 16 : 10) + static_cast<int>(digit < 16 ? digit : digit - 6);
+    too_much = too_much || (negative ? -sum < least : sum > most);
+  }
+  if (too_much) return in.result(VX_E_OVERFLOW, 0);
+  VXStatus fraction = 0;
+  if (!hexadecimal && (flags & NLS_READ_FRACTION) != 0 && in.skip({&signs.point, 1})) {
+    const std::string lost = in.run(trailing ? U"0123456789 " : digits);
+    if (lost.find_first_of("123456789") != lost.npos) fraction = VX_E_TRUNCATED;
+  } else if (trailing) {
+    in.run(U" ");
+  }
+  const bool may_end = in.ended() || in.is({U"\0", 1}) || (in.is(U" ") && !trailing);
+  return in.result(may_end ? fraction : VX_E_NOTNUMBER, static_cast<uint64_t>(negative ? -sum : sum));
+}
+
+}  // namespace vxtest
+
+#endif

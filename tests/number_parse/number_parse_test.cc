@@ -1,0 +1,533 @@
+// Every reader over one text, up against an untouchable page, and the explanation: each gives what the model gives.
+#include <gtest/gtest.h>
+#include <iconv.h>
+
+#include <cmath>
+#include <random>
+
+#include "number_parse/ebcdic.h"
+#include "number_parse/read_double.h"
+#include "tests/number_parse/models.h"
+#include "tests/support/guard_page.h"
+#include "tests/support/null_arguments.h"
+#include "tests/support/plain_locale.h"
+
+namespace vxtest {
+
+namespace {
+
+using namespace std::literals;
+using vxnls::SoftExtended;
+__extension__ using UWide = unsigned __int128;
+
+[[maybe_unused]] std::ostream& operator<<(std::ostream& out, const Reading& r) {
+  return out << std::hex << r.status << " value " << r.value << " consumed " << std::dec << r.consumed;
+}
+
+/// A host's converter that knows one character.
+constexpr char32_t quote = U'\u2019';
+const VXConverterOps quote_ops = {[](VXConverter*, VXChar unit, uint8_t* byte) -> VXStatus {
+  *byte = 0xB4;
+  return unit == quote ? 0 : VX_E_SEQUENCE;
+}};
+VXConverter quote_converter{&quote_ops};
+
+template <auto reader>
+VXStatus single_byte(VXLocale* locale, const uint8_t* text, int32_t length, uint32_t, double* value,
+                     int64_t* consumed) {
+  return reader(locale, text, length, value, consumed, &quote_converter);
+}
+
+class Readers : public testing::Test {
+ protected:
+  void use(const Signs& signs) {
+    signs_ = signs;
+    locale_.data.decimalPoint = signs.point;
+    locale_.data.groupSeparator = signs.separator;
+  }
+
+  Decimal check_double(std::u32string_view text, uint32_t flags = 0) {
+    Decimal decimal;
+    const Reading expected = read_double(text, signs_, flags, decimal);
+    check(text, flags, expected, VX_NUMBER_DOUBLE, NLSBufToDoubleWithOpts, NLSBufToDoubleUWithOpts);
+    if (const auto count = static_cast<int32_t>(decimal.digits.size()); count != 0 && is_computed(expected.status)) {
+      double soft = 0;
+      vxnls::calc_double<SoftExtended>(decimal.part(0), decimal.part(15), count, static_cast<int32_t>(decimal.exponent),
+                                       decimal.is_negative, &soft);
+      EXPECT_EQ(as_bits(soft), expected.value) << utf8(text);
+    }
+    const auto is_one_byte = [&](char32_t c) { return c < 0x80 || c == signs_.separator; };
+    if (flags != 0 || !is_one_byte(signs_.point) || !std::all_of(text.begin(), text.end(), is_one_byte)) return decimal;
+    std::string ascii, ebcdic;
+    for (const char32_t c : text) {
+      ascii += static_cast<char>(c < 0x100 ? c : 0xB4);
+      ebcdic += static_cast<char>(c < 0x100 ? vxnls::a2e[c] : 0xB4);
+    }
+    compare(single_byte<NLSBufToDoubleA>, ascii, 0, expected);
+    compare(single_byte<NLSBufToDoubleE>, ebcdic, 0, expected);
+    return decimal;
+  }
+
+  void check_integers(std::u32string_view text, uint32_t flags) {
+    const auto check_as = [&]<class Integer>(Integer, uint32_t kind, auto... readers) {
+      check(text, flags, read_integer<Integer>(text, signs_, flags), kind, readers...);
+    };
+    check_as(int32_t{}, VX_NUMBER_INT32, NLSBufToInt, NLSBufToIntfast, NLSBufToIntU, NLSBufToIntfastU);
+    check_as(uint32_t{}, VX_NUMBER_UINT32, NLSBufToUInt, NLSBufToUintfast, NLSBufToUIntU, NLSBufToUintfastU);
+    check_as(int64_t{}, VX_NUMBER_INT64, NLSBufToLong, NLSBufToIntmax, NLSBufToLongU, NLSBufToIntmaxU);
+    check_as(uint64_t{}, VX_NUMBER_UINT64, NLSBufToULong, NLSBufToUintmax, NLSBufToULongU, NLSBufToUintmaxU);
+  }
+
+  /// Readers of both flavours over one text, and the explanation.
+  void check(std::u32string_view text, uint32_t flags, const Reading& expected, uint32_t kind, auto... readers) {
+    const std::string bytes = utf8(text);
+    Reading in_bytes = expected;
+    in_bytes.consumed = static_cast<int64_t>(utf8(text.substr(0, static_cast<size_t>(expected.consumed))).size());
+    const auto of_either = [&]<class Unit, class... Rest>(VXStatus (*reader)(VXLocale*, const Unit*, Rest...)) {
+      if constexpr (sizeof(Unit) == 1) compare(reader, bytes, flags, in_bytes);
+      else compare(reader, text, flags, expected);
+    };
+    (of_either(readers), ...);
+    reading_ = {};
+    vxnlsExplainNumber(given_, bytes_.copy(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()),
+                       static_cast<int64_t>(bytes.size()), kind, flags, &reading_);
+    ASSERT_EQ((Reading{reading_.status, reading_.value.unsigned_integer, reading_.consumed}), in_bytes) << bytes;
+  }
+
+  template <class Unit, class Length, class Value, class Count>
+  void compare(VXStatus (*reader)(VXLocale*, const Unit*, Length, uint32_t, Value*, Count*), const auto& text,
+               uint32_t flags, const Reading& expected) {
+    static GuardedBuffer<Unit> memory(2048);
+    const Guard guard = ++turn_ % 2 == 0 ? Guard::before : Guard::behind;
+    const Unit* const at = memory.copy(reinterpret_cast<const Unit*>(text.data()), text.size(), guard);
+    Value value{};
+    Count consumed{};
+    const VXStatus status = reader(given_, at, static_cast<Length>(text.size()), flags, &value, &consumed);
+    ASSERT_EQ((Reading{status, as_bits(value), static_cast<int64_t>(consumed)}), expected)
+        << "[" << std::string(at, at + text.size()) << "] flags " << std::hex << flags << ", " << sizeof(Unit);
+  }
+
+  static bool is_computed(VXStatus status) {
+    return status == 0 || status == VX_E_OVERFLOW || status == VX_E_UNDERFLOW;
+  }
+  static uint64_t as_bits(double value) { return std::bit_cast<uint64_t>(value); }
+  static uint64_t as_bits(std::integral auto value) { return static_cast<uint64_t>(value); }
+
+  PlainLocale locale_;
+  VXLocale* given_ = locale_.get();
+  Signs signs_{'.', ','};
+  VXNumberReading reading_{};
+  unsigned turn_ = 0;
+  GuardedBuffer<uint8_t> bytes_{2048};
+};
+
+constexpr Signs english{'.', ','}, german{',', '.'}, spaced{',', 0xA0}, swiss{'.', quote}, arabic{0x66B, 0x66C};
+
+// What is wanted of single texts. The place of a fault is also where reading stopped, but for what is computed.
+TEST_F(Readers, Texts) {
+  constexpr uint32_t any_double = VX_NUMBER_DOUBLE, i32 = VX_NUMBER_INT32, u32 = VX_NUMBER_UINT32,
+                     i64 = VX_NUMBER_INT64, u64 = VX_NUMBER_UINT64;
+  static const struct {
+    Signs signs;
+    uint32_t kind, flags;
+    std::u32string_view text;
+    uint32_t fault;
+    int64_t offset, length;
+    double value = 0;
+  } cases[] = {
+      {english, any_double, 0, U" \t-1,234.5 \t", VX_FAULT_NONE, 12, 0, -1234.5},
+      {english, any_double, 0, U"1,,2,.5", VX_FAULT_NONE, 7, 0, 12.5},
+      {english, any_double, 0, U"-.5d1", VX_FAULT_NONE, 5, 0, -5},
+      {english, any_double, 0, U"1.E+0,2,", VX_FAULT_NONE, 8, 0, 100},
+      {english, any_double, 0, U"00000000000000000000.00012", VX_FAULT_NONE, 26, 0, 0.00012},
+      {english, any_double, 0, U"1.7976931348623157E308", VX_FAULT_NONE, 22, 0, DBL_MAX},
+      {english, any_double, 0, U"-4.9406564584124654e-324", VX_FAULT_NONE, 24, 0, -DBL_TRUE_MIN},
+      {english, any_double, 0, U"0e-30800", VX_FAULT_NONE, 8, 0, 0},
+      {english, any_double, 0, U"-0.0e23", VX_FAULT_NONE, 7, 0, -0.0},  // the last zero stands at 10^22
+      {english, any_double, 0, U"-0e23", VX_FAULT_NONE, 5, 0, 0.0},     // a zero so far out loses its minus
+      {german, any_double, 0, U"1.234.567,89", VX_FAULT_NONE, 12, 0, 1234567.89},
+      {spaced, any_double, NLS_READ_SPACE_SEPARATOR, U"1 234\u00A0567,8  ", VX_FAULT_NONE, 14, 0, 1234567.8},
+      {english, any_double, 0, U" \t", VX_FAULT_EMPTY, 2, 0},
+      {english, any_double, 0, U" x", VX_FAULT_NO_DIGIT, 1, 1},
+      {english, any_double, 0, U"KLMNOFGH", VX_FAULT_NO_DIGIT, 0, 1},  // differ from digits in the same bits
+      {english, any_double, 0, U"1.KLMNOFGH", VX_FAULT_TEXT_AFTER, 2, 1},
+      {english, any_double, 0, U"\u20ac5", VX_FAULT_NO_DIGIT, 0, 3},
+      {english, any_double, 0, U"-", VX_FAULT_SIGN_ALONE, 1, 0},
+      {english, any_double, 0, U"- 1", VX_FAULT_SIGN_ALONE, 1, 1},
+      {swiss, any_double, 0, U"-\u20191", VX_FAULT_LEADING_SEPARATOR, 1, 3},
+      {german, any_double, 0, U"-.5", VX_FAULT_LEADING_SEPARATOR, 1, 1},
+      {spaced, any_double, 0, U"-.5", VX_FAULT_WRONG_POINT, 1, 1},
+      {german, any_double, 0, U"-,x", VX_FAULT_POINT_ALONE, 1, 1},
+      {english, any_double, 0, U"-.\u00e9", VX_FAULT_MISSING_LETTER, 1, 1},
+      {english, any_double, 0, U".A \u00e9", VX_FAULT_TEXT_AFTER, 3, 2},
+      {english, any_double, 0, U"1.2.3", VX_FAULT_SECOND_POINT, 3, 1},
+      {swiss, any_double, 0, U"1.2\u20193", VX_FAULT_SEPARATOR_IN_FRACTION, 3, 3},
+      {english, any_double, 0, U"1.2 .", VX_FAULT_TEXT_AFTER, 4, 1},
+      {english, any_double, 0, U"1\0002"sv, VX_FAULT_TEXT_AFTER, 1, 1},
+      {english, any_double, 0, U"1 E2", VX_FAULT_TEXT_AFTER, 2, 1},
+      {english, any_double, 0, U"1e5.5", VX_FAULT_TEXT_AFTER, 3, 1},
+      {english, any_double, 0, U"1e", VX_FAULT_EXPONENT_WITHOUT_DIGITS, 2, 0},
+      {english, any_double, 0, U"1e-,5", VX_FAULT_EXPONENT_WITHOUT_DIGITS, 3, 1},
+      {english, any_double, 0, U" 1e-30801 ", VX_FAULT_EXPONENT_RANGE, 4, 5},
+      {english, any_double, 0, U"0E99999999999999999999999999x", VX_FAULT_EXPONENT_RANGE, 2, 26},
+      {english, any_double, 0, U" -1E30800 ", VX_FAULT_OVERFLOW, 1, 8},
+      {english, any_double, 0, U"18E307", VX_FAULT_OVERFLOW, 0, 6},
+      {english, any_double, 0, U"2.4703282292062327e-324", VX_FAULT_UNDERFLOW, 0, 23},
+      {english, i64, 0, U"", VX_FAULT_NONE, 0, 0},
+      {english, i64, 0, U"   ", VX_FAULT_NONE, 3, 0},
+      {english, i32, 0, U"-2147483648", VX_FAULT_NONE, 11, 0, INT32_MIN},
+      {english, i32, 0, U" - ,5 x", VX_FAULT_NONE, 5, 0, -5},
+      {english, i32, 0, U" -9,999,999,999,x", VX_FAULT_OVERFLOW, 1, 15},
+      {english, i32, 0, U"- x", VX_FAULT_SIGN_ALONE, 2, 1},
+      {english, u32, 0, U" -1", VX_FAULT_SIGN_REFUSED, 1, 1},
+      {english, u64, NLS_READ_HEXADECIMAL, U"+1", VX_FAULT_SIGN_REFUSED, 0, 1},
+      {english, u64, NLS_READ_HEXADECIMAL, U"0X1f.0", VX_FAULT_TEXT_AFTER, 4, 1, 31},
+      {english, i32, NLS_READ_HEXADECIMAL, U"0xFF", VX_FAULT_TEXT_AFTER, 1, 1},  // signed ones have no such form
+      {swiss, i32, 0, U"\u20191", VX_FAULT_LEADING_SEPARATOR, 0, 3},
+      {english, i32, 0, U"12.5", VX_FAULT_POINT_IN_INTEGER, 2, 1, 12},
+      {english, i32, NLS_READ_FRACTION, U"12.00", VX_FAULT_NONE, 5, 0, 12},
+      {english, i32, NLS_READ_FRACTION, U"12.05", VX_FAULT_FRACTION_DISCARDED, 4, 1, 12},
+      {english, i32, NLS_READ_FRACTION, U"1.5.", VX_FAULT_SECOND_POINT, 3, 1, 1},
+      {swiss, i32, NLS_READ_FRACTION, U"1.5\u2019", VX_FAULT_SEPARATOR_IN_FRACTION, 3, 3, 1},
+      {english, i32, NLS_READ_FRACTION, U"1.5x", VX_FAULT_TEXT_AFTER, 3, 1, 1},
+      {english, i64, NLS_READ_TRAILING_BLANKS, U"12 \u20ac", VX_FAULT_TEXT_AFTER, 3, 3, 12},
+      {english, i64, NLS_READ_TRAILING_BLANKS, U"12 .", VX_FAULT_TEXT_AFTER, 3, 1, 12},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(utf8(c.text));
+    use(c.signs);
+    if (c.kind == any_double) check_double(c.text, c.flags);
+    else check_integers(c.text, c.flags);
+    const std::string bytes = utf8(c.text);
+    vxnlsExplainNumber(given_, reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<int64_t>(bytes.size()),
+                       c.kind, c.flags, &reading_);
+    EXPECT_EQ(reading_.fault, c.fault);
+    EXPECT_EQ(reading_.fault_offset, c.offset);
+    EXPECT_EQ(reading_.fault_length, c.length);
+    const bool refused = c.kind == any_double && c.fault != VX_FAULT_NONE;
+    EXPECT_EQ(reading_.value.unsigned_integer, refused                ? UINT64_C(0xFFFFFE0000000000)
+                                               : c.kind == any_double ? as_bits(c.value)
+                                                                      : as_bits(static_cast<int64_t>(c.value)));
+  }
+}
+
+TEST_F(Readers, MissingValuesOfEveryLetter) {
+  for (const Signs& signs : {english, german}) {
+    use(signs);
+    for (char32_t c = 0; c < 0x180; ++c)
+      for (const auto& [before, after] : {std::pair{U"."s, U""s}, {U"\t."s, U" \t"s}, {U"-."s, U""s}, {U"."s, U"x"s}})
+        check_double(before + c + after);
+  }
+}
+
+/// Each unit of the alphabet means something else: every text of up to four with every set of flags, and longer ones.
+TEST_F(Readers, EveryShortText) {
+  std::mt19937_64 random(3);
+  for (const Signs& signs : {english, german, spaced, swiss, arabic, Signs{0, 0}, Signs{'.', '.'}, Signs{'5', '7'},
+                             Signs{' ', '-'}, Signs{'e', '+'}}) {
+    use(signs);
+    const std::u32string alphabet = U"0 1-+x"s + std::u32string{signs.separator, signs.point, 0, U'F'};
+    const std::u32string longer = U"0123456789012345678901234567899999 -x\u2007"s + alphabet;
+    for (size_t n = 0; n < 160'000 && !HasFailure(); ++n) {
+      std::u32string text;
+      if (n < 11'111) {
+        for (size_t left = n; left > 0; left = (left - 1) / 10) text += alphabet[(left - 1) % 10];
+      } else {
+        for (size_t length = random() % 30; length > 0; --length) text += longer[random() % longer.size()];
+      }
+      for (const uint32_t flags : {0x0000, 0x0001, 0x1000, 0x1001, 0x2000, 0x2001, 0x3000, 0x3001, 0x4000, 0x5000,
+                                   0x6000, 0x7000, 0x7001, 0x7FFF8FFE}) {
+        if (n < 11'111 || random() % 8 == 0) check_integers(text, flags);
+      }
+      for (const uint32_t flags : {0u, NLS_READ_SPACE_SEPARATOR}) check_double(text, flags);
+    }
+  }
+}
+
+/// The borders of each type, every power of ten and two, +-2, in the spellings that a text may have.
+TEST_F(Readers, BordersOfIntegers) {
+  const auto spelled = [](UWide magnitude, unsigned base, char32_t separator = 0) {
+    std::u32string text;
+    for (size_t count = 0; magnitude != 0 || count == 0; magnitude /= base, ++count) {
+      if (separator != 0 && count > 0 && count % 3 == 0) text += separator;
+      text += all_digits[static_cast<size_t>(magnitude % base)];
+    }
+    return std::u32string(text.rbegin(), text.rend());
+  };
+  for (const unsigned base : {2u, 10u, 16u})
+    for (UWide power = 1; power >> 68 == 0; power *= base)
+      for (unsigned off = 0; off <= 4; ++off)
+        for (const auto& before : {U""s, U"-"s, U"+"s, U" -  "s, U"000"s, U"0x"s, U"0X0"s}) {
+          const auto magnitude = power + off - std::min<UWide>(power, 2);
+          check_integers(before + spelled(magnitude, 10), 0);
+          check_integers(before + spelled(magnitude, 10, U',') + U"  ", NLS_READ_TRAILING_BLANKS);
+          check_integers(before + spelled(magnitude, 10, U',') + U".01", NLS_READ_FRACTION);
+          check_integers(before + spelled(magnitude, 16), NLS_READ_HEXADECIMAL);
+          check_integers(before + spelled(magnitude, 16) + U"g", NLS_READ_HEXADECIMAL | NLS_READ_TRAILING_BLANKS);
+        }
+}
+
+/// The short roads: digits, groups, decimals and leading zeros of every length, with another unit at every place.
+TEST_F(Readers, EveryLengthWithAFaultAtEveryPlace) {
+  std::mt19937_64 random(300);
+  constexpr std::u32string_view faults = U"09.,-+ eE:/x\x7F";
+  enum { digits_alone, groups, decimals, zeros };
+  for (size_t length = 0; length <= 300 && !HasFailure(); ++length) {
+    for (size_t turn = 0; turn < 4 * (length + 1); ++turn) {
+      const size_t form = turn % 4, place = turn / 4;
+      std::u32string text;
+      for (size_t behind = length; behind-- > 0;) {
+        if (form == groups && behind % 4 == 3) text += U',';
+        else if (form == decimals && behind == length / 2) text += U'.';
+        else text += form == zeros && behind > 12 ? U'0' : digits[random() % 10];
+      }
+      if (place < length) text[place] = faults[random() % faults.size()];
+      check_double(text);
+      check_integers(text, random() % 2 == 0 ? 0 : random() & 0x7001);
+    }
+  }
+}
+
+/// Numbers near every border of the conversion, in many spellings, and texts that are none.
+class Texts {
+ public:
+  Texts(uint64_t seed, const Signs& signs) : random_(seed), signs_(signs) {}
+
+  std::u32string next() {
+    static const struct {
+      std::string border;  // its first digits, the last of them another; random ones after it
+      uint64_t least, most;
+      int64_t from, to;  // the power of ten of the first digit
+    } kinds[] = {{"", 1, 3, -340, 325},
+                 {"", 1, 8, -8, 15},
+                 {"", 15, 20, -25, 50},
+                 {"", 28, 48, -40, 80},
+                 {"", 15, 20, -650, 335},
+                 {"", 1, 40, -335, -290},  // subnormal, or smaller still
+                 {"", 1, 34, 270, 309},
+                 {"17976931348623157081452742373170", 1, 32, 308, 308},
+                 {"24703282292062327208289439643411", 15, 32, -324, -324},
+                 {"000000000000000000000000000000", 1, 34, -25, 25}};
+    const uint64_t which = below(12);
+    if (which >= 10) return which == 10 ? noise() : printed();
+    const auto& kind = kinds[which];
+    const uint64_t count = kind.least + below(kind.most - kind.least + 1);
+    std::string number = kind.border.substr(0, count);
+    if (!number.empty()) number.pop_back();
+    while (number.size() < count || below(12) == 0) number += static_cast<char>('0' + below(10));
+    return spelled(number, kind.from + static_cast<int64_t>(below(static_cast<uint64_t>(kind.to - kind.from + 1))));
+  }
+
+ private:
+  uint64_t below(uint64_t n) { return random_() % n; }
+  std::u32string noise() {
+    const std::u32string alphabet =
+        U"01234567890123456789+-+-..eEdD \t_AzX"s + std::u32string{signs_.point, signs_.separator, signs_.separator, 0};
+    std::u32string text;
+    for (uint64_t n = below(12); n > 0; --n) text += alphabet[below(alphabet.size())];
+    return text;
+  }
+  /// A double, or the middle between it and the next, to so many digits.
+  std::u32string printed() {
+    const auto value = std::bit_cast<double>(below(UINT64_C(0x7FE0000000000000)));
+    const auto next = static_cast<long double>(below(2) == 0 ? value : std::nextafter(value, HUGE_VAL));
+    char all[64];
+    std::snprintf(all, sizeof all, "%.*Le", 14 + static_cast<int>(below(15)), (value + next) / 2);
+    const std::string text = all;
+    return spelled(text[0] + text.substr(2, text.find('e') - 2), std::stoi(text.substr(text.find('e') + 1)));
+  }
+  std::u32string spelled(const std::string& number, int64_t power) {
+    const auto one_of = [&](std::u32string_view from) {  // or nothing
+      const uint64_t n = below(4 * from.size());
+      return n < from.size() ? std::u32string{from[n]} : U""s;
+    };
+    std::u32string text = one_of(U" \t") + one_of(U"+-");
+    const uint64_t whole = below(4) == 0 ? number.size() : below(number.size() + 1);
+    const bool grouped = below(4) == 0;
+    for (uint64_t i = 0; i < number.size(); ++i) {
+      if (i == whole) text += signs_.point;
+      else if (grouped && i > 0 && i < whole && (whole - i) % 3 == 0) text += signs_.separator;
+      text += static_cast<char32_t>(number[i]);
+    }
+    const int64_t exponent = power + 1 - static_cast<int64_t>(whole);
+    if (exponent != 0 || below(8) == 0) {
+      text += U"EeDd"[below(4)];
+      text += exponent < 0 ? U"-"s : one_of(U"+");
+      text += utf32(std::to_string(std::abs(exponent)));
+    }
+    return text + one_of(U" \t");
+  }
+
+  std::mt19937_64 random_;
+  Signs signs_;
+};
+
+/// Five million texts in every code that can express them. The value is the correctly rounded one wherever no rounding
+/// before the last can matter, and without exception where docs/numbers.md promises it.
+TEST_F(Readers, FiveMillionDoubles) {
+  int64_t numbers = 0, rounded = 0;
+  for (const Signs& signs : {english, german, spaced, swiss, arabic}) {
+    use(signs);
+    Texts texts(20240307 + signs.separator, signs);
+    for (int i = 0; i < 1'000'000 && !HasFailure(); ++i) {
+      const std::u32string text = texts.next();
+      const Decimal decimal = check_double(text, signs.separator == 0xA0 ? NLS_READ_SPACE_SEPARATOR : 0);
+      if (reading_.status != 0 || decimal.digits.empty()) continue;
+      ++numbers;
+      const size_t count = decimal.digits.size();
+      const bool certain =
+          decimal.exponent == 0 ? count <= 19 : count <= 15 && -4 <= decimal.exponent && decimal.exponent < 0;
+      if (decimal.is_near_tie && !certain) continue;
+      ++rounded;
+      const std::string plain = decimal.digits + "e" + std::to_string(decimal.exponent);
+      ASSERT_EQ(std::fabs(reading_.value.number), std::strtod(plain.c_str(), nullptr)) << utf8(text);
+    }
+  }
+  EXPECT_GT(numbers, 3'000'000);
+  EXPECT_GT(rounded, numbers * 9 / 10);
+}
+
+TEST_F(Readers, Doors) {
+  double value = 7;
+  int64_t consumed = 7, whole = 7;
+  uint64_t count = 7;
+  VXChar units[] = {'1', ',', '2', '.', '5'};
+  const auto* const bytes = reinterpret_cast<const uint8_t*>("1,2.5");
+  for (const int32_t length : {-1, INT32_MIN}) {
+    EXPECT_EQ(NLSBufToDouble(given_, nullptr, length, &value, &consumed), VX_E_NOTNUMBER);
+    EXPECT_EQ(as_bits(value), as_bits(qmMissVal('.')));
+    EXPECT_EQ(consumed, 0);
+    EXPECT_EQ(NLSBufToLong(given_, units, length, 0, &whole, &count), VX_E_LENGTH);
+    EXPECT_EQ(whole, 7);
+    EXPECT_EQ(count, 7u);
+    EXPECT_EQ(vxnlsExplainNumber(given_, bytes, length, VX_NUMBER_DOUBLE, 0, &reading_), VX_E_LENGTH);
+  }
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToDouble, given_), units, 5, &value, &consumed);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToDoubleU, given_), bytes, 5, &value, &consumed);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToDoubleWithOpts, given_), units, 5, 0u, &value, &consumed);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToDoubleUWithOpts, given_), bytes, 5, 0u, &value, &consumed);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToLong, given_), units, 5, 0u, &whole, &count);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(vxnlsExplainNumber, given_), bytes, 5, 0u, 0u, &reading_);
+  EXPECT_EQ(NLSBufToLong(given_, nullptr, 3, 0, &whole, &count), VX_E_NULL);
+  EXPECT_EQ(whole, 0);
+  EXPECT_EQ(count, 0u);
+  EXPECT_EQ(vxnlsExplainNumber(given_, bytes, 1, 5, 0, &reading_), VX_E_KIND);
+  EXPECT_EQ(NLSBufToDouble(given_, nullptr, 0, &value, &consumed), 0u);
+  EXPECT_EQ(NLSBufToDouble(given_, units, 5, &value, &consumed), 0u);
+  EXPECT_EQ(value, 12.5);
+  // A separator that the end of the text cuts off is none.
+  locale_.data.groupSeparator = 0x2019;
+  EXPECT_EQ(NLSBufToLongU(given_, reinterpret_cast<const uint8_t*>("1\xE2\x80\x99"), 3, 0, &whole, &count),
+            VX_E_NOTNUMBER);
+  EXPECT_EQ(count, 1u);
+  // No locale is an English one.
+  VXLocale without_data{};
+  for (VXLocale* const none : {static_cast<VXLocale*>(nullptr), &without_data}) {
+    given_ = none;
+    check_double(U"1,2.5");
+    check_integers(U"1,2", 0);
+  }
+}
+
+/// In a code of one byte a separator that nobody can convert is ",", a no-break space needs no conversion, and a point
+/// beyond the code is never found.
+TEST_F(Readers, SeparatorsWithoutAConverter) {
+  constexpr VXConverterOps no_operation{};
+  VXConverter without_operations{nullptr}, without_operation{&no_operation};
+  const auto read = [&](std::string_view text, VXConverter* converter, auto reader) {
+    double value = 0;
+    int64_t consumed = 0;
+    reader(given_, reinterpret_cast<const uint8_t*>(text.data()), static_cast<int32_t>(text.size()), &value, &consumed,
+           converter);
+    return value;
+  };
+  for (VXConverter* const converter :
+       {&quote_converter, &without_operations, &without_operation, static_cast<VXConverter*>(nullptr)}) {
+    for (const VXChar separator : {0x80u, 0x202Fu}) {
+      locale_.data.groupSeparator = separator;
+      EXPECT_EQ(read("1,2.5", converter, NLSBufToDoubleA), 12.5);
+      EXPECT_EQ(read("\xF1\x6B\xF2\x4B\xF5", converter, NLSBufToDoubleE), 12.5);
+    }
+    locale_.data.groupSeparator = 0xA0;
+    EXPECT_EQ(read("1\xA0\x32.5", converter, NLSBufToDoubleA), 12.5);
+  }
+  locale_.data.decimalPoint = 0x066B;
+  EXPECT_TRUE(std::isnan(read("\xF1\x4B\xF5", nullptr, NLSBufToDoubleE)));
+}
+
+/// Longer texts than memory holds here, as they are recognised: digits past the thirtieth change nothing.
+TEST(Conversion, AsManyDigitsAsATextCanHave) {
+  const auto value_of = [](int64_t digits, int64_t whole) {
+    double value = 0;
+    vxnls::NumberText number;
+    number.high = number.low = 123456789012345;
+    number.digits = digits;
+    number.exponent = whole - digits;
+    EXPECT_EQ(vxnls::evaluate(number, &value), 0u);
+    return value;
+  };
+  for (const int64_t whole : {-300, 0, 1, 40, 300})
+    for (const int64_t digits : {int64_t{31}, int64_t{1} << 30, (int64_t{1} << 30) + 1, int64_t{INT32_MAX}})
+      EXPECT_EQ(value_of(digits, whole), value_of(30, whole)) << digits << " digits, " << whole << " before the point";
+}
+
+TEST(Conversion, AnyArguments) {
+  double value = 0;
+  for (const int32_t digits : {INT32_MIN, -1, 0, 15, 16, 31, INT32_MAX})
+    for (const int32_t exponent : {INT32_MIN, -617, -616, -309, -308, 0, 292, 308, 309, INT32_MAX})
+      for (const uint64_t high : {UINT64_C(0), UINT64_C(1), UINT64_C(999999999999999)}) {
+        const VXStatus status = vxnls::vxnlsCalcDouble(high, 999999999999999, digits, exponent, 1, &value);
+        EXPECT_EQ(status == 0, std::isfinite(value)) << high << " " << digits << " " << exponent;
+      }
+}
+
+bool same(const SoftExtended& soft, const Real& real) {
+  return Real(soft.significand(), soft.exponent()) == real && soft.significand() >> 63 == 1;
+}
+
+TEST(SoftExtended, PowersOfTen) {
+  for (int64_t n = 0; n <= 308; ++n) {
+    EXPECT_TRUE(same(vxnls::soft_powers_of_ten.entry[n], Real::power_of_ten(n))) << n;
+    if (vxnls::long_double_is_extended) {
+      EXPECT_EQ(Real(vxnls::VXPOWTENTABLE[n]), Real::power_of_ten(n)) << n;
+    }
+  }
+}
+
+TEST(SoftExtended, Arithmetic) {
+  std::mt19937_64 random(1);
+  // Random, few bits, long runs of ones and zeros (carries), next to a tie.
+  const auto significand = [&] {
+    const uint64_t any = random(), shift = any % 64, ones = ~UINT64_C(0);
+    return std::array{
+               any, any << shift, ones << shift, ones >> shift, any << 12 | 0x400, uint64_t{1} << shift}[random() % 6] |
+           1;
+  };
+  for (int i = 0; i < 1'000'000; ++i) {
+    const uint64_t a = significand(), b = significand() << i % 2;
+    const int32_t apart = static_cast<int32_t>(random() % 300) - 150,
+                  scale = static_cast<int32_t>(random() % 2090) - 1140;
+    const auto x = SoftExtended(a), y = SoftExtended::rounded(b, apart, false);
+    const Real p(a, 0), q(b, apart);
+    ASSERT_TRUE(same(x * y, p * q) && same(x / y, p / q) && same(x + y, p + q)) << a << " " << b << " " << apart;
+    ASSERT_EQ(x > y, p > q) << a << " " << b << " " << apart;
+    ASSERT_EQ(static_cast<double>(SoftExtended::rounded(a, scale, false)), static_cast<double>(Real(a, scale))) << a;
+  }
+}
+
+TEST(Ebcdic, TablesAreCodePage1047) {
+  const iconv_t converter = iconv_open("IBM1047", "LATIN1");
+  for (unsigned c = 0; c < 256; ++c) {
+    char latin = static_cast<char>(c), ebcdic = 0;
+    char *from = &latin, *to = &ebcdic;
+    size_t from_left = 1, to_left = 1;
+    ASSERT_EQ(iconv(converter, &from, &from_left, &to, &to_left), 0u);
+    EXPECT_EQ(vxnls::a2e[c], static_cast<uint8_t>(ebcdic)) << c;
+    EXPECT_EQ(vxnls::e2a[static_cast<uint8_t>(ebcdic)], c);
+  }
+  iconv_close(converter);
+}
+
+}  // namespace
+
+}  // namespace vxtest
