@@ -1,52 +1,215 @@
+// Loading, journals, and what a host offers beside its locales: absent, made once, and answering what it must not.
+// Whatever a host says, nothing outside the buffers is touched, and what leaves the library keeps to what its headers
+// say.
 #include "module/host_services.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <numeric>
+#include <tuple>
+
+#include "tests/support/character_host.h"
 #include "tests/support/failing_host.h"
+#include "tests/support/guard_page.h"
+#include "tests/support/null_arguments.h"
+#include "tests/support/zoned_locale.h"
 
 namespace {
 
-using vxnls::host::ZoneState;
+using vxtest::Calls;
 using vxtest::FailingHost;
-using vxtest::Op;
+using vxtest::GuardedBuffer;
+using vxtest::Holdings;
 
-TEST(HostServices, AreAbsentWithoutAHandleOrWithAnEmptyOne) {
-  VXHandle empty = {};
-  for (VXHandle* handle : {static_cast<VXHandle*>(nullptr), &empty}) {
-    vxextent(handle);
-    EXPECT_EQ(vxnls::host::characters(), nullptr);
-    EXPECT_EQ(vxnls::host::unicode_database(), nullptr);
-    EXPECT_EQ(vxnls::host::normaliser(), nullptr);
-    EXPECT_EQ(vxnls::host::conversions(), nullptr);
-    EXPECT_EQ(vxnls::host::integer_option(nullptr, 0, 77), 77);
+constexpr auto least = std::numeric_limits<int32_t>::min();
+constexpr auto most = std::numeric_limits<int32_t>::max();
+
+TEST(Loading, VersionsDiffer) {
+  FailingHost host;
+  int64_t major = -1, minor = -1, revision = -1;
+  EXPECT_EQ(vxextver(&host.stored, &major, &minor), 0u);
+  EXPECT_EQ(std::tuple(major, minor), std::tuple(6, 1));
+  EXPECT_EQ(Exported_VXHandle, &host.stored);
+  EXPECT_EQ(vxextent(&host.kernel), 0u);  // in place of the first
+  EXPECT_EQ(Exported_VXHandle, &host.kernel);
+  EXPECT_EQ(vxGetBDConv(), nullptr);  // a handle without
+  NLSModule* module = nullptr;
+  const Calls calls = {"create_pool kernel @2=80 null vxnlsloc pool", "allocate vxnlsloc pool 96 80000000"};
+  EXPECT_EQ(host.trace([&] { module = vxnlsloc(&host.kernel, nullptr); }), calls);
+  ASSERT_NE(module, nullptr);
+  EXPECT_EQ(module->reqVersion(module, &major, &minor, &revision), 0u);
+  EXPECT_EQ(std::tuple(major, minor, revision), std::tuple(6, 1, 1));
+  EXPECT_EQ(module->version(module, &major, &minor, &revision), 0u);
+  EXPECT_EQ(std::tuple(major, minor, revision), std::tuple(6, 0, 0));
+  EXPECT_EQ(std::memcmp(module, "nevo", 4), 0);
+  EXPECT_EQ(module->host, &host.kernel);
+  EXPECT_EQ(module->realDestroy(module), 0u);
+  EXPECT_EQ(host.holdings(), Holdings{});
+  NLSModule without_pool = {};
+  for (NLSModule* const nothing : {static_cast<NLSModule*>(nullptr), &without_pool}) {
+    EXPECT_EQ(NLSLOCRealDestroy(nothing), 0u);
+  }
+  EXPECT_EQ(vxnlsloc(nullptr, &host.journal), nullptr);
+  // The pool is made, the record does not fit: a line in the journal, where there is one.
+  for (VXJournal* const journal : {&host.journal, static_cast<VXJournal*>(nullptr)}) {
+    host.fail_call(2, false, VX_E_MEMORY);
+    const Calls failing = host.trace([&] { EXPECT_EQ(vxnlsloc(&host.kernel, journal), nullptr); });
+    EXPECT_EQ(failing.size(), journal != nullptr ? 4u : 3u);
+    if (journal != nullptr) {
+      EXPECT_EQ(failing[2], "status_to_journal journal 4 -2143305726 *");
+    }
+    EXPECT_EQ(host.holdings(), Holdings{});
   }
   vxextent(nullptr);
 }
 
-TEST(HostServices, AreMadeOnce) {
-  FailingHost host;
-  ASSERT_TRUE(host.load_module());
-  VXUnicodeDatabase* const database = vxnls::host::unicode_database();
-  VXNormaliser* const normaliser = vxnls::host::normaliser();
-  EXPECT_NE(database, nullptr);
-  EXPECT_NE(normaliser, nullptr);
-  EXPECT_EQ(vxnls::host::unicode_database(), database);
-  EXPECT_EQ(vxnls::host::normaliser(), normaliser);
-  EXPECT_EQ(host.calls(Op::load_extension), 1);
-  EXPECT_EQ(host.calls(Op::create_normaliser), 1);
+TEST(Loading, TheBuildRecordIsWrittenWholeAndNoFurther) {
+  struct {
+    VXBuildRecord record;
+    uint8_t behind[16];
+  } room;
+  std::memset(&room, 0x5A, sizeof room);
+  vxvercn1(&room.record);
+  for (const uint8_t byte : room.behind) EXPECT_EQ(byte, 0x5A);
+  const VXBuildRecord& r = room.record;
+  for (const uint64_t word : r.zero18) EXPECT_EQ(word, 0u);
+  for (const char* empty : {r.empty3, r.empty9, r.empty12, r.empty14}) EXPECT_STREQ(empty, "");
+  EXPECT_STREQ(r.component5, "vxnls");
+  EXPECT_STREQ(r.component7, "vxext");
+  EXPECT_EQ(std::strlen(r.stamp6), 8u);
+  EXPECT_EQ(std::strlen(r.stamp8), 18u);
+  for (const auto& [field, key] : {std::pair{r.hotfix13, std::string("_VERSION_HOTFIX_NUMBER=")},
+                                   std::pair{r.image15, std::string("VERCON_IMAGE_DESCRIPTION=")}}) {
+    const std::string text = field;
+    EXPECT_EQ(text.size(), 64u);
+    const size_t at = text.find(key);
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_EQ(text.find_first_not_of(' ', at + key.size()), std::string::npos);
+  }
+  // The three ways in which the record tells the day of the build agree, by the C library's calendar.
+  const time_t built = r.time;
+  tm utc = {};
+  gmtime_r(&built, &utc);
+  char text[64];
+  std::strftime(text, sizeof text, "%a %b %e %H:%M:%S UTC %Y", &utc);
+  EXPECT_STREQ(r.date17, text);
+  std::strftime(text, sizeof text, "%Y%m%d", &utc);
+  EXPECT_EQ(std::string(r.label).substr(std::strlen(r.label) - 8), text);
+}
+
+// Journals
+
+/// A journal that keeps what it was told last, and takes two ints from the variable list.
+struct Recorder : VXJournal {
+  std::vector<uint64_t> words;
+  int rest[2] = {};
+};
+
+template <class... Words>
+VXStatus record(VXStatus status, va_list list, VXJournal* journal, Words... words) {
+  auto* const recorder = static_cast<Recorder*>(journal);
+  recorder->words = {static_cast<uint64_t>(words)...};
+  for (int& value : recorder->rest) value = va_arg(list, int);
+  return status;
+}
+
+constexpr VXJournalOps recording = {
+    [](VXJournal* j, uint64_t a1, uint64_t a2, uint64_t a3, uint64_t a4, uint64_t a5, va_list list) {
+      return record(101, list, j, a1, a2, a3, a4, a5);
+    },
+    [](VXJournal* j, uint32_t level, const VXChar* message, uint64_t extra, va_list list) {
+      return record(102, list, j, level, message[0], extra);
+    },
+    [](VXJournal* j, int64_t status, uint64_t a1, uint64_t a2, uint64_t a3, va_list list) {
+      return record(103, list, j, status, a1, a2, a3);
+    },
+    [](VXJournal* j, uint32_t level, int64_t status, va_list list) { return record(104, list, j, level, status); },
+    {},
+    [](VXJournal* j, uint64_t a1, uint64_t a2, uint64_t a3, uint64_t a4, uint64_t a5) -> void* {
+      static_cast<Recorder*>(j)->words = {a1, a2, a3, a4, a5};
+      return j;
+    },
+};
+
+TEST(Journal, PassesEverythingOn) {
+  Recorder journal{{&recording}, {}, {}};
+  const VXChar message[] = {'M', 0};
+  const uint64_t wide = 0xFEDCBA9876543210;
+  const auto failure = static_cast<int32_t>(0x803fc002);
+  int first = 9;
+  const auto passed = [&](const std::vector<uint64_t>& words) {
+    first += 2;
+    EXPECT_EQ(journal.words, words);
+    EXPECT_TRUE(journal.rest[0] == first && journal.rest[1] == first + 1) << journal.rest[0];
+  };
+  EXPECT_EQ(vxlMessageToBuf(&journal, wide, 2, 3, 4, 5, 11, 12), 101u);
+  passed({wide, 2, 3, 4, 5});
+  EXPECT_EQ(vxlMessageToJnl(&journal, 0xFFFFFFFF, message, 7, 13, 14), 102u);
+  passed({0xFFFFFFFF, 'M', 7});
+  // A status is signed and keeps its sign when it gets wider; a level is not.
+  EXPECT_EQ(vxlStatusToBuf(&journal, failure, 1, 2, wide, 15, 16), 103u);
+  passed({0xFFFFFFFF803fc002, 1, 2, wide});
+  EXPECT_EQ(vxlStatusToJnl(&journal, 0x80000004, failure, 17, 18), 104u);
+  passed({0x80000004, 0xFFFFFFFF803fc002});
+  EXPECT_EQ(vxlGetLocale(&journal, 1, 2, 3, 4, wide), &journal);
+  EXPECT_EQ(journal.words, (std::vector<uint64_t>{1, 2, 3, 4, wide}));
+  // Without an object nothing happens.
+  EXPECT_EQ(vxlMessageToBuf(nullptr, 1, 2, 3, 4, 5) | vxlMessageToJnl(nullptr, 3, nullptr, 0), 0u);
+  EXPECT_EQ(vxlStatusToBuf(nullptr, 1, 2, 3, 4) | vxlStatusToJnl(nullptr, 4, 5), 0u);
+  EXPECT_EQ(vxlGetLocale(nullptr, 1, 2, 3, 4, 5), nullptr);
+}
+
+TEST(Reversal, OfEveryShortLength) {
+  for (int64_t n : {INT64_MIN, int64_t{-1}, int64_t{0}, int64_t{1}, int64_t{2}, int64_t{4}, int64_t{5}, int64_t{33}}) {
+    SCOPED_TRACE(n);
+    std::vector<uint8_t> bytes(40);
+    std::iota(bytes.begin(), bytes.end(), uint8_t{0});
+    std::vector<VXChar> units(bytes.begin(), bytes.end());
+    std::vector<uint8_t> expected = bytes;
+    for (int64_t i = 0; i < n; ++i) expected[static_cast<size_t>(i)] = bytes[static_cast<size_t>(n - 1 - i)];
+    EXPECT_EQ(vxzbytrv(bytes.data(), n), 0u);
+    vxztchrv(units.data(), n);
+    EXPECT_EQ(bytes, expected);
+    EXPECT_EQ(units, std::vector<VXChar>(expected.begin(), expected.end()));
+  }
+  EXPECT_EQ(vxzbytrv(nullptr, 5), 0u);
+  vxztchrv(nullptr, 5);
+}
+
+// Services of the stored handle
+
+TEST(HostServices, AreAbsentWithoutAHandleOrWithAnEmptyOne) {
+  VXHandle empty = {};
+  for (VXHandle* handle : {&empty, static_cast<VXHandle*>(nullptr)}) {
+    vxextent(handle);
+    EXPECT_EQ(vxnls::host::characters(), nullptr);
+    EXPECT_EQ(vxnls::host::unicode_database(), nullptr);
+    EXPECT_EQ(vxnls::host::normaliser(), nullptr);
+    EXPECT_EQ(vxGetBDConv(), nullptr);
+    EXPECT_EQ(vxnls::host::integer_option(nullptr, 0, 77), 77);
+  }
 }
 
 // While the library makes its object, another thread stores one: here the host does it from inside the operation.
-TEST(HostServices, TheLoserOfARaceGoesByWhatIsThere) {
+TEST(HostServices, AreMadeOnceAndTheLoserOfARaceGoesByWhatIsThere) {
+  {
+    FailingHost host;
+    ASSERT_TRUE(host.load_module());
+    const auto ask = [] {
+      EXPECT_NE(vxnls::host::unicode_database(), nullptr);
+      EXPECT_NE(vxnls::host::normaliser(), nullptr);
+    };
+    EXPECT_EQ(host.trace(ask), (Calls{"load_extension stored vxnlsudb 0", "create_normaliser *"}));
+    EXPECT_EQ(host.trace(ask), Calls{});
+  }
   static VXUnicodeDatabase winner;
-  static VXNormaliser winning_normaliser;
-  static VXNormaliser losing_normaliser;
+  static VXNormaliser winning_normaliser, losing_normaliser;
   static VXCharData characters;
-  static int destroyed;
-  static const VXExtensionOps extension_ops = {[](VXExtension*) -> VXStatus {
-    ++destroyed;
-    return 0;
-  }};
+  static int destroyed = 0;
+  static const VXExtensionOps extension_ops = {[](VXExtension*) -> VXStatus { return ++destroyed, 0; }};
   static VXExtension loser = {&extension_ops};
   VXHandleOps ops = {};
   ops.load_extension = [](VXHandle*, const VXChar*, int64_t, uint64_t) {
@@ -59,71 +222,213 @@ TEST(HostServices, TheLoserOfARaceGoesByWhatIsThere) {
     return &losing_normaliser;
   };
   characters = {&character_ops, nullptr, nullptr};
-  destroyed = 0;
   VXHandle handle = {&ops, nullptr, nullptr, &characters, nullptr};
   vxextent(&handle);
   EXPECT_EQ(vxnls::host::unicode_database(), &winner);
-  EXPECT_EQ(destroyed, 1);
+  EXPECT_EQ(std::exchange(destroyed, 0), 1);
   EXPECT_EQ(vxnls::host::normaliser(), &winning_normaliser);
   EXPECT_EQ(characters.normaliser, &winning_normaliser);
   vxextent(nullptr);
 }
 
-TEST(HostServices, HoldWhatAZoneServiceSaysToItsRoom) {
-  static VXStatus status;
-  static int64_t claimed;
-  static bool writes_offset;
-  VXZoneServiceOps ops = {};
-  ops.describe = [](VXZoneService*, VXZone*, int32_t, double, VXChar* name, int64_t* length, int32_t* offset) {
-    EXPECT_EQ(*length, 50);
-    name[0] = 'Z';
-    *length = claimed;
-    if (writes_offset) *offset = 3600;
-    return status;
-  };
-  ops.offset = [](VXZoneService*, VXZone*, int32_t, double) { return 7200; };
-  VXZoneService service = {&ops};
-  HostContext context = {};
-  context.zones = &service;
-  VXLocale locale = {};
-  locale.host = &context;
-  auto* const zone = reinterpret_cast<VXZone*>(&service);
-  locale.timeZone = zone;
+// The host's own conversion of doubles: what it claims to have written, with which status and of which units.
+struct Claim {
+  int64_t length;
+  VXStatus status;
+  VXChar unit;
+  int64_t units;  // that it writes in truth, from the first on
+} claim;
 
-  const struct {
-    VXStatus status;
-    int64_t claimed;
-    bool writes_offset;
-    int64_t length;
-    int32_t offset;
-  } cases[] = {
-      {0, 1, true, 1, 3600},  {0, 50, true, 50, 3600},       {0, 51, true, 50, 3600}, {0, INT64_MAX, true, 50, 3600},
-      {0, -1, true, 0, 3600}, {0, INT64_MIN, true, 0, 3600}, {0, 1, false, 1, 0},     {VX_E_ZONE, 1, true, 0, 0},
+VXStatus claim_double(VXLocale*, int32_t, int32_t, uint32_t, VXChar* buffer, int64_t size, int64_t* length,
+                      const NLSDoubleExOpts*, double) {
+  std::fill_n(buffer, std::min(size, claim.units), claim.unit);
+  if (length != nullptr) *length = claim.length;
+  return claim.status;
+}
+
+TEST(HostileHost, ConversionsThatClaimAnyLength) {
+  static constexpr VXHandleOps no_operations = {};
+  VXRuntime runtime = {{1, 0, &claim_double}};
+  VXHandle handle = {&no_operations, nullptr, nullptr, nullptr, &runtime};
+  ASSERT_EQ(vxextent(&handle), 0u);
+  EXPECT_EQ(vxGetBDConv(), &runtime.bdconv);
+  vxtest::PlainLocale plain;
+  VXLocale* const locale = plain.get();
+  GuardedBuffer<VXChar> units(1500);
+  GuardedBuffer<uint8_t> bytes(1500);
+  const auto to_utf8 = [&](uint8_t* to, int64_t size, int64_t* length) {
+    return NLSDoubleFormatUWithExOpts(locale, 4, 1, NLS_FORMAT_FIXED, to, size, length, nullptr, 1.5);
   };
-  for (const auto& c : cases) {
-    status = c.status;
-    claimed = c.claimed;
-    writes_offset = c.writes_offset;
-    ZoneState state;
-    vxnls::host::describe_zone(&locale, 0, &state);
-    EXPECT_EQ(state.name_length, c.length) << c.claimed;
-    EXPECT_EQ(state.offset, c.offset) << c.claimed;
+  for (const int64_t size : {0, 1, 2, 5, 62, 1023, 1024, 1025, 1500}) {
+    VXChar* const wide = units.at(static_cast<size_t>(size));
+    uint8_t* const narrow = bytes.at(static_cast<size_t>(size));
+    for (const int64_t length : {INT64_MIN, INT64_C(-1), INT64_C(0), INT64_C(1), size - 1, size, size + 1,
+                                 INT64_C(1024), INT64_C(1025), INT64_C(1) << 32, INT64_MAX}) {
+      for (const VXStatus status : {VXStatus{0}, VX_E_MEMORY}) {
+        for (const VXChar unit : {VXChar{'7'}, VXChar{0xD800}, VXChar{0x10FFFF}, VXChar{0xFFFFFFFF}}) {
+          claim = {length, status, unit, size};
+          SCOPED_TRACE(testing::Message() << length << " of " << size << ", status " << status);
+          for (const auto write : {&NLSDoubleFormat, &NLSPercentFormat, &NLSCurrencyFormat}) {
+            const int64_t added = write == &NLSDoubleFormat ? 0 : 2;  // "%", parentheses or "$", counted in any case
+            int64_t written = -1;
+            EXPECT_EQ(write(locale, 9, 2, 1, wide, size, &written, -0.5), status);
+            EXPECT_TRUE(written >= -1 && written <= size + added) << written;
+            if (write == &NLSPercentFormat && status == 0 && length >= 0 && length <= size - 2) {
+              EXPECT_EQ(wide[length + 1], VXChar{')'});  // "%)" stands right behind what was claimed
+            }
+          }
+          int64_t written = -1;
+          const VXStatus told = to_utf8(narrow, size, &written);
+          EXPECT_TRUE(told == status || told == VX_E_TRUNCATED);
+          EXPECT_TRUE(written >= 0 && written <= size) << written;
+        }
+      }
+    }
   }
-  EXPECT_EQ(vxnls::host::zone_offset(&locale, zone, VX_ZONE_FROM_UTC, 0), 7200);
+  EXPECT_EQ(NLSDoubleFormatWithExOpts(locale, 9, 2, 0, units.at(3), 3, nullptr, nullptr, 1), VX_E_MEMORY);
+  // A host that claims more than it wrote gets no more out of the library than zeros.
+  claim = {1024, 0, '7', 1};
+  int64_t written = 0;
+  uint8_t text[1024];
+  EXPECT_EQ(to_utf8(text, 1024, &written), 0u);
+  EXPECT_EQ(std::string(text, text + written), '7' + std::string(1023, '\0'));
+  VX_EXPECT_NULLS_REFUSED(to_utf8, text, 9, &written);
+  // A table that is there and offers nothing leaves the library its own.
+  runtime.bdconv.format_double = nullptr;
+  EXPECT_EQ(to_utf8(text, 4, &written), 0u);
+  EXPECT_EQ(std::string(text, text + written), " 1.5");
+  vxextent(nullptr);
+}
 
-  // Without a zone, a service or a host there is nothing to ask.
-  EXPECT_EQ(vxnls::host::zone_offset(&locale, nullptr, VX_ZONE_FROM_UTC, 0), 0);
-  for (int lacking = 0; lacking < 3; ++lacking) {
-    locale.timeZone = lacking == 0 ? nullptr : zone;
-    context.zones = lacking == 1 ? nullptr : &service;
-    locale.host = lacking == 2 ? nullptr : &context;
-    ZoneState state = {};
-    state.name_length = 9;
-    state.offset = 9;
-    vxnls::host::describe_zone(&locale, 0, &state);
-    EXPECT_EQ(state.name_length, 0);
-    EXPECT_EQ(state.offset, 0);
-    EXPECT_EQ(vxnls::host::zone_offset(&locale, locale.timeZone, VX_ZONE_FROM_UTC, 0), 0);
+// A zone service that claims any length of a name, any offset, or fails, in every place where it is asked.
+struct ZoneAnswer {
+  VXStatus status;
+  int64_t length;
+  int32_t offset;
+  const char* written;  // by "%z|%Z|"
+} answer;
+
+constexpr VXZoneServiceOps claiming = {
+    nullptr, nullptr, [](VXZoneService*, VXZone*, int32_t, double) { return answer.offset; },
+    [](VXZoneService*, VXZone*, int32_t, double, VXChar* name, int64_t* length, int32_t* offset) {
+      EXPECT_EQ(*length, 50);
+      name[0] = 'Z';
+      *length = answer.length;
+      if (answer.offset != 1) *offset = answer.offset;
+      return answer.status;
+    }};
+
+TEST(HostileHost, ZonesOfAnyNameAndAnyDistanceFromUtc) {
+  const std::string fifty = 'Z' + std::string(49, ' ');
+  const auto of_length = [&](int64_t length, const char* written) { return ZoneAnswer{0, length, 3600, written}; };
+  const std::string whole = "+0100|" + fifty + '|';
+  for (const ZoneAnswer& given :
+       {of_length(1, "+0100|Z|"), of_length(50, whole.c_str()), of_length(51, whole.c_str()),
+        of_length(INT64_MAX, whole.c_str()), of_length(0, "+0100|XST|"), of_length(-1, "+0100|XST|"),
+        of_length(INT64_MIN, "+0100|XST|"), ZoneAnswer{VX_E_ZONE, 1, 3600, "+0000|XST|"},
+        ZoneAnswer{0, 1, 1, "+0000|Z|"}, ZoneAnswer{0, 1, least, "-2314|Z|"}, ZoneAnswer{0, 1, least + 1, "-2314|Z|"},
+        ZoneAnswer{0, 1, -86400, "-2400|Z|"}, ZoneAnswer{0, 1, -59, "-0000|Z|"}, ZoneAnswer{0, 1, 0, "+0000|Z|"},
+        ZoneAnswer{0, 1, 86399, "+2359|Z|"}, ZoneAnswer{0, 1, 360000, "+0000|Z|"},
+        ZoneAnswer{0, 1, most, "+2314|Z|"}}) {
+    answer = given;
+    vxtest::ZonedLocale locale;
+    locale.use(U"Zone/East");
+    locale.zones.ops = &claiming;
+    vxtest::set_name(locale.data.datetimePattern, U"%z|%Z|");
+    uint8_t text[80];
+    int64_t length = 0;
+    EXPECT_EQ(NLSDatetimeFormatU(locale.get(), 0, text, sizeof text, &length, 0), 0u);
+    EXPECT_EQ(std::string(text, text + length), answer.written);
+    vxtest::set_name(locale.data.datetimePattern, U"%Y-%m-%d %Z");
+    for (const std::string_view read : {"1582-01-01 Zone/West", "20000-12-31 Zone/West"}) {
+      const auto* const bytes = reinterpret_cast<const uint8_t*>(read.data());
+      const auto n = static_cast<int64_t>(read.size());
+      double value = 0;
+      NLSBufToDatetimeU(locale.get(), bytes, n, 0, &value, &length);
+      EXPECT_LT(std::abs(value), 569318630400.0 + 1) << "the two offsets take each other away";
+      VXExplanation why;
+      why.size = sizeof why;
+      EXPECT_EQ(vxnlsExplain(locale.get(), VX_EXPLAIN_DATETIME, 0, bytes, n, &why), 0u);
+    }
+    // Without a zone, a service or a host there is nothing to ask.
+    for (int lacking = 0; lacking < 3; ++lacking) {
+      if (lacking == 0) locale.context.zones = nullptr;
+      if (lacking == 1) locale.locale.host = nullptr;
+      if (lacking == 2) locale.locale.timeZone = nullptr;
+      vxnls::host::ZoneState state = {{}, 9, 9};
+      vxnls::host::describe_zone(&locale.locale, 0, &state);
+      EXPECT_TRUE(state.name_length == 0 && state.offset == 0) << lacking;
+      EXPECT_EQ(vxnls::host::zone_offset(&locale.locale, locale.locale.timeZone, VX_ZONE_FROM_UTC, 0), 0);
+    }
+  }
+}
+
+// Mappings to what is no character, or to one of another length.
+TEST(HostileHost, MappingsToAnyValue) {
+  vxtest::CharacterHost host;
+  VXChar mapped = 0;
+  host.lower = host.upper = [&](uint32_t) { return mapped; };
+  const std::string text = "a\u00E9z\u20AC\U0001F600\u00E9";
+  const auto* const in = reinterpret_cast<const uint8_t*>(text.data());
+  const auto n = static_cast<int64_t>(text.size());
+  GuardedBuffer<uint8_t> source(text.size()), target(64);
+  for (const VXChar value : {0u, 0x41u, 0x7FFu, 0xD800u, 0xFFFFu, 0x10FFFFu, 0x110000u, 0x1FFFFFu, 0x200000u,
+                             0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    SCOPED_TRACE(mapped = value);
+    for (const auto change : {vxzsu8Lower2, vxzsu8Upper2}) {
+      int64_t needed = -1, written = -1;
+      EXPECT_EQ(change(in, n, nullptr, 0, &needed), 0u);
+      ASSERT_TRUE(needed >= 2 && needed <= 24) << needed;
+      EXPECT_EQ(change(in, n, target.at(static_cast<size_t>(needed)), needed, &written), 0u);
+      EXPECT_EQ(written, needed);
+      EXPECT_EQ(change(in, n, target.at(static_cast<size_t>(needed - 1)), needed - 1, &written), VX_E_ROOM);
+      EXPECT_LT(written, needed);
+    }
+    for (const auto change : {vxzsu8Lower, vxzsu8Upper}) change(source.copy(in, text.size()), n);
+    for (const auto change : {vxzstlo, vxzstup}) {
+      VXChar units[] = {0xE9, 0xE9};
+      change(units, 2);
+      EXPECT_EQ(units[1], mapped);
+    }
+    const int32_t order = vxzsu8NormCompare(source.copy(in, text.size()), n, in, n - 2);
+    EXPECT_EQ(vxzsu8NormCompare(in, n - 2, in, n), -order);
+  }
+}
+
+// Any byte as the group separator of a single-byte text: also a digit, the sign, the point.
+TEST(HostileHost, SeparatorsOfAnyByte) {
+  static uint8_t byte;
+  static constexpr VXConverterOps ops = {[](VXConverter*, VXChar, uint8_t* out) -> VXStatus { return *out = byte, 0; }};
+  VXConverter converter = {&ops};
+  vxtest::PlainLocale locale;
+  locale.data.groupSeparator = 0x2019;
+  GuardedBuffer<uint8_t> memory(16);
+  do {
+    for (const std::string_view text : {"1\264234.5E1", " -1.5 ", "\x60\xF1\x4B\xF5\xC5\xF1"}) {
+      const uint8_t* const at = memory.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+      for (const auto read : {NLSBufToDoubleA, NLSBufToDoubleE}) {
+        double value = 0;
+        int64_t consumed = -1;
+        const VXStatus status =
+            read(locale.get(), at, static_cast<int32_t>(text.size()), &value, &consumed, &converter);
+        EXPECT_TRUE(status == 0 || status == VX_E_NOTNUMBER || status == VX_E_RANGE) << int{byte};
+        EXPECT_TRUE(consumed >= 0 && consumed <= static_cast<int64_t>(text.size())) << int{byte};
+        EXPECT_TRUE(status == 0 || std::isnan(value)) << int{byte};
+      }
+    }
+  } while (++byte != 0);
+}
+
+TEST(HostileHost, ClassesOfAnyNumber) {
+  vxtest::CharacterHost host;
+  static constexpr uint8_t mark[] = {0xCC, 0x81, 0};
+  for (const int32_t number : {least, -1, 0, 1, 2, most}) {
+    host.test_class = [&](uint32_t, uint32_t) { return number; };
+    for (const auto test : {vxnlsisdigit, vxnlsislower, vxnlsisupper, vxnlsisalpha, vxnlsisalnum, vxnlsisprint,
+                            vxnlsisgraph, vxnlsispunct, vxnlsisxdigit, vxnlsiscntrl}) {
+      for (const uint32_t c : {0x300u, 0xD800u, 0x110000u, 0xFFFFFFFFu}) EXPECT_EQ(test(c), number != 0) << c;
+    }
+    EXPECT_EQ(vxzsu8IsCombining(mark), number != 0);
   }
 }
 

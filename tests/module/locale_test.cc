@@ -4,16 +4,18 @@
 
 #include <cstring>
 #include <set>
+#include <sstream>
 #include <thread>
+#include <utility>
 
 #include "tests/support/failing_host.h"
 #include "tests/support/plain_locale.h"
 
 namespace {
 
+using vxtest::Calls;
 using vxtest::FailingHost;
 using vxtest::Holdings;
-using vxtest::Op;
 
 constexpr VXStatus untouched = 0x5A5A5A5A;
 
@@ -25,315 +27,327 @@ struct LocaleTest : testing::Test {
     for (VXLocale* locale : alone) host.destroy_private(locale);
     host.close();
     EXPECT_EQ(host.holdings(), Holdings{});
-    EXPECT_EQ(host.complaints(), std::vector<std::string>{});
+    EXPECT_EQ(host.complaints, Calls(static_cast<size_t>(stray_releases), "released but not held: creation"));
   }
 
   /// A locale outside the cache, destroyed at the end.
-  VXLocale* make(std::u32string_view name, VXStatus* status = nullptr, std::u32string_view zone = {}) {
-    VXLocale* const locale = host.create(name, status, zone, false);
+  VXLocale* make(std::u32string_view name, std::u32string_view zone = {}) {
+    VXLocale* const locale = host.create(name, &status, zone, false);
     if (locale != nullptr) alone.push_back(locale);
     return locale;
   }
-  std::u32string zone_of(const VXLocale* locale) {
-    VXChar name[50];
-    int64_t length = 50;
-    int32_t offset = 0;
-    host.context()->zones->ops->describe(host.context()->zones, locale->timeZone, VX_ZONE_FROM_UTC, 0, name, &length,
-                                         &offset);
-    return text_of(name, length);
+  /// With a cache, and in UTC.
+  void use_zones() {
+    ASSERT_TRUE(host.make_cache());
+    locale = host.create(U"en_US", nullptr, U"Etc/UTC");
+    ASSERT_NE(locale, nullptr);
+  }
+  VXZone* get(std::u32string_view id) {
+    return NLSGetTZh(locale, reinterpret_cast<const VXChar*>(id.data()), static_cast<int64_t>(id.size()));
+  }
+  VXStatus set(std::u32string_view id) {
+    return NLSSetTimezoneId(locale, reinterpret_cast<const VXChar*>(id.data()), static_cast<int64_t>(id.size()));
   }
 
   FailingHost host;
   std::vector<VXLocale*> alone;
+  VXLocale* locale = nullptr;
+  VXStatus status = untouched;
+  int stray_releases = 0;
 };
 
-// Hosts rely on the order in which they are called.
+Calls lines_of(const char* text) {
+  Calls lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+template <class... Parts>
+Calls joined(const Parts&... parts) {
+  Calls all;
+  (all.insert(all.end(), parts.begin(), parts.end()), ...);
+  return all;
+}
+
+// Hosts rely on the order in which they are called, and on what they are given.
 TEST_F(LocaleTest, IsMadeAndDestroyedInAFixedOrder) {
-  ASSERT_TRUE(host.make_cache());
-  using Calls = std::vector<std::string>;
-  const Calls look_up = {"normalise_zone", "acquire creation", "lookup_locale", "find VXNLS Locale track"};
-  const Calls parts = {"allocate 1016",
-                       "allocate 49248",
-                       "load_extension vxemsg",
-                       "fill",
-                       "create_lock vxnls Locale VXMSG lock",
-                       "create_lock vxnls Locale VXZ lock",
-                       "create_track vxnls Locale VXMSG track",
-                       "set_destroy vxnls Locale VXMSG track",
-                       "create_track vxnls Locale VXETZ track",
-                       "set_destroy vxnls Locale VXETZ track"};
-  const Calls zone = {"normalise_zone created",
-                      "find vxnls Locale VXETZ track",
-                      "acquire vxnls Locale VXZ lock",
-                      "find vxnls Locale VXETZ track",
-                      "open_zone Etc/UTC",
-                      "allocate 24",
-                      "insert vxnls Locale VXETZ track",
-                      "release_entry vxnls Locale VXETZ track",
-                      "release_lock vxnls Locale VXZ lock"};
-  const Calls taking_apart = {"destroy_lock vxnls Locale VXZ lock",
-                              "destroy_track vxnls Locale VXETZ track",
-                              "close_zone",
-                              "free 24",
-                              "destroy_lock vxnls Locale VXMSG lock",
-                              "destroy_track vxnls Locale VXMSG track",
-                              "destroy_extension vxemsg"};
-  const auto joined = [](std::initializer_list<Calls> all) {
-    Calls result;
-    for (const Calls& calls : all) result.insert(result.end(), calls.begin(), calls.end());
-    return result;
-  };
-  const auto create = [this] { host.create(U"en_US", nullptr, U"UTC"); };
+  const Calls beginning = lines_of(R"(find_logger * App.NLS
+create_logger * App.NLS
+create_journal kernel 0 vxnlsLocaleJnl
+os_zone * * [50] 8
+acquire creation 1 1
+ lookup_locale * en_US 8 *)");
+  const Calls parts = lines_of(R"( allocate pool 1016 80000000
+ allocate pool 49248 0
+ load_extension stored vxemsg 0
+ fill vxnlsldb block 49248 en_US
+ create_lock kernel journal vxnls Locale VXMSG lock
+ create_lock kernel journal vxnls Locale VXZ lock
+ create_track kernel @0=1 @16=1 @27=20 journal vxnls Locale VXMSG track
+ set_destroy vxnls Locale VXMSG track 0 1
+ create_track kernel @0=1 @16=1 @27=20 journal vxnls Locale VXETZ track
+ set_destroy vxnls Locale VXETZ track 0 *
+ normalise_zone * America/New_York @0=10 * [50] *
+ find vxnls Locale VXETZ track 2000000 0 America/New_York
+ acquire vxnls Locale VXZ lock 1 1
+  find vxnls Locale VXETZ track 2000000 0 America/New_York
+  open_zone zones America/New_York 0
+  allocate pool 24 80000000
+  insert vxnls Locale VXETZ track 4000000 0 block 24 0 America/New_York *
+  release_entry vxnls Locale VXETZ track entry
+  release_lock vxnls Locale VXZ lock)");
+  Calls first_parts = parts;
+  first_parts.insert(first_parts.begin() + 3, " load_extension kernel vxnlsldb 0");
+  const Calls cache = lines_of(R"( release_lock creation
+create_track kernel @0=1 @16=1 @27=20 journal VXNLS Locale track
+set_destroy VXNLS Locale track 0 *)");
+  const Calls taking_apart = lines_of(R"(destroy_lock vxnls Locale VXZ lock
+destroy_track vxnls Locale VXETZ track
+close_zone zones America/New_York
+free pool block 24
+destroy_lock vxnls Locale VXMSG lock
+destroy_track vxnls Locale VXMSG track
+destroy_extension vxemsg)");
+  const Calls freeing = {"free pool block 49248", "free pool block 1016"};
+  EXPECT_EQ(host.trace([&] { host.make_cache(); }), joined(beginning, first_parts, cache, taking_apart, freeing));
 
+  const auto create = [&] { host.create(U"en_US", nullptr, U"america/new_york"); };
+  const Calls look_up = lines_of(R"(normalise_zone * america/new_york @0=10 * [50] *
+acquire creation 1 1
+ lookup_locale * en_US 8 *
+ find VXNLS Locale track 2000000 0 en_US America/New_York)");
+  const Calls insert = {" insert VXNLS Locale track 4000000 0 block 1016 0 en_US America/New_York *"};
+  const Calls found = {" release_entry VXNLS Locale track entry", " release_lock creation"};
   // Refused by the cache, which is the last step: everything goes, the record first and the lock last.
-  const Calls insert = {"insert VXNLS Locale track"};
-  const Calls refused =
-      joined({look_up, parts, zone, insert, {"free 49248"}, taking_apart, {"free 1016", "release_lock creation"}});
-  host.fail_call(static_cast<int64_t>(joined({look_up, parts, zone, insert}).size()), false, VX_E_MEMORY);
-  EXPECT_EQ(host.trace(create), refused);
+  Calls going = joined(Calls{freeing[0]}, taking_apart, Calls{freeing[1], "release_lock creation"});
+  for (std::string& call : going) call = ' ' + call;
+  host.fail_call(static_cast<int64_t>(joined(look_up, parts, insert).size()), false, VX_E_MEMORY);
+  EXPECT_EQ(host.trace(create), joined(look_up, parts, insert, going));
   host.fail_nothing();
-
-  EXPECT_EQ(host.trace(create),
-            joined({look_up, parts, zone, insert, {"release_entry VXNLS Locale track", "release_lock creation"}}));
-  EXPECT_EQ(host.trace(create), joined({look_up, {"release_entry VXNLS Locale track", "release_lock creation"}}));
-  EXPECT_EQ(host.trace([this] { host.destroy_cache(); }),
-            joined({{"destroy_track VXNLS Locale track"}, taking_apart, {"free 49248", "free 1016"}}));
-
-  FailingHost fresh;
-  fresh.load_module();
-  VXLocale* locale = nullptr;
-  const Calls first = fresh.trace([&] { locale = fresh.create(U"en_US", nullptr); });
-  fresh.destroy_private(locale);
-  ASSERT_GT(first.size(), 5u);
-  EXPECT_EQ(Calls(first.begin(), first.begin() + 5),
-            (Calls{"find_logger", "create_logger", "create_journal vxnlsLocaleJnl", "os_zone", "acquire creation"}));
+  EXPECT_EQ(host.trace(create), joined(look_up, parts, insert, found));
+  EXPECT_EQ(host.trace(create), joined(look_up, found));
+  const Calls destroy_cache = {"destroy_track VXNLS Locale track"};
+  EXPECT_EQ(host.trace([&] { host.destroy_cache(); }), joined(destroy_cache, taking_apart, freeing));
 }
 
 TEST_F(LocaleTest, IsSharedByNameAndZone) {
+  EXPECT_NE(make(U"en_US"), make(U"en_US")) << "without a cache nothing is shared";
   ASSERT_TRUE(host.make_cache());
-  VXStatus status = untouched;
   VXLocale* const first = host.create(U"en_US", &status);
   ASSERT_NE(first, nullptr);
-  EXPECT_EQ(status, 0u);
-  status = untouched;
+  EXPECT_EQ(std::exchange(status, untouched), 0u);
   EXPECT_EQ(host.create(U"en_US", &status), first);
   EXPECT_EQ(status, 0u);
   EXPECT_EQ(host.create(U"en_US", nullptr, U"america/new_york"), first) << "the system's zone by another spelling";
   EXPECT_NE(host.create(U"en_US", nullptr, U"UTC"), first);
   EXPECT_NE(host.create(U"en_GB", nullptr), first);
-  VXLocale* const own = make(U"en_US");
-  EXPECT_NE(own, first);
-  EXPECT_NE(make(U"en_US"), own);
-  EXPECT_EQ(host.create(U"en_US", nullptr), first);
-  EXPECT_EQ(host.holdings().entries, 3 + 3 + 2) << "three shared locales, a zone in each, and two private ones";
-
+  EXPECT_NE(make(U"en_US"), first);
+  EXPECT_EQ(host.holdings()["block 49248"], 6) << "three shared locales, three private ones";
   // A shared locale keeps its place under the zone it was created with, whatever its current zone is.
-  const VXChar utc[] = {'U', 'T', 'C'};
-  EXPECT_EQ(NLSSetTimezoneId(first, utc, 3), 0u);
+  locale = first;
+  EXPECT_EQ(set(U"UTC"), 0u);
   EXPECT_EQ(host.create(U"en_US", nullptr), first);
-}
-
-TEST_F(LocaleTest, WithoutACacheNothingIsShared) {
-  VXStatus status = untouched;
-  VXLocale* const first = host.create(U"en_US", &status);
-  VXLocale* const second = host.create(U"en_US", &status);
-  alone = {first, second};
-  ASSERT_NE(first, nullptr);
-  ASSERT_NE(second, nullptr);
-  EXPECT_NE(first, second);
-  EXPECT_EQ(status, 0u);
-  EXPECT_EQ(host.context()->localeCache, nullptr);
 }
 
 TEST_F(LocaleTest, HasItsPartsInPlace) {
-  VXLocale* const locale = make(U"en_GB", nullptr, U"UTC");
-  ASSERT_NE(locale, nullptr);
+  ASSERT_NE(locale = make(U"en_GB", U"UTC"), nullptr);
   EXPECT_EQ(std::memcmp(locale, "nevo", 4), 0);
   EXPECT_STREQ(locale->typeName, "VXLocale handle");
-  EXPECT_EQ(locale->host, host.context());
-  EXPECT_EQ(locale->destroy, &NLSLocaleDestroy);
+  EXPECT_EQ(locale->host, &host.context);
   EXPECT_EQ(locale->destroy(locale), 0u);  // and the locale is still there
-  for (const void* part : {static_cast<void*>(locale->messageExt), static_cast<void*>(locale->msgLock),
-                           static_cast<void*>(locale->msgTrack), static_cast<void*>(locale->zoneLock),
-                           static_cast<void*>(locale->zoneTrack), static_cast<void*>(locale->timeZone)}) {
-    EXPECT_NE(part, nullptr);
-  }
   EXPECT_EQ(text_of(locale->localeData->localeName.text, locale->localeData->localeName.length), U"en_GB");
 
-  VXChar name[62];
-  int64_t length = 0;
-  EXPECT_EQ(NLSLocaleToLocName(locale, name, &length), 0u);
-  EXPECT_EQ(text_of(name, length), U"en_GB");
-  name[0] = '!';
-  length = 99;
+  VXChar name[62] = {'!'};
+  int64_t length = 99;
+  const uint64_t* counted = nullptr;
+  void* block = locale;
   EXPECT_EQ(NLSLocaleToLocName(locale, name, nullptr), VX_E_NULL);
   EXPECT_EQ(NLSLocaleToLocName(locale, nullptr, &length), VX_E_NULL);
-  EXPECT_EQ(name[0], VXChar{'!'});
-  EXPECT_EQ(length, 99);
-
-  const uint64_t* counted = nullptr;
+  EXPECT_EQ(NLSGetLocaleName(locale, 0, nullptr), VX_E_NULL);
+  EXPECT_EQ(NLSGetLocaleData(locale, 0, nullptr), VX_E_NULL);
+  for (const uint32_t kind : {10u, 0x80000000u, 0xFFFFFFFFu}) {
+    EXPECT_EQ(NLSGetLocaleData(locale, kind, &block), VX_E_KIND);
+  }
+  EXPECT_TRUE(name[0] == '!' && length == 99 && block == locale) << "a refusal leaves what there was";
+  EXPECT_EQ(NLSLocaleToLocName(locale, name, &length), 0u);
+  EXPECT_EQ(text_of(name, length), U"en_GB");
   EXPECT_EQ(NLSGetLocaleName(locale, 0xFFFF, &counted), 0u);
   EXPECT_EQ(*counted, 5u);
   EXPECT_EQ(text_of(reinterpret_cast<const VXChar*>(counted + 1), 5), U"en_GB");
-  EXPECT_EQ(NLSGetLocaleName(locale, 0, nullptr), VX_E_NULL);
-}
-
-TEST_F(LocaleTest, GivesOutTheBlocksOfItsRecord) {
-  VXLocale* const locale = make(U"en_US");
   constexpr ptrdiff_t offsets[] = {0, 17352, 248, 15840, 15328, 440, 17096, 17600, 17608, 18624};
   for (uint32_t kind = 0; kind < std::size(offsets); ++kind) {
-    void* block = nullptr;
     EXPECT_EQ(NLSGetLocaleData(locale, kind, &block), 0u);
     EXPECT_EQ(static_cast<uint8_t*>(block) - reinterpret_cast<uint8_t*>(locale->localeData), offsets[kind]) << kind;
   }
-  void* block = locale;
-  for (const uint32_t kind : {10u, 0x80000000u, 0xFFFFFFFFu}) {
-    EXPECT_EQ(NLSGetLocaleData(locale, kind, &block), VX_E_KIND);
-    EXPECT_EQ(block, locale);
-  }
-  EXPECT_EQ(NLSGetLocaleData(locale, 0, nullptr), VX_E_NULL);
 }
 
 TEST_F(LocaleTest, TakesTheZoneOfTheOptionsOrTheSystems) {
-  EXPECT_EQ(zone_of(make(U"en_US", nullptr, U"asia/kolkata")), U"Asia/Kolkata");
-  host.answers().system_zone = U"UTC";
-  EXPECT_EQ(zone_of(make(U"en_US")), U"Etc/UTC");
-  const VXChar name[] = {'e', 'n', '_', 'U', 'S'};
-  const VXChar zone[] = {'A'};
+  ASSERT_TRUE(host.make_cache());
+  const auto is_zone = [&](const VXLocale* given, std::u32string_view zone) {
+    VXChar name[50];
+    int64_t length = 50;
+    int32_t offset = 0;
+    host.context.zones->ops->describe(host.context.zones, given->timeZone, 0, 0, name, &length, &offset);
+    return text_of(name, length) == zone;
+  };
+  EXPECT_TRUE(is_zone(make(U"en_US", U"asia/kolkata"), U"Asia/Kolkata"));
+  host.system_zone = U"UTC";
+  EXPECT_TRUE(is_zone(make(U"en_US"), U"Etc/UTC"));
+  const VXChar name[] = {'e', 'n', '_', 'U', 'S'}, zone[] = {'A'};
   for (const LocaleCreateOptions& options :
-       {LocaleCreateOptions{1, {}, nullptr, 5}, LocaleCreateOptions{1, {}, zone, 0},
-        LocaleCreateOptions{1, {}, zone, -1}}) {
-    VXLocale* const locale = NLSLocaleCreate(host.context(), name, 5, nullptr, &options);
-    ASSERT_NE(locale, nullptr);
-    alone.push_back(locale);
-    EXPECT_EQ(zone_of(locale), U"Etc/UTC");
+       {LocaleCreateOptions{0, {}, nullptr, 5}, LocaleCreateOptions{0, {}, zone, 0},
+        LocaleCreateOptions{0, {}, zone, -1}}) {
+    locale = NLSLocaleCreate(&host.context, name, 5, nullptr, &options);
+    EXPECT_TRUE(locale != nullptr && is_zone(locale, U"Etc/UTC"));
   }
-  VXLocale* const without_options = NLSLocaleCreate(host.context(), name, 5, nullptr, nullptr);
-  ASSERT_NE(without_options, nullptr);
-  alone.push_back(without_options);
+  EXPECT_EQ(NLSLocaleCreate(&host.context, name, 5, nullptr, nullptr), locale) << "shared, without options";
 
+  // An invalid zone of the system is New York, and a line in the journal tells of it.
+  for (const VXStatus refusal : {VX_E_ROOM, VX_E_ZONE}) {
+    host.system_zone_status = refusal;
+    const Calls calls = host.trace([&] { EXPECT_TRUE(is_zone(make(U"en_US"), U"America/New_York")); });
+    EXPECT_EQ(calls[1],
+              "message_to_journal journal 3 Invalid OS TIMEZONE value is detected. "
+              "Use default TIMEZONE value instead 0 *");
+  }
+  // Any other refusal leaves the blanks in the buffer, which are no zone.
+  host.system_zone_status = VX_E_MEMORY;
+  EXPECT_EQ(make(U"en_US"), nullptr);
+  EXPECT_EQ(status, VX_E_ZONE);
   // One unit is an identifier already. A refused zone ends the creation before the lock is taken; the lock is released
   // nevertheless.
-  VXStatus status = untouched;
   for (const auto& id : {U"A", U"Atlantis/Poseidonis"}) {
-    const int64_t before = host.stray_releases();
-    EXPECT_EQ(make(U"en_US", &status, id), nullptr);
+    EXPECT_EQ(make(U"en_US", id), nullptr);
     EXPECT_EQ(status, VX_E_ZONE);
-    EXPECT_EQ(host.stray_releases(), before + 1);
+    ++stray_releases;
   }
-}
-
-TEST_F(LocaleTest, ReplacesAnInvalidSystemZone) {
-  for (const VXStatus refusal : {VX_E_ROOM, VX_E_ZONE}) {
-    host.answers().system_zone_status = refusal;
-    EXPECT_EQ(zone_of(make(U"en_US")), U"America/New_York");
-    const auto lines = host.journal_lines();
-    ASSERT_FALSE(lines.empty());
-    EXPECT_EQ(lines.back().level, 3u);
-    EXPECT_EQ(lines.back().message, U"Invalid OS TIMEZONE value is detected. Use default TIMEZONE value instead");
-  }
-  EXPECT_EQ(host.journal_lines().size(), 2u);
-  ASSERT_TRUE(host.make_cache());
-  EXPECT_EQ(host.create(U"en_US", nullptr), host.create(U"en_US", nullptr, U"America/New_York"));
-  // Any other refusal leaves the blanks in the buffer, which are no zone.
-  VXStatus status = untouched;
-  host.answers().system_zone_status = VX_E_MEMORY;
-  EXPECT_EQ(make(U"en_US", &status), nullptr);
-  EXPECT_EQ(status, VX_E_ZONE);
-  EXPECT_EQ(host.journal_lines().size(), 4u) << "the cache and the shared locale wrote one each";
 }
 
 TEST_F(LocaleTest, MakesItsJournalOnceAndOnlyForALogger) {
-  make(U"en_US");
-  make(U"en_GB");
-  EXPECT_EQ(host.calls(Op::find_logger), 1);
-  EXPECT_EQ(host.calls(Op::create_logger), 1);
-  EXPECT_EQ(host.calls(Op::create_journal), 1);
-  EXPECT_NE(host.context()->localeJournal, nullptr);
-
-  FailingHost known;
-  known.answers().logger_exists = true;
-  ASSERT_TRUE(known.load_module());
-  known.destroy_private(known.create(U"en_US", nullptr));
-  EXPECT_EQ(known.calls(Op::create_logger), 0);
-  EXPECT_EQ(known.calls(Op::create_journal), 1);
-
-  FailingHost without;
-  without.kernel()->loggers = nullptr;
-  without.answers().system_zone_status = VX_E_ZONE;
-  ASSERT_TRUE(without.load_module());
-  without.destroy_private(without.create(U"en_US", nullptr));
-  EXPECT_EQ(without.calls(Op::create_journal), 0);
-  EXPECT_TRUE(without.journal_lines().empty());
-  without.close();
-  ASSERT_EQ(vxextent(host.stored()), 0u);
+  VXLoggerService* const loggers = std::exchange(host.kernel.loggers, nullptr);
+  const auto calls_before_zone = [&] {
+    const Calls calls = host.trace([&] { make(U"en_US"); });
+    return std::find(calls.begin(), calls.end(), "os_zone * * [50] 8") - calls.begin();
+  };
+  EXPECT_EQ(calls_before_zone(), 0) << "no service of loggers";
+  host.kernel.loggers = loggers;
+  host.has_logger = true;
+  EXPECT_EQ(calls_before_zone(), 2) << "find_logger, create_journal";
+  EXPECT_EQ(calls_before_zone(), 0) << "both are there";
 }
 
-TEST_F(LocaleTest, AcceptsASubstituteAndARemark) {
-  VXStatus status = untouched;
-  host.answers().lookup_status = VX_W_SUBSTITUTE;
-  host.answers().fill_status = VX_W_FILL;
-  host.answers().canonical_name = U"en_US";
-  VXLocale* const locale = make(U"xx_YY", &status);
-  ASSERT_NE(locale, nullptr);
-  EXPECT_EQ(status, 0u);
-  EXPECT_EQ(text_of(locale->name, static_cast<int64_t>(locale->nameLength)), U"en_US");
-}
-
-TEST_F(LocaleTest, HoldsNamesToTheirRoom) {
-  std::u32string long_name(1000, U'n');
-  host.answers().canonical_name = long_name;
+TEST_F(LocaleTest, HoldsWhatTheHostClaimsToItsRoom) {
+  const std::u32string long_name(1000, U'n');
+  VXLocaleRecord record = {reinterpret_cast<const VXChar*>(long_name.data()), 0};
+  host.record = &record;
+  host.lookup_status = VX_W_SUBSTITUTE;  // which, like a remark of the filler, is no refusal
+  host.fill_status = VX_W_FILL;
   const struct {
     int64_t claimed, in_locale, in_record;
   } cases[] = {{1000, 62, 60}, {63, 62, 60}, {62, 62, 60},        {61, 61, 60}, {60, 60, 60},
                {1, 1, 1},      {0, 0, 0},    {INT64_MAX, 62, 60}, {-1, 0, 0},   {INT64_MIN, 0, 0}};
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.claimed);
-    host.answers().claimed_name_length = c.claimed;
-    VXLocale* const locale = make(U"en_US");
-    ASSERT_NE(locale, nullptr);
+    SCOPED_TRACE(record.length = c.claimed);
+    ASSERT_NE(locale = make(U"xx_YY"), nullptr);
+    EXPECT_EQ(status, 0u);
     EXPECT_EQ(static_cast<int64_t>(locale->nameLength), c.in_locale);
     EXPECT_EQ(locale->localeData->localeName.length, c.in_record);
+    EXPECT_EQ(text_of(locale->name, c.in_locale), long_name.substr(0, static_cast<size_t>(c.in_locale)));
     EXPECT_EQ(locale->ops.NLSDateFormat, &NLSDateFormat) << "what lies behind the name";
   }
-}
-
-TEST_F(LocaleTest, HoldsTheSystemsZoneToItsRoom) {
-  // Blanks fill the room behind the identifier, so that a length beyond it reads as the same zone.
-  for (const int64_t claimed : {int64_t{50}, int64_t{51}, int64_t{5000}, INT64_MAX}) {
-    host.answers().claimed_zone_length = claimed;
-    EXPECT_NE(make(U"en_US"), nullptr) << claimed;
+  // Blanks fill the room behind a zone's identifier, so that a length beyond it reads as the same zone.
+  for (const int64_t claimed : {int64_t{50}, int64_t{51}, INT64_MAX, int64_t{-1}, INT64_MIN}) {
+    host.claimed_zone_length = claimed;
+    EXPECT_EQ(make(U"en_US") != nullptr, claimed > 0) << claimed;
+    EXPECT_EQ(get(U"Asia/Kolkata") != nullptr, claimed > 0) << claimed;
   }
 }
 
-TEST_F(LocaleTest, RefusesArgumentsThatCannotBeRight) {
-  VXStatus status = untouched;
+TEST_F(LocaleTest, RefusesArgumentsAndHostsThatCannotBeRight) {
   const VXChar name[] = {'e', 'n', '_', 'U', 'S'};
-  EXPECT_EQ(NLSLocaleCreate(nullptr, name, 5, &status, nullptr), nullptr);
-  EXPECT_EQ(status, VX_E_NULL);
-  EXPECT_EQ(NLSLocaleCreate(host.context(), nullptr, 5, &status, nullptr), nullptr);
-  EXPECT_EQ(status, VX_E_NULL);
-  EXPECT_EQ(NLSLocaleCreate(host.context(), name, -1, &status, nullptr), nullptr);
-  EXPECT_EQ(status, VX_E_LENGTH);
+  const auto refusal = [&](HostContext* context, const VXChar* given, int64_t length) {
+    status = untouched;
+    EXPECT_EQ(NLSLocaleCreate(context, given, length, &status, nullptr), nullptr);
+    return status;
+  };
+  HostContext& context = host.context;
+  EXPECT_EQ(refusal(nullptr, name, 5), VX_E_NULL);
+  EXPECT_EQ(refusal(&context, nullptr, 5), VX_E_NULL);
+  EXPECT_EQ(refusal(&context, name, -1), VX_E_LENGTH);
   // What an empty name means is the host's to say.
-  EXPECT_EQ(NLSLocaleCreate(host.context(), nullptr, 0, &status, nullptr), nullptr);
-  EXPECT_EQ(status, VX_E_NOMATCH);
-  EXPECT_EQ(make(U"", &status), nullptr);
-  EXPECT_EQ(status, VX_E_NOMATCH);
-  host.answers().null_record_name = true;
-  EXPECT_EQ(make(U"en_US", &status), nullptr);
-  EXPECT_EQ(status, VX_E_NULL);
-  host.answers().null_record = true;
-  EXPECT_EQ(make(U"en_US", &status), nullptr);
-  EXPECT_EQ(status, VX_E_NULL);
+  EXPECT_EQ(refusal(&context, nullptr, 0), VX_E_NOMATCH);
+  EXPECT_EQ(refusal(&context, name, 0), VX_E_NOMATCH);
+  const VXLocaleRecord no_name = {nullptr, 5};
+  for (const VXLocaleRecord* const record : {&no_name, static_cast<const VXLocaleRecord*>(nullptr)}) {
+    host.record = record;
+    EXPECT_EQ(refusal(&context, name, 5), VX_E_NULL);
+  }
+  for (int lacking = 0; lacking < 3; ++lacking) {
+    HostContext incomplete = context;
+    if (lacking == 0) incomplete.kernel = nullptr;
+    if (lacking == 1) incomplete.pool = nullptr;
+    if (lacking == 2) incomplete.creationLock = nullptr;
+    EXPECT_EQ(refusal(&incomplete, name, 5), VX_E_NULL) << lacking;
+  }
+  host.record.reset();
+  vxextent(nullptr);
+  EXPECT_EQ(refusal(&context, name, 5), 0u) << "no message service: the lookup's status, kept on purpose";
+  vxextent(&host.stored);
+  // The entry that a track's insert must give is null, with a status of success.
+  ASSERT_TRUE(host.make_cache());
+  const Holdings before = host.holdings();
+  const VXTrackOps* const whole = context.localeCache->ops;
+  VXTrackOps forgetful = *whole;
+  forgetful.insert = [](VXTrack*, uint32_t, uint64_t, void*, uint64_t, auto*, int64_t, VXStatus* inserted) {
+    *inserted = 0;
+    return static_cast<VXTrackEntry*>(nullptr);
+  };
+  context.localeCache->ops = &forgetful;
+  EXPECT_EQ(refusal(&context, name, 5), 0u);
+  context.localeCache->ops = whole;
+  EXPECT_EQ(host.holdings(), before);
 }
 
-TEST_F(LocaleTest, WithoutAStoredHandleThereIsNoMessageService) {
-  VXStatus status = untouched;
-  vxextent(nullptr);
-  EXPECT_EQ(make(U"en_US", &status), nullptr);
-  EXPECT_EQ(status, 0u) << "the status of the lookup, not an error: kept on purpose";
-  vxextent(host.stored());
+// Zones
+
+TEST_F(LocaleTest, HasOneHandleForEveryNameOfAZone) {
+  use_zones();
+  VXZone* const utc = locale->timeZone;
+  for (const auto& id : {U"Etc/UTC", U"UTC", U"etc/utc  "}) {
+    const Calls calls = host.trace([&] { EXPECT_EQ(get(id), utc); });
+    EXPECT_EQ(calls.size(), 3u) << "normalise_zone, find, release_entry: a hit takes no lock";
+  }
+  VXZone* const kolkata = get(U"Asia/Kolkata");
+  EXPECT_TRUE(kolkata != nullptr && kolkata != utc);
+  EXPECT_EQ(get(U"asia/kolkata"), kolkata);
+  EXPECT_EQ(host.holdings()["Asia/Kolkata"], 1);
+}
+
+TEST_F(LocaleTest, KeepsItsZoneUnlessThereIsAnother) {
+  use_zones();
+  VXZone* const utc = locale->timeZone;
+  const VXChar blank = ' ';
+  EXPECT_EQ(NLSSetTimezoneId(locale, nullptr, 5), 0u);
+  EXPECT_EQ(NLSSetTimezoneId(locale, &blank, 0), 0u);
+  EXPECT_EQ(NLSSetTimezoneId(locale, &blank, -1), VX_E_ZONE);
+  EXPECT_EQ(NLSSetTimezoneId(locale, &blank, INT64_MIN), VX_E_ZONE);
+  EXPECT_EQ(set(U"Atlantis/Poseidonis"), VX_E_ZONE);
+  EXPECT_EQ(locale->timeZone, utc);
+  const auto calls = [&](const VXChar* id, int64_t length) {
+    return host.trace([&] { EXPECT_EQ(NLSGetTZh(locale, id, length), nullptr); }).size();
+  };
+  EXPECT_EQ(calls(nullptr, 3), 0u);
+  EXPECT_EQ(calls(&blank, -1), 0u);
+  EXPECT_EQ(calls(&blank, 0), 1u) << "what an empty identifier means is the host's to say";
+  EXPECT_EQ(set(U"Asia/Kolkata"), 0u);
+  EXPECT_EQ(locale->timeZone, get(U"Asia/Kolkata"));
+  EXPECT_EQ(set(U"UTC"), 0u);
+  EXPECT_EQ(locale->timeZone, utc) << "the zone before stays in the cache";
+  VXZoneService* const zones = std::exchange(host.context.zones, nullptr);
+  EXPECT_EQ(get(U"America/New_York"), nullptr);
+  EXPECT_EQ(get(U"Etc/UTC"), utc) << "what is known stays, also without a service";
+  host.context.zones = zones;
+  EXPECT_NE(get(U"America/New_York"), nullptr);
 }
 
 // Threads
@@ -344,31 +358,24 @@ void at_once(int count, const auto& work) {
   for (std::thread& thread : threads) thread.join();
 }
 
-TEST_F(LocaleTest, ThreadsShareOneLocaleAndItsZones) {
+TEST_F(LocaleTest, IsSharedByThreadsAndSoAreItsZones) {
   ASSERT_TRUE(host.make_cache());
   constexpr int count = 16;
-  constexpr std::u32string_view ids[] = {U"Asia/Kolkata", U"UTC", U"America/New_York"};
-  const int64_t filled = host.calls(Op::fill);
   VXLocale* locales[count];
-  VXZone* zones[count][3];
   at_once(count, [&](int i) {
     locales[i] = host.create(U"en_US", nullptr);
-    for (size_t z = 0; z < 3; ++z) {
-      const std::vector<VXChar> id(ids[z].begin(), ids[z].end());
-      zones[i][z] = NLSGetTZh(locales[i], id.data(), static_cast<int64_t>(id.size()));
-      NLSSetTimezoneId(locales[i], id.data(), static_cast<int64_t>(id.size()));
+    for (const std::u32string_view id : {U"Asia/Kolkata", U"UTC", U"America/New_York"}) {
+      const auto* const units = reinterpret_cast<const VXChar*>(id.data());
+      NLSGetTZh(locales[i], units, static_cast<int64_t>(id.size()));
+      NLSSetTimezoneId(locales[i], units, static_cast<int64_t>(id.size()));
     }
   });
-  EXPECT_EQ(host.calls(Op::fill), filled + 1);
-  for (int i = 0; i < count; ++i) {
-    EXPECT_NE(locales[i], nullptr);
-    EXPECT_EQ(locales[i], locales[0]);
-    for (size_t z = 0; z < 3; ++z) EXPECT_EQ(zones[i][z], zones[0][z]);
-  }
-  EXPECT_EQ(host.holdings().zones, 3);
+  EXPECT_EQ(std::set<VXLocale*>(locales, locales + count).size(), 1u);
+  Holdings held = host.holdings();
+  for (const char* once : {"block 49248", "Asia/Kolkata", "Etc/UTC", "America/New_York"}) EXPECT_EQ(held[once], 1);
 }
 
-TEST_F(LocaleTest, ThreadsCreateDifferentLocalesFromTheStart) {
+TEST_F(LocaleTest, IsMadeByManyThreadsFromTheStart) {
   constexpr int count = 16;
   VXLocale* locales[count];
   at_once(count, [&](int i) {
@@ -377,7 +384,8 @@ TEST_F(LocaleTest, ThreadsCreateDifferentLocalesFromTheStart) {
   });
   alone.assign(locales, locales + count);
   EXPECT_EQ(std::set<VXLocale*>(alone.begin(), alone.end()).size(), size_t{count});
-  EXPECT_EQ(host.holdings().extensions, count) << "a message service each, one locale database";
+  Holdings held = host.holdings();
+  EXPECT_TRUE(held["vxemsg"] == count && held["vxnlsldb"] == 0) << "a message service each, one locale database";
 }
 
 }  // namespace
