@@ -1,0 +1,226 @@
+// Values of the language written and read: held against the C interface, std::chrono and each other.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "tests/cpp/open_host.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::chrono;
+using vxnls::form;
+using vxnls::money;
+using vxnls::number_style;
+using vxnls::percent;
+
+/// A value comes back from what was written of it, in both flavours, and the whole text belongs to it.
+template <class T, class... Style>
+void expect_back(const vxnls::locale& locale, const T& value, form as, Style... style) {
+  const auto narrow = locale.format(value, style...).value();
+  const auto wide = locale.format<std::u32string>(value, style...).value();
+  EXPECT_EQ(vxnls::to_utf8(wide).value(), narrow);
+  EXPECT_EQ(locale.format<vxnls::buffer<vxnls::text_room>>(value, style...)->view(), narrow);
+  const auto read = locale.parse<T>(narrow, as);
+  EXPECT_EQ(*read, value) << narrow << ": " << read.why().message();
+  EXPECT_EQ(read.consumed(), narrow.size());
+  EXPECT_EQ(locale.parse<T>(std::u32string_view(wide), as).value(), value) << narrow;
+}
+
+TEST(Values, DatesAndTimesComeBackInEveryForm) {
+  for (const char* name : {"en_US", "de_DE", "ja_JP", "ar_EG", "hi_IN", "vi_VN"}) {
+    SCOPED_TRACE(name);
+    const auto locale = vxtest::locale(name, "America/New_York");
+    for (const form as : {form::main, form::medium_date, form::long_date}) {
+      for (sys_days day = 1999y / 12 / 1; day < sys_days{2000y / 3 / 5}; day += days{1}) {
+        expect_back(locale, year_month_day{day}, as, as);
+        expect_back(locale, day, as, as);
+        EXPECT_EQ(locale.format(local_days{day.time_since_epoch()}).value(), locale.format(day).value());
+      }
+      for (const auto day : {1600y / 2 / 29, 9999y / 12 / 31}) expect_back(locale, day, as, as);
+    }
+    for (seconds time{0}; time < 24h; time += 1009s) {
+      expect_back(locale, time, form::main);
+      expect_back(locale, floor<minutes>(time), form::short_time, form::short_time);
+      const auto shown = locale.format(hh_mm_ss{time}).value();
+      EXPECT_EQ(shown, locale.format(time).value());
+      EXPECT_EQ(locale.parse<hh_mm_ss<seconds>>(shown).value().to_duration(), time);
+    }
+    for (local_seconds at = local_days{2026y / 3 / 7}; at < local_days{2026y / 3 / 10}; at += 997s) {
+      expect_back(locale, at, form::main);
+      expect_back(locale, locale.to_sys(at), form::main);
+    }
+  }
+}
+
+TEST(Values, InstantsHaveFractionsAndFollowTheZone) {
+  const auto fine = vxtest::host().locale("en_US", "UTC", {.datetime = "%Y %m %d %H:%M:%S.%s"}).value();
+  const auto late = sys_days{2026y / 11 / 21} + 23h + 59min + 59s;
+  EXPECT_EQ(fine.parse<sys_time<milliseconds>>("2026 11 21 23:59:59.999").value(), late + 999ms);
+  EXPECT_EQ(fine.parse<sys_seconds>("2026 11 21 23:59:59.999").value(), late);
+  // The last nanosecond of a day is not rounded into the next one, and before 1960 time does not run backwards.
+  EXPECT_EQ(vxtest::locale("de_DE").format(late + 999999999ns).value(), "21.11.2026 23:59:59");
+  EXPECT_EQ(vxtest::locale("de_DE").format(sys_days{1959y / 12 / 31} - 1ns).value(), "30.12.1959 23:59:59");
+  for (const char* zone : {"Europe/Berlin", "Asia/Kathmandu", "Australia/Lord_Howe"}) {
+    const auto locale = vxtest::locale("de_DE", zone);
+    for (sys_seconds at = sys_days{1950y / 1 / 1}; at < sys_days{2090y / 1 / 1}; at += 1234567s) {
+      const local_seconds local{at.time_since_epoch() + vxtest::host().zone_at(zone, at).value().offset};
+      EXPECT_EQ(locale.to_local(at), local);
+      EXPECT_EQ(locale.format(at).value(), locale.format(local).value());
+    }
+  }
+  const auto berlin = vxtest::locale("de_DE", "Europe/Berlin");
+  const auto read = [&](const char* text) { return berlin.parse<sys_seconds>(text).value(); };
+  EXPECT_EQ(read("25.10.2026 02:30:00"), sys_days{2026y / 10 / 25} + 30min);      // twice: the first
+  EXPECT_EQ(read("29.03.2026 02:30:00"), sys_days{2026y / 3 / 29} + 1h + 30min);  // skipped: the offset before
+}
+
+// The library knows no leap day in years divisible by 4000; std::chrono does.
+TEST(Values, TheTwoCalendarsMeet) {
+  const auto locale = vxtest::locale("en_US");
+  NLSCalendarWork work{0, 0, 0, 0, {31, 0, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31}, 1950};
+  for (sys_days day = 1582y / 1 / 1; day <= sys_days{20000y / 12 / 31}; day += days{1}) {
+    const year_month_day date = day;
+    const double number = NLSmdy(&work, static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                                 static_cast<int>(date.year()));
+    const auto at = day.time_since_epoch() + 5h;
+    const auto counted = vxnls::detail::seconds_1960(at);
+    if (static_cast<int>(date.year()) % 4000 == 0 && date.month() == February && date.day() == std::chrono::day{29}) {
+      EXPECT_FALSE(vxnls::detail::exists(date));
+      for (const auto time : {0s, 24h - 1s}) EXPECT_EQ(locale.format(day + time).status(), VX_E_RANGE);
+      EXPECT_EQ(locale.format(date).status(), VX_E_RANGE);
+      continue;
+    }
+    ASSERT_TRUE(counted.has_value());
+    ASSERT_EQ(*counted, number * 86400 + 5 * 3600);
+    ASSERT_EQ(vxnls::detail::since_1970(*counted), at);
+  }
+  EXPECT_EQ(locale.parse<year_month_day>("02/29/4000").status(), VX_E_RANGE);
+}
+
+TEST(Values, RefusesWhatIsNoMoment) {
+  const auto locale = vxtest::locale("en_US");
+  const auto status = [&](auto value) { return locale.format(value).status(); };
+  for (const year_month_day day : {1581y / 12 / 31, 50y / 1 / 1, 2023y / 2 / 29, 20001y / 1 / 1, 2023y / 13 / 1}) {
+    EXPECT_EQ(status(day), VX_E_RANGE);
+  }
+  for (const seconds time : {-1s, 86400s, seconds::max(), seconds::min()}) {
+    EXPECT_EQ(status(time), VX_E_RANGE);
+    EXPECT_EQ(status(sys_seconds{time}), time == -1s || time == 86400s ? 0 : VX_E_RANGE);
+  }
+  for (const sys_days day : {sys_days::min(), sys_days::max()}) EXPECT_EQ(status(day), VX_E_RANGE);
+  EXPECT_EQ(status(hours::max()), VX_E_RANGE);
+  EXPECT_EQ(status(duration<double>(NAN)), VX_E_RANGE);
+  EXPECT_EQ(status(sys_days{1582y / 1 / 1} - 1s), VX_E_RANGE);
+  const vxnls::locale empty;
+  EXPECT_FALSE(empty);
+  for (const VXStatus none : {empty.format(1).status(), empty.parse<int>("1").status(), empty.set_zone("UTC")}) {
+    EXPECT_EQ(none, VX_E_NULL);
+  }
+  // All of a text, or what stands before more of it.
+  static const std::tuple<const char*, form, bool, size_t> cases[] = {
+      {"  12/25/2020  ", form::main, true, 12},
+      {"12/25/2020x", form::any, false, 10},
+      {"Q3 2021 ", form::quarter, true, 7},
+      {"Q3 2021x", form::quarter, false, 0},
+  };
+  for (const auto& [text, as, whole, consumed] : cases) {
+    EXPECT_EQ(locale.parse<year_month_day>(text, as).ok(), whole) << text;
+    EXPECT_EQ(locale.parse<year_month_day>(text, {.as = as, .prefix = true}).consumed(), consumed) << text;
+  }
+}
+
+template <class T>
+void expect_written(T value, const number_style& style, const std::string& text, VXStatus status = 0) {
+  const auto locale = vxtest::locale("de_DE");
+  const auto written = locale.format(value, style);
+  EXPECT_EQ(*written, text);
+  EXPECT_EQ(written.status(), status) << text;
+  EXPECT_EQ(*locale.format<std::u32string>(value, style), vxnls::to_utf32(text).value());
+}
+
+TEST(Values, NumbersAreWrittenAsAsked) {
+  expect_written(1234.5, {.decimals = 1, .width = -10}, "1234,5    ");
+  expect_written(1234.5, {.decimals = 0, .plus = true}, "+1235");
+  expect_written(123456., {.decimals = 2, .flags = NLS_FORMAT_EXPONENT}, "1,23E+05");
+  expect_written(1.5f, {}, "1,5");
+  expect_written(INT64_MIN, {.group = true}, "-9.223.372.036.854.775.808");
+  expect_written(UINT64_MAX, {.plus = true}, "18446744073709551615");
+  expect_written(42, {.width = 512}, std::string(510, ' ') + "42");
+  expect_written(percent{-0.125}, {.decimals = 1, .parentheses = true}, "(12,5%)");
+  expect_written(percent{HUGE_VAL}, {}, "Inf%");
+  expect_written(percent{HUGE_VAL}, {.width = 2}, "", VX_E_TRUNCATED);
+  expect_written(money{1234.5}, {.decimals = 0}, "€1.235");
+  expect_written(money{1234.5}, {.width = 12}, "   €1.234,50");
+  for (const int width : {-513, 513, INT32_MIN, INT32_MAX}) {
+    expect_written(1, {.width = width}, "", VX_E_WIDTH);
+    expect_written(money{1}, {.width = width}, "", VX_E_WIDTH);
+  }
+  expect_written(1.0, {.decimals = 351}, "", VX_E_WIDTH);
+}
+
+template <class T>
+void expect_read(std::string_view text, T value, VXStatus status = 0, const vxnls::reading& how = {}) {
+  const auto read = vxtest::locale("en_US").parse<T>(text, how);
+  EXPECT_EQ(*read, value) << text;
+  EXPECT_EQ(read.status(), status) << text;
+  EXPECT_EQ(read.consumed(), status != 0 ? read.consumed() : how.prefix ? text.find('2') + 1 : text.size()) << text;
+}
+
+TEST(Values, NumbersAreReadAsTheTypeAskedFor) {
+  expect_read<int8_t>("-128", -128);
+  expect_read<uint16_t>("65536", 0, VX_E_OVERFLOW);
+  expect_read<unsigned>("-1", 0, VX_E_NOTNUMBER);
+  expect_read<uint64_t>("18,446,744,073,709,551,615", UINT64_MAX);
+  expect_read<int>("12.0", 12, 0, {.fraction = true});
+  expect_read<int>({"12\0", 3}, 0, VX_E_NOTNUMBER);
+  expect_read<int>("12 kg", 0, VX_E_NOTNUMBER);
+  for (const char* text : {"12 kg", " 1,2kg", "+12"}) expect_read(text, 12, 0, {.prefix = true});
+  for (const char* text : {"kg", "- kg", ",1"}) expect_read(text, 0, VX_E_NOTNUMBER, {.prefix = true});
+  const auto french = vxtest::locale("fr_FR");
+  EXPECT_TRUE(std::isnan(*french.parse<double>("x")));
+  EXPECT_EQ(french.parse<double>("1e999").status(), VX_E_OVERFLOW);
+  EXPECT_EQ(french.parse<double>("1 234,5").status(), VX_E_NOTNUMBER);
+  // What is written is read: any double by its 17 digits, any integer, any missing value.
+  std::mt19937_64 random(3);
+  for (int i = 0; i < 3000; ++i) {
+    const auto number = std::bit_cast<double>(random());
+    if (!std::isfinite(number)) continue;
+    const auto text = french.format<vxnls::buffer<64>>(number, {.decimals = 16, .flags = NLS_FORMAT_EXPONENT});
+    EXPECT_EQ(french.parse<double>(text->view()).value(), number);
+    const auto whole = static_cast<int64_t>(random() >> (random() % 64));
+    EXPECT_EQ(french.parse<int64_t>(french.format<std::u32string>(-whole, {.group = true}).value()).value(), -whole);
+  }
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    const auto bits = std::bit_cast<uint64_t>(vxnls::missing(letter));
+    EXPECT_EQ(french.format(vxnls::missing(letter)).value(), std::string(1, letter));
+    EXPECT_EQ(std::bit_cast<uint64_t>(french.parse<double>(std::string(".") + letter).value()), bits);
+  }
+}
+
+// The rooms of the header hold the longest texts that can be asked for.
+TEST(Values, RoomsHoldTheLongestTexts) {
+  const auto locale = vxtest::host().locale("en_US", "UTC", {.date = std::string(60, 'x')}).value();
+  VXLocaleData& data = *locale.get()->localeData;
+  data.groupSeparator = data.decimalPoint = 0x1F600;
+  data.groupingPattern.text[0] = '1';
+  for (int i = 0; i < 60; ++i) data.currencySymbol.text[i] = 0x1F600;
+  for (int i = 0; i < 60; ++i) data.datePattern.text[i] = i % 2 == 0 ? '%' : 'A';
+  data.currencySymbol.length = data.datePattern.length = 60;
+  data.dayNames[0] = data.currencySymbol;
+  const double largest = -std::numeric_limits<double>::max();
+  const auto number = locale.format(largest, {.decimals = 350, .group = true});
+  EXPECT_EQ(number.status(), 0u);
+  EXPECT_EQ(number->size(), 1u + 309 + 308 * 4 + 4 + 350);
+  EXPECT_LE(number->size(), vxnls::double_room);
+  for (const int width : {0, 512}) {
+    const number_style style{.decimals = 350, .width = width};
+    EXPECT_EQ(vxnls::to_utf32(locale.format(money{largest}, style).value()).value(),
+              locale.format<std::u32string>(money{largest}, style).value());
+  }
+  EXPECT_EQ(locale.format(INT64_MIN, {.group = true}).status(), 0u);
+  EXPECT_LE(locale.format(2026y / 11 / 22)->size(), vxnls::text_room);
+}
+
+}  // namespace
