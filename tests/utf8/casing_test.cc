@@ -1,244 +1,172 @@
+// Upper and lower case against a model that takes one character at a time, and whole blocks against single steps.
 #include <gtest/gtest.h>
-#include <unicode/utf8.h>
 
-#include <algorithm>
-#include <cstdlib>
 #include <functional>
 #include <map>
-#include <string>
-#include <vector>
+#include <random>
 
 #include "tests/support/character_host.h"
-#include "tests/support/guard_page.h"
+#include "tests/utf8/rules.h"
 #include "unicode/case_mapping.h"
+#include "utf8/runs.h"
 #include "vxnls/utf8.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-using Mapping = std::function<uint32_t(uint32_t)>;
+using namespace vxtest;
+using namespace vxnls;
 
 struct Direction {
   void (*in_place)(uint8_t*, int64_t);
   VXStatus (*into)(const uint8_t*, int64_t, uint8_t*, int64_t, int64_t*);
-  uint8_t first, last;  // the letters of ASCII that change, by 0x20
-  Mapping by_tables;
+  char first;  // of the letters of ASCII that change, by 0x20
+  VXChar (*by_tables)(VXChar);
+  int64_t (*Utf8Runs::*run)(const uint8_t*, int64_t, uint8_t*);
 };
-const Direction lower = {vxzsu8Lower, vxzsu8Lower2, 'A', 'Z', vxnls::lower_by_tables};
-const Direction upper = {vxzsu8Upper, vxzsu8Upper2, 'a', 'z', vxnls::upper_by_tables};
+constexpr Direction lower = {vxzsu8Lower, vxzsu8Lower2, 'A', lower_by_tables, &Utf8Runs::lower};
+constexpr Direction upper = {vxzsu8Upper, vxzsu8Upper2, 'a', upper_by_tables, &Utf8Runs::upper};
+constexpr const Direction* directions[] = {&lower, &upper};
 
-Bytes utf8_of(uint32_t c) {
-  Bytes bytes(4);
-  size_t n = 0;
-  U8_APPEND_UNSAFE(bytes.data(), n, c);
-  bytes.resize(n);
-  return bytes;
-}
-
-size_t announced(uint8_t lead) {
-  return lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : lead < 0xFC ? 5 : 6;
-}
-
-/// One character as the casing functions see it: the bytes that it takes of the text, and those that it becomes.
-struct Step {
-  size_t taken;
-  bool changes;
-  uint8_t bytes[8];
-  size_t size;
-};
-
+/// What one character becomes; nothing when it stays.
 template <class Mapping>
-Step step_at(const uint8_t* at, size_t left, const Direction& direction, const Mapping& mapping) {
-  Step step;
-  const uint8_t lead = at[0];
-  step.taken = step.size = std::min(announced(lead), left);
-  std::copy_n(at, step.size, step.bytes);
-  step.changes = lead >= direction.first && lead <= direction.last;
-  if (step.changes) step.bytes[0] ^= 0x20;
-  if (lead < 0xC0) return step;
+std::string changed(std::string_view character, const Direction& direction, const Mapping& mapping) {
+  const char lead = character[0];
+  if (lead >= direction.first && lead < direction.first + 26) return {static_cast<char>(lead ^ 0x20)};
+  if (static_cast<uint8_t>(lead) < 0xC0) return {};
   uint32_t c = 0xFFFD;
-  if (lead >= 0xC2 && lead <= 0xF4 && step.taken == announced(lead)) {
-    c = lead & (0x7Fu >> step.taken);
-    for (size_t i = 1; i < step.taken; ++i) c = c << 6 | (at[i] & 0x3Fu);
+  if (begins(lead) && is_whole(character)) {
+    c = static_cast<uint8_t>(lead) & (0x7Fu >> character.size());
+    for (const char byte : character.substr(1)) c = c << 6 | (static_cast<uint8_t>(byte) & 0x3Fu);
   }
-  const uint32_t mapped = mapping(c);
-  step.changes = mapped != c;
-  if (step.changes) {
-    step.size = 0;
-    U8_APPEND_UNSAFE(step.bytes, step.size, mapped);
-  }
-  return step;
+  return mapping(c) == c ? std::string() : utf8_of(mapping(c));
 }
 
-/// In place, one character at a time: what it becomes is written before the next one is read.
+/// What a character becomes is written before the next one is read; what has grown and does not fit any more is left
+/// out.
 template <class Mapping>
-void change_in_place(uint8_t* text, size_t length, const Direction& direction, const Mapping& mapping) {
+std::string changed_in_place(std::string text, const Direction& direction, const Mapping& mapping) {
   size_t write = 0;
-  for (size_t read = 0; read < length;) {
-    const Step step = step_at(text + read, length - read, direction, mapping);
-    const bool whole_or_nothing = step.changes;
-    if (!whole_or_nothing || write + step.size <= length) {
-      for (size_t i = 0; i < step.size && write < length; ++i) text[write++] = step.bytes[i];
-    }
-    read += step.taken;
+  for (size_t read = 0; read < text.size();) {
+    const std::string character(next(std::string_view(text).substr(read), Step::trusting));
+    const std::string other = changed(character, direction, mapping);
+    read += character.size();
+    const std::string piece = other.empty() ? character.substr(0, text.size() - write) : other;
+    if (write + piece.size() > text.size()) continue;
+    text.replace(write, piece.size(), piece);
+    write += piece.size();
   }
-  std::fill(text + write, text + length, uint8_t{' '});
+  return text.replace(write, text.npos, text.size() - write, ' ');
 }
 
-/// What fits into a room: whole characters up to the first that does not.
-struct Fitting {
-  uint8_t bytes[512];
-  int64_t size = 0, needed = 0;
-};
+/// In place, measured, and in `room`, `room + stride` and so on up to one more than is needed.
 template <class Mapping>
-Fitting fitting(const uint8_t* text, size_t length, int64_t room, const Direction& direction, const Mapping& mapping) {
-  Fitting result;
-  for (size_t at = 0; at < length;) {
-    const Step step = step_at(text + at, length - at, direction, mapping);
-    const auto size = static_cast<int64_t>(step.size);
-    if (result.size == result.needed && result.size + size <= room) {
-      std::copy_n(step.bytes, step.size, result.bytes + result.size);
-      result.size += size;
-    }
-    result.needed += size;
-    at += step.taken;
+bool is_as_modelled(const uint8_t* in, int64_t n, const Direction& direction, const Mapping& mapping, size_t room,
+                    size_t stride, size_t away = 0) {
+  static GuardedBuffer<uint8_t> memory(512);
+  static Pieces model;
+  model.clear();
+  const std::string text(in, in + n);
+  for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(next(rest, Step::trusting).size())) {
+    const std::string other = changed(next(rest, Step::trusting), direction, mapping);
+    model.put(other.empty() ? next(rest, Step::trusting) : other);
   }
-  return result;
+  const auto call = [&](uint8_t* out, int64_t most, int64_t* written) {
+    return direction.into(in, n, out, most, written);
+  };
+  uint8_t* const place = memory.copy(in, text.size(), Guard::behind, away);
+  direction.in_place(place, n);
+  int64_t measured = -1;
+  bool holds = std::string(place, place + n) == changed_in_place(text, direction, mapping) &&
+               call(nullptr, 99, &measured) == 0 && measured == length_of(model.text);
+  for (; room <= model.text.size() + 1; room += stride) holds = holds && model.are_written(call, room, away);
+  return holds;
 }
 
-void expect_as_modelled(const Bytes& text, const Direction& direction, const Mapping& mapping) {
-  static vxtest::GuardedBuffer<uint8_t> input(256), output(256);
-  const auto length = static_cast<int64_t>(text.size());
-  SCOPED_TRACE(testing::PrintToString(text));
-
-  uint8_t* const changed = output.copy(text.data(), text.size());
-  direction.in_place(changed, length);
-  Bytes expected = text;
-  change_in_place(expected.data(), expected.size(), direction, mapping);
-  EXPECT_EQ(Bytes(changed, changed + length), expected);
-
-  const uint8_t* const in = input.copy(text.data(), text.size());
-  const int64_t needed = fitting(in, text.size(), 0, direction, mapping).needed;
-  int64_t written = -1;
-  EXPECT_EQ(direction.into(in, length, nullptr, 99, &written), 0u);
-  EXPECT_EQ(written, needed) << "measuring";
-  for (int64_t room = 0; room <= needed + 1; ++room) {
-    uint8_t* const out = output.at(static_cast<size_t>(room));
-    const Fitting fits = fitting(in, text.size(), room, direction, mapping);
-    const VXStatus status = fits.size == needed || room == 0 ? 0 : VX_E_ROOM;
-    written = -1;
-    EXPECT_EQ(direction.into(in, length, out, room, &written), status) << room;
-    EXPECT_EQ(written, room == 0 ? needed : fits.size) << room;
-    EXPECT_TRUE(std::equal(fits.bytes, fits.bytes + fits.size, out)) << room;
-    EXPECT_EQ(direction.into(in, length, out, room, nullptr), status);
-  }
+TEST(Casing, EveryStringByTheTables) {
+  expect_of_every_string(0xC0, [](const uint8_t* text, int64_t n) {
+    const auto away = text[n - 1] % 16 == 0 ? size_t{0} : size_t{64}, room = static_cast<size_t>(n);
+    return is_as_modelled(text, n, lower, lower_by_tables, room, 9, away) &&
+           is_as_modelled(text, n, upper, upper_by_tables, room, 9, away);
+  });
 }
 
-/// All strings of n bytes that begin with `lowest` or more, by the tables: in place, and in the room they need. One in
-/// 16 touches a page that may not be touched itself, which slows the C library down.
-void check_all(size_t n, uint64_t lowest) {
-  vxtest::GuardedBuffer<uint8_t> input(128), output(128);
-  Bytes expected(n);
-  const auto length = static_cast<int64_t>(n);
-  for (uint64_t number = lowest << 8 * (n - 1); number < uint64_t{1} << 8 * n; ++number) {
-    const size_t away = number % 16 == 0 ? 0 : 64;
-    uint8_t* const text = input.at(n, vxtest::Guard::behind, away);
-    const auto spell = [&](uint8_t* to) {
-      for (size_t i = 0; i < n; ++i) to[i] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));
-    };
-    const auto check = [&](const Direction& direction, auto mapping) {
-      spell(text);
-      spell(expected.data());
-      const Fitting fits = fitting(text, n, 32, direction, mapping);
-      uint8_t* const out = output.at(static_cast<size_t>(fits.size), vxtest::Guard::behind, away);
-      int64_t written = -1;
-      if (direction.into(text, length, out, fits.size, &written) != 0 || written != fits.size) return false;
-      for (int64_t i = 0; i < written; ++i) {
-        if (out[i] != fits.bytes[i]) return false;
-      }
-      change_in_place(expected.data(), n, direction, mapping);
-      direction.in_place(text, length);
-      for (size_t i = 0; i < n; ++i) {
-        if (text[i] != expected[i]) return false;
-      }
-      return true;
-    };
-    ASSERT_TRUE(check(lower, vxnls::lower_by_tables)) << n << " bytes " << std::hex << number;
-    ASSERT_TRUE(check(upper, vxnls::upper_by_tables)) << n << " bytes " << std::hex << number;
-  }
-}
-
-TEST(Casing, EveryStringOfOneToThreeBytes) {
-  check_all(1, 0);
-  check_all(2, 0);
-  check_all(3, 0);
-}
-
-// What begins below C0 is a character and a string of three bytes.
-TEST(Casing, EveryStringOfFourBytesInTheLongRun) {
-  if (std::getenv("VXNLS_LONG_TESTS") == nullptr) GTEST_SKIP() << "set VXNLS_LONG_TESTS to run it";
-  check_all(4, 0xC0);
-}
-
-TEST(Casing, EveryCodePointByTheTablesWithoutAHost) {
-  for (const Direction* direction : {&lower, &upper}) {
-    for (uint32_t c = 0; c < 0x110000; ++c) {
-      const Bytes text = utf8_of(c), expected = utf8_of(direction->by_tables(c));
-      const auto length = static_cast<int64_t>(text.size());
-      uint8_t out[8];
-      int64_t written, measured;
-      ASSERT_EQ(direction->into(text.data(), length, out, 8, &written), 0u);
-      ASSERT_EQ(Bytes(out, out + written), expected) << c;
-      ASSERT_EQ(direction->into(text.data(), length, nullptr, 0, &measured), 0u);
-      ASSERT_EQ(measured, written) << c;
-      Bytes changed = text, padded = expected;
-      padded.resize(text.size(), ' ');
-      direction->in_place(changed.data(), length);
-      ASSERT_EQ(changed, padded) << c;  // by these tables nothing grows
+// What grows, shrinks, and stays; and a host that changes what stands for bytes that are no character.
+TEST(Casing, JoinedSequencesByAHost) {
+  const std::map<uint32_t, uint32_t> strange = {{0x23A, 0x2C65},    {0x212A, 'k'},  {0xE9, 0xC9},
+                                                {0x10400, 0x10428}, {0x10428, 'x'}, {0x3B1, 0x1F600}};
+  const std::function<uint32_t(uint32_t)> mappings[] = {
+      [&](uint32_t c) { return strange.contains(c) ? strange.at(c) : c; },
+      [](uint32_t c) { return c == 0xFFFD ? uint32_t{'?'} : c; }};
+  for (const auto& mapping : mappings) {
+    CharacterHost host;
+    host.lower = host.upper = mapping;
+    for (const Direction* direction : directions) {
+      expect_of_joined_sequences([&](const uint8_t* text, int64_t n) {
+        host.asked.clear();
+        // One-byte characters are no matter of the host, which is told that texts are being changed.
+        const bool has_lead = std::any_of(text, text + n, [](uint8_t byte) { return byte >= 0xC0; });
+        return is_as_modelled(text, n, *direction, mapping, 1, 1) && (has_lead || host.asked.empty()) &&
+               std::all_of(host.asked.begin(), host.asked.end(), [](const auto& asked) { return asked.argument == 1; });
+      });
     }
   }
 }
 
-// Grows, shrinks, and stays; and a host that changes what stands for bytes that are no character.
-const std::map<uint32_t, uint32_t> strange = {{0x23A, 0x2C65},    {0x212A, 'k'},  {0xE9, 0xC9},
-                                              {0x10400, 0x10428}, {0x10428, 'x'}, {0x3B1, 0x1F600}};
-uint32_t strangely(uint32_t c) {
-  const auto found = strange.find(c);
-  return found == strange.end() ? c : found->second;
+std::vector<const Utf8Runs*> variants() {
+  std::vector<const Utf8Runs*> all = {&generic_utf8_runs};
+#if VXNLS_HAS_AVX2_VARIANTS
+  if (processor_has_avx2()) all.push_back(&avx2_utf8_runs);
+#endif
+  return all;
 }
 
-TEST(Casing, GrowthAndShrinkageByAHost) {
-  vxtest::CharacterHost host;
-  host.lower = host.upper = strangely;
-  const Bytes kinds[] = {
-      {'a'},
-      {'Q'},
-      {0xC8, 0xBA},
-      {0xE2, 0x84, 0xAA},
-      {0xC3, 0xA9},
-      {0xF0, 0x90, 0x90, 0x80},
-      {0xF0, 0x90, 0x90, 0xA8},
-      {0xCE, 0xB1},
-      {0x80},
-      {0xC3},
-      {0xE2, 0x84},
-      {0xC1, 'b'},
-      {0xF8, 'c', 'd', 'e', 'f'},
-  };
-  const auto join = [](std::initializer_list<Bytes> parts) {
-    Bytes all;
-    for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
-    return all;
-  };
-  for (const Direction* direction : {&lower, &upper}) {
-    expect_as_modelled({}, *direction, strangely);
-    for (const Bytes& a : kinds) {
-      expect_as_modelled(a, *direction, strangely);
-      for (const Bytes& b : kinds) {
-        for (const Bytes& c : kinds) {
-          for (const Bytes& d : {Bytes{}, Bytes{'z', 'Y'}, Bytes{0xC8, 0xBA}, Bytes{0xE2, 0x84, 0xAA, ' '}}) {
-            expect_as_modelled(join({a, b, c, d}), *direction, strangely);
-            if (HasFailure()) return;
+/// Text of nothing but leads and what they announce, up to `longest` bytes each; or of anything below C0.
+std::string text_of(std::mt19937& random, size_t longest, size_t length) {
+  static constexpr uint8_t leads[] = {0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0xFF};
+  const size_t density = 1 + random() % 40;
+  std::string text;
+  while (text.size() < length) {
+    const size_t more = random() % density != 0 ? 0 : random() % std::max<size_t>(longest, 1);
+    const unsigned first = more == 0 ? 0 : leads[more - 1],
+                   behind = more == 0 ? (longest == 0 ? 0xC0 : 0x80) : leads[more];
+    text += static_cast<char>(first + random() % (behind - first));
+    for (size_t i = 0; i < more; ++i) text += static_cast<char>(0x80 + random() % 0x40);
+  }
+  return text;
+}
+
+// Before or behind a page that may not be touched, or away from it to be aligned otherwise; with a fault at every
+// place, often in the long run.
+TEST(Runs, EveryVariantGivesWhatStepsGive) {
+  static constexpr uint8_t faults[] = {0x00, 'A', 'z', 0x80, 0xBF, 0xC0, 0xC3, 0xE2, 0xF1, 0xF7, 0xF8, 0xFF};
+  std::mt19937 random(41);
+  GuardedBuffer<uint8_t> input(400), output(400);
+  for (size_t length = 0; length <= 300; ++length) {
+    for (size_t turn = 0, rounds = is_long_run() ? 64 : 1; turn < rounds * (length + 1); ++turn) {
+      std::string text = text_of(random, random() % 7, length).substr(0, length);
+      if (turn / rounds < length) text[turn / rounds] = static_cast<char>(faults[random() % std::size(faults)]);
+      const Guard guard = random() % 2 != 0 ? Guard::behind : Guard::before;
+      const size_t away = random() % 3 == 0 ? random() % 64 : 0, away_out = random() % 3 == 0 ? random() % 64 : 0;
+      uint8_t* const in = input.copy(bytes(text), length, guard, away);
+      const auto n = static_cast<int64_t>(length);
+      SCOPED_TRACE(testing::Message() << "length " << length << " turn " << turn);
+      ASSERT_EQ(vxzsu8NumChars(in, n), count_characters(text, Step::checking));
+      for (const Direction* direction : directions) {
+        const size_t room = 1 + random() % (length + 1);
+        ASSERT_TRUE(is_as_modelled(in, n, *direction, direction->by_tables, room, length + 2, away_out));
+        for (const Utf8Runs* const variant : variants()) {
+          ASSERT_EQ(count_by_runs({in, n}, *variant), count_characters(text, Step::checking));
+          for (const bool in_place : {true, false}) {
+            uint8_t* const from = input.copy(bytes(text), length, guard, away);
+            uint8_t* const out = in_place ? from : output.copy(from, length, guard, away_out);
+            const auto done = static_cast<size_t>((variant->*direction->run)(from, n, out));
+            std::string expected = text;  // changed up to the first lead, or less
+            for (size_t i = 0; i < done; ++i) {
+              ASSERT_LT(bytes(text)[i], 0xC0);
+              const std::string other = changed(text.substr(i, 1), *direction, direction->by_tables);
+              if (!other.empty()) expected[i] = other[0];
+            }
+            ASSERT_EQ(std::string(out, out + n), expected);
           }
         }
       }
@@ -246,58 +174,12 @@ TEST(Casing, GrowthAndShrinkageByAHost) {
   }
 }
 
-TEST(Casing, AHostMayMapWhatIsNoCharacter) {
-  vxtest::CharacterHost host;
-  const auto mapping = [](uint32_t c) { return c == 0xFFFD ? uint32_t{'?'} : c; };
-  host.lower = mapping;
-  for (const Bytes& text : {Bytes{0xC0, 'a', 'B'}, Bytes{'a', 0xE2, 0x84}, Bytes{0xFF, 1, 2, 3, 4, 5, 6}}) {
-    expect_as_modelled(text, lower, mapping);
+TEST(Runs, CountsThatDoNotFitIntoAByte) {
+  std::mt19937 random(42);
+  for (size_t longest = 0; longest <= 6; ++longest) {
+    const std::string text = text_of(random, longest, 100'000);
+    EXPECT_EQ(vxzsu8NumChars(bytes(text), length_of(text)), count_characters(text, Step::checking)) << longest;
   }
-}
-
-// In and around the blocks that a run of one-byte characters is looked at in.
-TEST(Casing, RunsOfEveryLengthAndAlignment) {
-  for (size_t before = 0; before < 20; ++before) {
-    for (size_t behind = 0; behind < 20; ++behind) {
-      Bytes text(before, 'B');
-      text.insert(text.end(), {0xC3, 0x89});
-      for (size_t i = 0; i < behind; ++i) text.push_back(static_cast<uint8_t>("aZ[`{@\x80\xBF"[i % 8]));
-      for (const Direction* direction : {&lower, &upper}) expect_as_modelled(text, *direction, direction->by_tables);
-    }
-  }
-}
-
-TEST(Casing, AsciiNeverCallsTheHost) {
-  vxtest::CharacterHost host;
-  Bytes text;
-  for (uint8_t byte = 0; byte < 0x80; ++byte) text.push_back(byte);
-  for (const Direction* direction : {&lower, &upper}) {
-    expect_as_modelled(text, *direction, [](uint32_t c) { return c; });
-  }
-  EXPECT_TRUE(host.asked.empty());
-  Bytes with_one = {'a', 0xC3, 0xA9};
-  vxzsu8Lower(with_one.data(), 3);
-  vxzsu8Upper(with_one.data(), 3);
-  const std::vector<vxtest::CharacterHost::Question> expected = {{'l', 0xE9, 1}, {'u', 0xE9, 1}};
-  EXPECT_EQ(host.asked, expected);
-}
-
-TEST(Casing, NullAndNegativeLengths) {
-  uint8_t text[] = {'a', 'B'};
-  for (const Direction* direction : {&lower, &upper}) {
-    direction->in_place(nullptr, 2);
-    direction->in_place(text, -1);
-    direction->in_place(text, INT64_MIN);
-    int64_t written = -1;
-    EXPECT_EQ(direction->into(nullptr, 2, text, 2, &written), 0u);
-    EXPECT_EQ(written, 0);
-    EXPECT_EQ(direction->into(text, -1, text, 2, &written), 0u);
-    EXPECT_EQ(written, 0);
-    EXPECT_EQ(direction->into(text, 2, text, INT64_MIN, &written), 0u);
-    EXPECT_EQ(written, 2) << "no room: it measures";
-  }
-  EXPECT_EQ(text[0], 'a');
-  EXPECT_EQ(text[1], 'B');
 }
 
 }  // namespace

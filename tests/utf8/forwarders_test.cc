@@ -1,183 +1,97 @@
 // Each UTF-8 service name gives the bytes, lengths, values and status of the entry point behind it.
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <cstring>
-#include <limits>
-#include <string>
+#include <array>
 #include <type_traits>
-#include <vector>
 
 #include "tests/support/plain_locale.h"
+#include "tests/unicode/texts.h"
 #include "vxnls/vxnls.h"
 
 namespace {
 
-vxtest::PlainLocale& english() {
-  static vxtest::PlainLocale locale;
-  return locale;
-}
+struct Case {
+  std::string_view text;
+  double number;
+  int64_t integer, room;
+  uint32_t option;
+};
 
-/// Everything that a call leaves behind. Cells that it does not write keep what they held.
+/// Everything that a call leaves behind. What it does not write keeps what it held.
 struct Trace {
-  VXStatus status = 0xEEEEEEEE;
-  int64_t length = -77;
-  std::vector<uint8_t> buffer = std::vector<uint8_t>(64, 0xEE);
-  uint64_t values[3] = {0xEEEEEEEE, 0xEEEEEEEE, 0xEEEEEEEE};
+  VXStatus status = 0;
+  std::array<uint8_t, 128> memory;
   bool operator==(const Trace&) const = default;
+  uint8_t* buffer() { return memory.data(); }
+  template <class T>
+  T* cell(size_t number) {
+    return reinterpret_cast<T*>(memory.data() + 64 + 8 * number);
+  }
 };
 
-/// Runs the same calls through two functions, which must have one type.
-class Pair {
- public:
-  explicit Pair(const char* name) : name_(name) {}
-  ~Pair() {
-    EXPECT_GT(succeeded_, 0) << name_ << ": no call was a success";
-    EXPECT_GT(failed_, 0) << name_ << ": no call was a failure";
-  }
-  Pair(const Pair&) = delete;
-  Pair& operator=(const Pair&) = delete;
-
-  template <class Function, class Call>
-  void expect_same(Function* forwarder, std::type_identity_t<Function>* entry_point, Call call) {
-    Trace through, direct;
-    through.status = call(forwarder, through);
-    direct.status = call(entry_point, direct);
-    EXPECT_EQ(through, direct) << name_ << " status " << std::hex << through.status << " and " << direct.status;
-    ++(direct.status == 0 ? succeeded_ : failed_);
-  }
-
- private:
-  const char* name_;
-  int succeeded_ = 0, failed_ = 0;
-};
-
-constexpr int64_t capacities[] = {0, 3, 64};
-
-TEST(Forwarders, DatesAndTimesWritten) {
-  const double missing = qmMissVal('.');
-  Pair date("date");
-  for (const uint32_t day : {7u, 32u}) {
-    for (const int32_t style : {0, 1, 2}) {
-      for (const int64_t capacity : capacities) {
-        date.expect_same(&vxzsu8DateFormat, &NLSDateFormatU, [&](auto f, Trace& t) {
-          return f(english().get(), 3, day, 2024, style, t.buffer.data(), capacity, &t.length);
-        });
+/// Runs all cases through two functions, which must have one type.
+template <class Function, class Call>
+void expect_same(const char* name, Function* forwarder, std::type_identity_t<Function>* entry_point, Call call) {
+  static vxtest::PlainLocale english;
+  static const struct {
+    std::string_view text;
+    double number;
+    int64_t integer;
+  } values[] = {{"", 0, 0},
+                {"12", 45296, INT64_MIN},
+                {"-1,234.5e1 ", -1, INT64_MAX},
+                {"99999999999999999999", 1e300, INT32_MIN},
+                {"03/07/2024", -1234567.891, INT32_MAX},
+                {"3 Mar 2024", qmMissVal('.'), -1},
+                {"2:05 PM", 86399.5, 1234567},
+                {"03/07/2024 14:05:09", 0.5, UINT32_MAX},
+                {".A", qmMissVal('B'), -1234567}};
+  int succeeded = 0, failed = 0;
+  for (const auto& value : values) {
+    for (const int64_t room : {0, 3, 64}) {
+      for (const uint32_t option : {0u, 1u, 2u, 4u, 8u, 0x40u, 0x80u, 0x4000u, 0x20000u}) {
+        const Case c = {value.text, value.number, value.integer, room, option};
+        Trace through, direct;
+        through.memory.fill(0xEE);
+        direct.memory.fill(0xEE);
+        through.status = call(forwarder, english.get(), c, through);
+        direct.status = call(entry_point, english.get(), c, direct);
+        EXPECT_EQ(through, direct) << name << ' ' << c.text << ' ' << room << ' ' << option;
+        ++(direct.status == 0 ? succeeded : failed);
       }
     }
   }
-  for (const int32_t flag : {0, 1}) {
-    Pair time("time"), datetime("datetime");
-    for (const double value : {45296.0, -1.0, missing}) {
-      for (const int64_t capacity : capacities) {
-        time.expect_same(&vxzsu8TimeFormat, &NLSTimeFormatU, [&](auto f, Trace& t) {
-          return f(english().get(), flag, t.buffer.data(), capacity, &t.length, value);
-        });
-        datetime.expect_same(&vxzsu8DatetimeFormat, &NLSDatetimeFormatU, [&](auto f, Trace& t) {
-          return f(english().get(), 9, t.buffer.data(), capacity, &t.length, value);
-        });
-      }
-    }
-  }
+  EXPECT_GT(succeeded, 0) << name;
+  EXPECT_GT(failed, 0) << name;
 }
 
-const std::string_view texts[] = {"",         "12",      "-1,234.5e1 ",         "99999999999999999999",
-                                  "x",        " 7 ",     "03/07/2024",          "3 Mar 2024",
-                                  "14:05:09", "2:05 PM", "03/07/2024 14:05:09", ".A"};
+#define VX_EXPECT_SAME(name, entry_point, ...)                                                          \
+  expect_same(#name, &name, &entry_point,                                                               \
+              [](auto f, VXLocale* locale, [[maybe_unused]] const Case& c, [[maybe_unused]] Trace& t) { \
+                return f(locale, __VA_ARGS__);                                                          \
+              })
+#define VX_TEXT vxtest::bytes(c.text), static_cast<int32_t>(c.text.size())
+#define VX_WRITTEN t.buffer(), c.room, t.cell<int64_t>(0)
 
-const uint8_t* bytes(std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); }
-
-TEST(Forwarders, DatesAndTimesRead) {
-  Pair date("to date"), time("to time"), datetime("to datetime");
-  for (const std::string_view text : texts) {
-    const auto length = static_cast<int64_t>(text.size());
-    for (const uint32_t kind : {0u, 1u, 2u, 4u, 8u, 0x40u}) {
-      date.expect_same(&vxzsu8ToDate, &NLSBufToDateU, [&](auto f, Trace& t) {
-        uint32_t parts[] = {71, 72, 73};
-        const VXStatus status = f(english().get(), bytes(text), length, kind, parts, parts + 1, parts + 2, &t.length);
-        for (size_t i = 0; i < 3; ++i) t.values[i] = parts[i];
-        return status;
-      });
-      const auto seconds = [&](auto f, Trace& t) {
-        double value = -0.5;
-        const VXStatus status = f(english().get(), bytes(text), length, kind, &value, &t.length);
-        t.values[0] = std::bit_cast<uint64_t>(value);
-        return status;
-      };
-      time.expect_same(&vxzsu8ToTime, &NLSBufToTimeU, seconds);
-      datetime.expect_same(&vxzsu8ToDatetime, &NLSBufToDatetimeU, seconds);
-    }
-  }
-}
-
-TEST(Forwarders, Doubles) {
-  Pair written("double"), read("to double"), read_with("to double with options");
-  const NLSDoubleExOpts star = {1, {}, '*'};
-  for (const double value : {0.0, -1234567.891, 1e300, qmMissVal('B')}) {
-    for (const int64_t size : capacities) {
-      for (const NLSDoubleExOpts* const options : {static_cast<const NLSDoubleExOpts*>(nullptr), &star}) {
-        written.expect_same(&vxzsu8DoubleFormat, &NLSDoubleFormatUWithExOpts, [&](auto f, Trace& t) {
-          return f(english().get(), 12, 2, 0x20000, t.buffer.data(), size, &t.length, options, value);
-        });
-      }
-    }
-  }
-  for (const std::string_view text : texts) {
-    const auto length = static_cast<int32_t>(text.size());
-    const auto keep = [](Trace& t, double value, VXStatus status) {
-      t.values[0] = std::bit_cast<uint64_t>(value);
-      return status;
-    };
-    read.expect_same(&vxzsu8ToDouble, &NLSBufToDoubleU, [&](auto f, Trace& t) {
-      double value = -0.5;
-      const VXStatus status = f(english().get(), bytes(text), length, &value, &t.length);
-      return keep(t, value, status);
-    });
-    for (const uint32_t flags : {0u, 0x4000u}) {
-      read_with.expect_same(&vxzsu8ToDoubleWithOpts, &NLSBufToDoubleUWithOpts, [&](auto f, Trace& t) {
-        double value = -0.5;
-        const VXStatus status = f(english().get(), bytes(text), length, flags, &value, &t.length);
-        return keep(t, value, status);
-      });
-    }
-  }
-}
-
-template <class Integer, class Function>
-void expect_same_written(const char* name, Function* forwarder, std::type_identity_t<Function>* entry_point) {
-  Pair pair(name);
-  using Limits = std::numeric_limits<Integer>;
-  for (const Integer value : {Limits::min(), Integer{0}, Integer{1234567}, Limits::max()}) {
-    for (const int64_t size : capacities) {
-      for (const uint32_t flags : {0u, 0x20000u, 0x80u}) {
-        pair.expect_same(forwarder, entry_point, [&](auto f, Trace& t) {
-          return f(english().get(), value, 5, 1, flags, t.buffer.data(), size, &t.length);
-        });
-      }
-    }
-  }
-}
-
-template <class Integer, class Function>
-void expect_same_read(const char* name, Function* forwarder, std::type_identity_t<Function>* entry_point) {
-  Pair pair(name);
-  for (const std::string_view text : texts) {
-    for (const uint32_t flags : {0u, 1u}) {
-      pair.expect_same(forwarder, entry_point, [&](auto f, Trace& t) {
-        Integer value = 99;
-        const VXStatus status =
-            f(english().get(), bytes(text), static_cast<int64_t>(text.size()), flags, &value, &t.values[1]);
-        t.values[0] = static_cast<uint64_t>(value);
-        return status;
-      });
-    }
-  }
-}
-
-TEST(Forwarders, Integers) {
-#define VX_INTEGER(name, type)                                                            \
-  expect_same_written<type>(#name " format", &vxzsu8##name##Format, &NLS##name##FormatU); \
-  expect_same_read<type>("to " #name, &vxzsu8To##name, &NLSBufTo##name##U);
+TEST(Forwarders, GiveWhatTheEntryPointsGive) {
+  VX_EXPECT_SAME(vxzsu8DateFormat, NLSDateFormatU, 3, 7 + c.option, 2024, c.option % 3, VX_WRITTEN);
+  VX_EXPECT_SAME(vxzsu8TimeFormat, NLSTimeFormatU, c.option % 2, VX_WRITTEN, c.number);
+  VX_EXPECT_SAME(vxzsu8DatetimeFormat, NLSDatetimeFormatU, 9, VX_WRITTEN, c.number);
+  VX_EXPECT_SAME(vxzsu8ToDate, NLSBufToDateU, VX_TEXT, c.option, t.cell<uint32_t>(1), t.cell<uint32_t>(2),
+                 t.cell<uint32_t>(3), t.cell<int64_t>(0));
+  VX_EXPECT_SAME(vxzsu8ToTime, NLSBufToTimeU, VX_TEXT, c.option, t.cell<double>(1), t.cell<int64_t>(0));
+  VX_EXPECT_SAME(vxzsu8ToDatetime, NLSBufToDatetimeU, VX_TEXT, c.option, t.cell<double>(1), t.cell<int64_t>(0));
+  static constexpr NLSDoubleExOpts star = {1, {}, '*'};
+  VX_EXPECT_SAME(vxzsu8DoubleFormat, NLSDoubleFormatUWithExOpts, 12, 2, 0x20000, VX_WRITTEN,
+                 c.option % 2 == 0 ? nullptr : &star, c.number);
+  VX_EXPECT_SAME(vxzsu8ToDouble, NLSBufToDoubleU, VX_TEXT, t.cell<double>(1), t.cell<int64_t>(0));
+  VX_EXPECT_SAME(vxzsu8ToDoubleWithOpts, NLSBufToDoubleUWithOpts, VX_TEXT, c.option, t.cell<double>(1),
+                 t.cell<int64_t>(0));
+#define VX_INTEGER_FORMAT(name, type) \
+  VX_EXPECT_SAME(vxzsu8##name##Format, NLS##name##FormatU, static_cast<type>(c.integer), 5, 1, c.option, VX_WRITTEN);
+#define VX_INTEGER(name, type)  \
+  VX_INTEGER_FORMAT(name, type) \
+  VX_EXPECT_SAME(vxzsu8To##name, NLSBufTo##name##U, VX_TEXT, c.option, t.cell<type>(1), t.cell<uint64_t>(0));
   VX_INTEGER(Int, int32_t)
   VX_INTEGER(Intfast, int32_t)
   VX_INTEGER(UInt, uint32_t)
@@ -186,8 +100,7 @@ TEST(Forwarders, Integers) {
   VX_INTEGER(Intmax, int64_t)
   VX_INTEGER(ULong, uint64_t)
   VX_INTEGER(Uintmax, uint64_t)
-#undef VX_INTEGER
-  expect_same_written<uint64_t>("Pointer format", &vxzsu8PointerFormat, &NLSPointerFormatU);
+  VX_INTEGER_FORMAT(Pointer, uint64_t)
 }
 
 }  // namespace

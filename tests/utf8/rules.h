@@ -1,0 +1,80 @@
+// The rules of UTF-8 text in plain words, for the models of the tests.
+#ifndef VXNLS_TESTS_UTF8_RULES_H
+#define VXNLS_TESTS_UTF8_RULES_H
+
+#include <algorithm>
+#include <bit>
+#include <string>
+#include <vector>
+
+#include "tests/unicode/texts.h"
+#include "vxnls/types.h"
+
+namespace vxtest {
+
+/// The bytes that a lead announces, and whether there is a character of so many.
+inline size_t announced(char lead) {
+  const auto ones = static_cast<size_t>(std::countl_one(static_cast<uint8_t>(lead)));
+  return ones < 2 ? 1 : std::min<size_t>(ones, 6);
+}
+inline bool continues(char byte) { return std::countl_one(static_cast<uint8_t>(byte)) == 1; }
+inline bool begins(char lead) {
+  const auto byte = static_cast<uint8_t>(lead);
+  return byte < 0x80 || (byte > 0xC1 && byte < 0xF5);
+}
+
+enum class Step { trusting, checking };
+
+/// The first character of a text that is not empty.
+inline std::string_view next(std::string_view text, Step step) {
+  const size_t most = std::min(announced(text[0]), text.size());
+  size_t n = 1;
+  while (n < most && (step == Step::trusting || continues(text[n]))) ++n;
+  return text.substr(0, n);
+}
+inline int64_t count_characters(std::string_view text, Step step) {
+  int64_t count = 0;
+  for (; !text.empty(); ++count) text.remove_prefix(next(text, step).size());
+  return count;
+}
+inline bool is_whole(std::string_view character) { return character.size() == announced(character[0]); }
+
+/// What a text becomes, piece by piece. A room holds whole pieces up to the first that does not fit.
+struct Pieces {
+  std::string text = {};
+  std::vector<size_t> ends = {};
+  bool replaced = false;
+
+  void clear() {
+    text.clear();
+    ends.clear();
+    replaced = false;
+  }
+  void put(std::string_view piece) {
+    text += piece;
+    ends.push_back(text.size());
+  }
+  void replace() {
+    replaced = true;
+    put("\uFFFD");
+  }
+  /// Whether that is what `call(out, room, &written)` writes, and tells, at a page that may not be touched or away from
+  /// it.
+  template <class Call>
+  bool are_written(Call call, size_t room, size_t away = 0) const {
+    static GuardedBuffer<uint8_t> memory(512);
+    uint8_t* const out = memory.at(room, Guard::behind, away);
+    int64_t written = -1;
+    const VXStatus status = call(out, static_cast<int64_t>(room), &written);
+    const auto held = std::upper_bound(ends.begin(), ends.end(), room);
+    return status == (held != ends.end() ? VX_E_ROOM
+                      : replaced         ? VX_E_SEQUENCE
+                                         : 0) &&
+           written == (held == ends.begin() ? 0 : static_cast<int64_t>(held[-1])) &&
+           std::equal(out, out + written, bytes(text));
+  }
+};
+
+}  // namespace vxtest
+
+#endif
