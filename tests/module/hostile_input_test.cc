@@ -1,0 +1,478 @@
+// Every entry point over input of any length, between pages that nobody may touch: texts of every small length and of
+// more than 2^31 units, so plain that the right answer follows from their length; records whose lengths, patterns and
+// separators are anything; rooms that are said to be of any size.
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <functional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/guard_page.h"
+#include "tests/support/zoned_locale.h"
+#include "vxnls/locale.hpp"
+
+namespace {
+
+using namespace std::literals;
+
+using vxtest::GuardedBuffer;
+using Utf8 = uint8_t;
+
+// Texts
+
+/// A text of `n` units: one unit again and again, then `tail`, then a page that nobody may touch. All of a long one but
+/// its two ends lies on the same few pages many times over: it takes next to no memory, and what is written to one
+/// place of it shows in others.
+template <class Unit>
+class Text {
+ public:
+  Text(int64_t n, char body, std::string_view tail) : n_(n), page_(static_cast<size_t>(sysconf(_SC_PAGESIZE))) {
+    const size_t bytes = static_cast<size_t>(n) * sizeof(Unit), tile = bytes < 8 * page_ ? page_ : size_t{4} << 20;
+    inner_ = (bytes + tile - 1) / tile * tile;
+    const std::basic_string<Unit> units(tile / sizeof(Unit), static_cast<Unit>(body));
+    const int file = memfd_create("text", 0);
+    if (file < 0 || write(file, units.data(), tile) != static_cast<ssize_t>(tile)) std::abort();
+    mapped_ = static_cast<uint8_t*>(mmap(nullptr, inner_ + page_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    if (mapped_ == MAP_FAILED) std::abort();
+    for (size_t at = 0; at < inner_; at += tile) {
+      const bool of_its_own = at <= tile || at + tile == inner_;  // the text may begin at the end of the first
+      void* const there = mmap(mapped_ + at, tile, PROT_READ | PROT_WRITE,
+                               MAP_FIXED | (of_its_own ? MAP_PRIVATE : MAP_SHARED), file, 0);
+      if (there == MAP_FAILED) std::abort();
+    }
+    close(file);
+    end_ = reinterpret_cast<Unit*>(mapped_ + inner_);
+    std::transform(tail.begin(), tail.end(), end_ - tail.size(), [](char c) { return static_cast<uint8_t>(c); });
+  }
+  ~Text() { munmap(mapped_, inner_ + page_); }
+  Text(const Text&) = delete;
+  Text& operator=(const Text&) = delete;
+
+  Unit* begin() const { return end_ - n_; }
+
+ private:
+  int64_t n_;
+  size_t page_, inner_;
+  uint8_t* mapped_;
+  Unit* end_;
+};
+
+VXLocale* plain() {
+  static vxtest::PlainLocale made;
+  made.locale.ops.NLSBufToIntmaxU = &NLSBufToIntmaxU;
+  made.locale.ops.NLSBufToDoubleUWithOpts = &NLSBufToDoubleUWithOpts;
+  return made.get();
+}
+
+/// One call over `n` units at `text`; whether the answer is right. A slow one, which looks at a unit at a time, meets
+/// very long texts in long runs alone.
+enum Speed { quick, slow };
+template <class Unit>
+struct Row {
+  const char* name;
+  Speed speed;
+  std::function<bool(Unit* text, int64_t n)> is_right;
+};
+template <class Unit>
+struct Table {
+  char body;
+  std::string_view tail;
+  std::vector<Row<Unit>> rows;
+};
+#define ROW(speed, check, ...) \
+  { #__VA_ARGS__, speed, check(__VA_ARGS__) }
+
+// What is right for functions of one kind, over a text whose last unit alone is an x, a NUL or a digit.
+constexpr auto counts = [](auto f) { return [=](auto* t, int64_t n) { return f(t, n) == n; }; };
+constexpr auto strips = [](auto f) { return [=](auto* t, int64_t n) { return f(t, n) == n && f(t, n - 1) == 0; }; };
+constexpr auto measures = [](auto f) { return [=](auto* t, int64_t n) { return f(t) == n - 1; }; };
+constexpr auto finds_x = [](auto f) { return [=](auto* t, int64_t n) { return f(t, n, 'x') == n - 1; }; };
+constexpr auto finds_last = [](auto f) { return [=](auto* t, int64_t n) { return f(t, n, t + n - 1, 1) == n - 1; }; };
+constexpr auto compares = [](auto f, int equal, int shorter) {
+  return [=](auto* t, int64_t n) { return f(t, n, t, n) == equal && f(t, n - 1, t, n) == shorter; };
+};
+constexpr auto equals = [](auto f) { return [=](auto* t, int64_t n) { return f(t, t, n) == 0; }; };
+constexpr auto ends_in = [](auto f, uint8_t c) { return [=](auto* t, int64_t n) { return f(t, n), t[n - 1] == c; }; };
+constexpr auto begins_with = [](auto f, uint8_t c) {
+  return [=](auto* t, int64_t n) { return f(t, n), t[0] == c && (n == 1 || t[n - 1] == ' '); };
+};
+constexpr auto sets = [](auto f) { return [=](auto* t, int64_t n) { return f(t, ' ', n) == t && t[n - 1] == ' '; }; };
+constexpr auto moves = [](auto f) { return [=](auto* t, int64_t n) { return f(t, t + n / 2, n - n / 2) == t; }; };
+constexpr auto reverses = [](auto f) {
+  return [=](auto* t, int64_t n) { return t[0] = 'a', f(t, n), t[n - 1] == 'a'; };
+};
+/// Writes `bytes` a unit, and no more than there is room for.
+constexpr auto writes = [](auto f, int64_t bytes, VXStatus without_room, auto... more) {
+  return [=](auto* t, int64_t n) {
+    uint8_t out[64];
+    int64_t written = -1;
+    const auto status = static_cast<VXStatus>(f(t, n, out, 64, &written, more...));
+    return status == (bytes * n > 64 ? without_room : 0) && written == std::min<int64_t>(bytes * n, 64);
+  };
+};
+template <class Unit, class Integer>
+auto reads(VXStatus (*f)(VXLocale*, const Unit*, int64_t, uint32_t, Integer*, uint64_t*)) {
+  return [=](Unit* t, int64_t n) {
+    Integer value = 0;
+    uint64_t consumed = 0;
+    return f(plain(), t, n, 0, &value, &consumed) == 0 && value == 7 && consumed == static_cast<uint64_t>(n);
+  };
+}
+/// A reader that takes 32-bit lengths gets as many of the last units.
+template <class Unit>
+auto reads(VXStatus (*f)(VXLocale*, const Unit*, int32_t, double*, int64_t*)) {
+  return [=](Unit* t, int64_t n) {
+    const int64_t length = std::min<int64_t>(n, INT32_MAX);
+    double value = 0;
+    int64_t consumed = -1;
+    return f(plain(), t + (n - length), static_cast<int32_t>(length), &value, &consumed) == 0 && value == 7 &&
+           consumed == length;
+  };
+}
+
+auto rows_of(VXChar) {
+  const auto to_utf8 = [](auto* t, int64_t n, uint8_t* out, int64_t room, int64_t* written) {
+    return ConvertFromUTF32(reinterpret_cast<uint8_t*>(t), 4 * n, out, room, written, &UTF32_UTF8, &Byte2DWord);
+  };
+  const auto order = [](auto* a, int64_t n, auto* b, int64_t m) { return NLSSSOrderCompare(nullptr, a, n, b, m, 0); };
+  return std::vector<Table<VXChar>>{
+      {' ',
+       "x",
+       {ROW(slow, strips, vxzstrp), ROW(quick, counts, GET_UTF8_LEN_FROM_VXCHAR), ROW(slow, finds_x, vxzspos),
+        ROW(slow, finds_x, qmzMemScan), ROW(slow, finds_last, vxzsndx), ROW(slow, compares, vxzseqn, 1, 0),
+        ROW(slow, compares, vxzsncmp, 0, -2), ROW(slow, compares, order, 0, -1), ROW(quick, equals, qmzMemCmp),
+        ROW(quick, writes, to_utf8, 1, 0), ROW(slow, ends_in, vxzstlo, 'x'), ROW(slow, ends_in, vxzstup, 'X'),
+        ROW(slow, ends_in, vxzstmax, 'x'), ROW(slow, ends_in, vxzstmin, 'X'), ROW(slow, sets, qmzMemSet),
+        ROW(slow, moves, qmzMemMove), ROW(slow, reverses, vxztchrv)}},
+      {'a', "\0"sv, {ROW(slow, measures, qmzStrLen)}},
+      {' ',
+       "7",
+       {ROW(slow, reads, NLSBufToIntmax), ROW(slow, reads, NLSBufToUintmax), ROW(slow, reads, NLSBufToDouble)}},
+      {'0', "7", {ROW(slow, reads, NLSBufToInt)}}};
+}
+
+auto rows_of(Utf8) {
+  const auto face = [](Utf8* t, int64_t n) {
+    const auto read = vxnls::locale(plain()).parse<double>({reinterpret_cast<char*>(t), size_t(n)});
+    return n > INT32_MAX ? read.status() == VX_E_NOTNUMBER : *read == 7;
+  };
+  const auto date = [](Utf8* t, int64_t n) {
+    uint32_t month, day, year;
+    int64_t consumed;
+    return NLSBufToDateU(plain(), t, n, 4, &month, &day, &year, &consumed) == 0 && year == 2020 && month == 3 &&
+           day == 4 && consumed == n;
+  };
+  const auto explained = [](Utf8* t, int64_t n) {
+    VXNumberReading reading;
+    return vxnlsExplainNumber(plain(), t, n, VX_NUMBER_DOUBLE, 0, &reading) == 0 && reading.value.number == 7 &&
+           reading.consumed == n;
+  };
+  return std::vector<Table<Utf8>>{
+      {' ',
+       "x",
+       {ROW(slow, counts, UTF8_SLENB),
+        ROW(quick, counts, UTF8_BLENB),
+        ROW(quick, counts, vxzsu8NumChars),
+        ROW(slow, strips, vxzsu8StripBlanks),
+        ROW(quick, finds_x, vxzsu8Index),
+        ROW(quick, finds_x, qmMemScan),
+        ROW(quick, finds_last, vxzsu8Find),
+        ROW(quick, compares, vxzsu8Compare, 0, -1),
+        ROW(slow, compares, vxzsu8NormCompare, 0, -2),
+        ROW(slow, compares, vxzsu8NormEqual, 1, 0),
+        ROW(quick, equals, qmMemCmp),
+        ROW(quick, writes, vxzsu8Upper2, 1, VX_E_ROOM),
+        ROW(quick, writes, vxzsu8Encode, 1, VX_E_ROOM, 0u),
+        ROW(quick, writes, vxzsu8Decode, 1, VX_E_ROOM, 0u),
+        ROW(quick, writes, COPY_UTF, 1, VX_E_ROOM),
+        ROW(quick, ends_in, vxzsu8Lower, 'x'),
+        ROW(quick, ends_in, vxzsu8Upper, 'X'),
+        ROW(quick, begins_with, vxzsu8LeftJustify, 'X'),
+        ROW(slow, ends_in, vxzsu8RightJustify, 'X'),
+        ROW(quick, sets, qmMemSet),
+        ROW(quick, moves, qmMemMove),
+        ROW(slow, reverses, vxzbytrv)}},
+      {'a',
+       "\xC3\xA9",  // two bytes, a character
+       {{"vxzsu8NumChars", quick, [](Utf8* t, int64_t n) { return vxzsu8NumChars(t, n) == n - 1; }},
+        {"UTF8_SLENB", slow, [](Utf8* t, int64_t n) { return UTF8_SLENB(t, n) == n - 1; }},
+        {"UTF8_BLENB", quick, [](Utf8* t, int64_t n) { return UTF8_BLENB(t, n - 1) == n - 2; }},
+        {"vxzsu8ByteLength", slow, [](Utf8* t, int64_t n) { return vxzsu8ByteLength(t, n - 1) == n; }},
+        {"vxzsu8Index", slow, [](Utf8* t, int64_t n) { return vxzsu8Index(t, n, 0xE9) == n - 2; }},
+        {"vxzsu8Upper", quick, [](Utf8* t, int64_t n) { return vxzsu8Upper(t, n), t[n - 1] == 0x89; }},
+        {"vxzsu8Lower, cut", quick, [](Utf8* t, int64_t n) { return vxzsu8Lower(t, n - 1), t[n - 2] == 0xC3; }}}},
+      {'a',
+       "\0"sv,
+       {ROW(slow, measures, UTF8_SLEN),
+        ROW(quick, measures, UTF8_BLEN),
+        ROW(quick, writes, ConvertToUTF32, 4, 0, &UTF8_UTF32, &COPY_UTF32_SWAP),
+        {"qmStrLen", quick, [](Utf8* t, int64_t n) { return qmStrLen(reinterpret_cast<char*>(t)) == n - 1; }}}},
+      {' ',
+       "7",
+       {ROW(slow, reads, NLSBufToIntmaxU),
+        ROW(quick, reads, NLSBufToUIntU),
+        ROW(slow, reads, NLSBufToDoubleU),
+        {"vxnls::locale", quick, face},
+        {"vxnlsExplainNumber", slow, explained}}},
+      {' ', "2020-03-04", {{"NLSBufToDateU", slow, date}}}};
+}
+
+template <class Unit>
+int64_t check(int64_t n, bool with_slow) {
+  int64_t calls = 0;
+  static const auto tables = rows_of(Unit());
+  for (const Table<Unit>& table : tables) {
+    if (n < static_cast<int64_t>(table.tail.size())) continue;
+    const Text<Unit> text(n, table.body, table.tail);
+    for (const Row<Unit>& row : table.rows) {
+      if (row.speed == slow && !with_slow) continue;
+      EXPECT_TRUE(row.is_right(text.begin(), n)) << row.name << " over " << n << " units";
+      ++calls;
+    }
+  }
+  return calls;
+}
+
+TEST(LongTexts, OfEverySmallLength) {
+  for (int64_t n = 1; n < 300; ++n) check<VXChar>(n, true), check<Utf8>(n, true);
+}
+
+// The lengths are so chosen that what is left of them in 32 bits is negative, or a few units.
+TEST(LongTexts, OfMoreThan2To31Units) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "instrumented code would take minutes";
+#endif
+  if (sizeof(void*) < 8) GTEST_SKIP() << "no text is as long";
+  const auto all = [](int64_t n, bool with_slow) { return check<Utf8>(n, with_slow) + check<VXChar>(n, with_slow); };
+  EXPECT_GT(all((INT64_C(1) << 32) + 9, false), 25);
+  if (std::getenv("VXNLS_LONG_TESTS") != nullptr) {
+    EXPECT_GT(all((INT64_C(1) << 31) + 9, true), 60);
+  }
+}
+
+// Records and rooms
+
+template <class Unit>
+constexpr auto pick(auto narrow, auto wide) {
+  if constexpr (sizeof(Unit) == 1) return narrow;
+  else return wide;
+}
+
+/// Calls `take(name, write)` for all that writes by a locale; `write(out, room, &length)`.
+template <class Unit>
+void each_writer(VXLocale* l, auto take) {
+  for (int32_t style = 0; style < 3; ++style) {
+    take("date", [=](Unit* out, int64_t room, int64_t* n) {
+      return pick<Unit>(NLSDateFormatU, NLSDateFormat)(l, 12, 25, 2020, style, out, room, n);
+    });
+    take("time", [=](Unit* out, int64_t room, int64_t* n) {
+      return pick<Unit>(NLSTimeFormatU, NLSTimeFormat)(l, style, out, room, n, 70000);
+    });
+  }
+  // A day of each month of 2020, on every day of the week, in the morning and in the evening.
+  for (int month = 0; month < 12; ++month) {
+    take("datetime", [=](Unit* out, int64_t room, int64_t* n) {
+      const double moment = (21915 + 31 * month) * 86400.0 + (month % 2 != 0 ? 70000 : 10000);
+      return pick<Unit>(NLSDatetimeFormatU, NLSDatetimeFormat)(l, 0, out, room, n, moment);
+    });
+  }
+  constexpr uint32_t group = NLS_FORMAT_GROUP;
+  for (const uint32_t flags :
+       {0u, group, group | NLS_FORMAT_PLAIN, group | NLS_FORMAT_FIXED, NLS_FORMAT_EXPONENT | 0u}) {
+    take("double", [=](Unit* out, int64_t room, int64_t* n) {
+      return pick<Unit>(NLSDoubleFormatUWithExOpts, NLSDoubleFormatWithExOpts)(l, 25, 3, flags, out, room, n, nullptr,
+                                                                               -123456789.5);
+    });
+  }
+  for (const uint32_t flags : {0u, group, NLS_FORMAT_LEFT | 0u, NLS_FORMAT_ZERO_PAD | 0u}) {
+    take("integer", [=](Unit* out, int64_t room, int64_t* n) {
+      return pick<Unit>(NLSLongFormatU, NLSLongFormat)(l, INT64_MIN, flags == group ? 0 : 40, 0, flags, out, room, n);
+    });
+  }
+  if constexpr (sizeof(Unit) > 1) {
+    for (const auto write : {NLSCurrencyFormat, NLSPercentFormat}) {
+      take("amount, percent", [=](Unit* out, int64_t room, int64_t* n) {
+        const VXStatus status = write(l, 90, 2, 0, out, room, n, 1234567.5);
+        if (status != 0) *n = 0;  // they count what they did not write
+        return status;
+      });
+    }
+  }
+}
+
+// What is written does not depend on how much more room there is said to be.
+TEST(Rooms, OfAnyLength) {
+  const auto check = [](const char* name, auto unit, auto write) {
+    using Unit = decltype(unit);
+    GuardedBuffer<Unit> memory(600);
+    const auto text = [&](int64_t room) {
+      int64_t length = 0;
+      EXPECT_EQ(write(memory.at(600), room, &length), 0u) << name;
+      return std::basic_string<Unit>(memory.at(600), static_cast<size_t>(length));
+    };
+    const auto expected = text(600);
+    EXPECT_FALSE(expected.empty()) << name;
+    for (const int64_t room : {INT64_C(0x7FFFFFFF), INT64_C(0x80000000), (INT64_C(1) << 32) + 1, INT64_MAX / 4 + 1,
+                               INT64_MAX / 4 + 2, INT64_MAX - 1, INT64_MAX}) {
+      EXPECT_TRUE(text(room) == expected) << name << ", room " << room;
+    }
+  };
+  each_writer<VXChar>(plain(), [&](const char* name, auto write) { check(name, VXChar(), write); });
+  each_writer<Utf8>(plain(), [&](const char* name, auto write) { check(name, Utf8(), write); });
+  check("digits", VXChar(),
+        [](VXChar* out, int64_t room, int64_t* n) { return vxzIDblToBuff(1e300, out, room, n, nullptr); });
+  static constexpr Utf8 bytes[] = {'A', 0xC3, 0xA9, 0xF0, 0x9F, 0x98, 0x80};
+  const auto check_bytes = [&](const char* name, auto f, auto... more) {
+    check(name, Utf8(), [=](Utf8* out, int64_t room, int64_t* n) { return f(bytes, 7, out, room, n, more...); });
+  };
+  check_bytes("casing", vxzsu8Upper2);
+  check_bytes("modified UTF-8", vxzsu8Encode, 1u);
+  check_bytes("copying", COPY_UTF);
+  check_bytes("decoding", ConvertToUTF32, &UTF8_UTF32, &COPY_UTF32_SWAP);
+  check("encoding", Utf8(), [](Utf8* out, int64_t room, int64_t* n) {
+    return ConvertFromUTF32(reinterpret_cast<const Utf8*>(U"a\u00E9\U0001F600"), 12, out, room, n, &UTF32_UTF16s,
+                            &Byte2DWord);
+  });
+}
+
+/// Texts in common forms, and such that a name or pattern filled up with "m" matches.
+std::vector<std::string> make_texts() {
+  std::vector<std::string> texts = {"",     "12/25/2020 10:30 pm",       "25 December 2020",   "10:30:15 AM", "W7 2021",
+                                    "%%%%", "2020-03-04T05:06:07+01:00", "04Mar2020:10:00:00", "1,234.50"};
+  for (const char quarter : "1234"sv) texts.push_back(std::string("Q") + quarter + std::string(58, 'm') + " 2021");
+  for (const char* text : {"Q3 2021", "2021 Q3", "Jul 2022", "07/2022"}) texts.push_back(text + std::string(55, 'm'));
+  for (const char* text : {"W07 2021", "2021-W07"}) texts.push_back(text + std::string(54, 'm'));
+  return texts;
+}
+
+struct HostileRecord : testing::Test {
+  HostileRecord() { locale.use(U"Zone/East"); }
+
+  /// All that comes of a record, written with `room` units and read: statuses, counts, units and values.
+  std::vector<int64_t> run(int64_t room) {
+    answers.clear();
+    run(room, bytes);
+    run(room, units);
+    return answers;
+  }
+  template <class Unit>
+  void run(int64_t room, GuardedBuffer<Unit>& memory) {
+    VXLocale* const l = locale.get();
+    each_writer<Unit>(l, [&](const char* name, auto write) {
+      Unit* const out = memory.at(static_cast<size_t>(room));
+      int64_t length = 0;
+      take(write(out, room, &length), {length});
+      ASSERT_TRUE(length >= 0 && length <= room) << name << ' ' << length;
+      answers.insert(answers.end(), out, out + length);
+    });
+    for (const std::string& text : texts) {
+      Unit* const in = memory.at(text.size());
+      std::transform(text.begin(), text.end(), in, [](char c) { return static_cast<uint8_t>(c); });
+      const auto n = static_cast<int64_t>(text.size());
+      int64_t used = 0;
+      double value = 0;
+      const auto consumed = [&](VXStatus status, double read) {
+        take(status, {used, std::bit_cast<int64_t>(read)});
+        EXPECT_TRUE(used >= 0 && used <= n) << used;
+        used = 0;
+      };
+      for (uint32_t kind = 1; kind <= 512; kind *= 2) {
+        uint32_t month = 0, day = 0, year = 0;
+        const VXStatus status = pick<Unit>(NLSBufToDateU, NLSBufToDate)(l, in, n, kind, &month, &day, &year, &used);
+        consumed(status, (year * 100.0 + month) * 100 + day);
+        if (kind > 8) continue;
+        for (const auto read :
+             {pick<Unit>(NLSBufToTimeU, NLSBufToTime), pick<Unit>(NLSBufToDatetimeU, NLSBufToDatetime)}) {
+          const VXStatus time_status = read(l, in, n, kind, &value, &used);
+          consumed(time_status, value);
+        }
+      }
+      const VXStatus status =
+          pick<Unit>(NLSBufToDoubleU, NLSBufToDouble)(l, in, static_cast<int32_t>(n), &value, &used);
+      consumed(status, value);
+    }
+  }
+  void take(VXStatus status, std::initializer_list<int64_t> values) {
+    statuses.insert(status);
+    answers.push_back(status);
+    answers.insert(answers.end(), values);
+  }
+
+  /// The names that lie between two members of the record.
+  std::span<NLSName> names(size_t from, size_t to) {
+    auto* const first = reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&locale.data) + from);
+    return {first, (to - from) / sizeof(NLSName)};
+  }
+
+  vxtest::ZonedLocale locale;
+  const std::vector<std::string> texts = make_texts();
+  GuardedBuffer<Utf8> bytes{600};
+  GuardedBuffer<VXChar> units{600};
+  std::vector<int64_t> answers;
+  std::set<VXStatus> statuses;  // all that were answered
+};
+
+#define AT(member) offsetof(VXLocaleData, member)
+
+// A counted name is read as if its length were held to 0 to 60, in every place where it is read.
+TEST_F(HostileRecord, LengthsAreHeldToTheRoomOfAName) {
+  vxtest::set_name(locale.data.datetimePattern, U"%A %a %B %b %p");
+  size_t count = 0;
+  for (const auto& [from, to] :
+       {std::pair{AT(dayNames), AT(word11848)}, std::pair{AT(quarterPattern2), AT(names14336)},
+        std::pair{AT(groupingPattern), AT(decimalPoint)}, std::pair{AT(currencySymbol), AT(block3Rest)}}) {
+    for (NLSName& name : names(from, to)) {
+      SCOPED_TRACE(testing::Message() << "name " << ++count);
+      const NLSName kept = name;
+      std::fill(name.text + kept.length, std::end(name.text), VXChar{'m'});
+      const auto with_length = [&](int64_t length) {
+        name.length = length;
+        return run(600);
+      };
+      const auto none = with_length(0), all = with_length(60);
+      EXPECT_NE(none, all) << "nobody reads it";
+      for (const int64_t length : {INT64_C(61), INT64_C(480), INT64_C(1) << 31, (INT64_C(1) << 32) + 3, INT64_MAX}) {
+        ASSERT_TRUE(with_length(length) == all) << length;
+      }
+      for (const int64_t length : {INT64_C(-1), -(INT64_C(1) << 32) + 3, INT64_MIN}) {
+        ASSERT_TRUE(with_length(length) == none) << length;
+      }
+      name = kept;
+    }
+  }
+  EXPECT_EQ(count, 46u + 10u + 1u + 1u);
+}
+
+// Directives and modifiers without end, and what no directive may be; every status is a documented one.
+TEST_F(HostileRecord, PatternsAndNamesOfAnything) {
+  const VXLocaleData as_it_was = locale.data;
+  for (const std::u32string_view unit :
+       {U"%"sv, U"%#"sv, U"%?"sv, U"%0"sv, U"%Z"sv, U"%z"sv, U"%A"sv, U"%B"sv, U"%p"sv, U"%Y"sv, U" "sv, U"\0"sv,
+        U"\U0010FFFF"sv, U"\uFFFF%"sv, U"\xD800\x110000\xFFFFFFFF"sv, U"x%%"sv, U"%S%M%p"sv}) {
+    std::u32string text, long_name(60, U'\U0001F600');  // which makes a pattern outgrow every room
+    while (text.size() < 60) text += unit;
+    for (const bool of_patterns : {false, true}) {
+      for (NLSName& name : names(AT(dayNames), AT(word11848))) {
+        const bool is_pattern = &name >= &locale.data.datePattern && &name < &locale.data.amMarker;
+        vxtest::set_name(name, std::u32string_view(of_patterns && !is_pattern ? long_name : text).substr(0, 60));
+      }
+      for (NLSName& name : names(AT(quarterPattern2), AT(names14336))) vxtest::set_name(name, text.substr(0, 60));
+      vxtest::set_name(locale.data.groupingPattern, text.substr(0, 60));
+      vxtest::set_name(locale.data.currencySymbol, text.substr(0, 60));
+      for (const int64_t room : {0, 1, 59, 60, 179, 180, 181, 511, 512, 513, 600}) run(room);
+      locale.data = as_it_was;
+    }
+  }
+  EXPECT_EQ(statuses,
+            (std::set<VXStatus>{0, VX_E_DIRECTIVE, VX_E_NOMATCH, VX_E_TRUNCATED, VX_E_NOTNUMBER, VX_E_GROUPING}));
+}
+
+}  // namespace
