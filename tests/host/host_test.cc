@@ -10,8 +10,6 @@
 
 namespace {
 
-using testing::HasSubstr;
-
 std::string alive() {
   char text[300];
   vxhostAliveText(text, sizeof text);
@@ -68,43 +66,47 @@ TEST_F(Host, OneNameAndZoneAreOneObject) {
 TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
   VXLocale* const own = locale("en_US", "Europe/Berlin", 1);
   VXZone* const berlin = own->timeZone;
-  static constexpr VXChar pattern[] = {'%', 'Z'};
-  own->localeData->datetimePattern.length = 2;
-  std::copy_n(pattern, 2, own->localeData->datetimePattern.text);
-  for (const std::u32string& name :
-       {std::u32string(), std::u32string(U"xx_YY"), std::u32string(U"../../etc/passwd"),
-        std::u32string(U"/etc/localtime"), std::u32string(U"Europe/../Europe/Paris"),
-        std::u32string(U"Asia/Tokyo\0", 11), std::u32string(U"de\0DE", 5), std::u32string(200, U'a'),
-        std::u32string(10000, U'A'), std::u32string(10000, U' '), std::u32string(U"d\u00C9"),
-        std::u32string{0xD800, 0x110000, 0xFFFFFFFF}, U"Asia/Tok" + std::u32string(1, 0x100 + U'y') + U"o"}) {
+  own->localeData->datetimePattern = {2, {'%', 'Z'}};
+  const std::u32string none[] = {U"xx_YY",
+                                 U"../../etc/passwd",
+                                 U"/etc/localtime",
+                                 U"Europe/../Europe/Paris",
+                                 U"d\u00C9",
+                                 U"Asia/Tok\u0179o",
+                                 {U"Asia/Tokyo\0", 11},
+                                 {U"de\0DE", 5},
+                                 std::u32string(200, U'a'),
+                                 std::u32string(10000, U'A'),
+                                 std::u32string(10000, U' '),
+                                 {0xD800, 0x110000, 0xFFFFFFFF}};
+  for (const std::u32string& name : none) {
     SCOPED_TRACE(testing::PrintToString(name.substr(0, 30)));
     const std::vector<VXChar> units(name.begin(), name.end());
-    const std::string bytes(name.begin(), name.end());
     const auto n = static_cast<int64_t>(units.size());
+    double value = 0;
+    int64_t consumed = 0;
     VXStatus status = 0;
-    if (n > 0) {  // none: the system's zone
-      EXPECT_EQ(NLSSetTimezoneId(own, units.data(), n), VX_E_ZONE);
-      EXPECT_EQ(own->timeZone, berlin);
-      double value = 0;
-      int64_t consumed = 0;
-      EXPECT_EQ(NLSBufToDatetime(own, units.data(), n, 0, &value, &consumed), VX_E_NOMATCH);
-      LocaleCreateOptions options = {1, {}, units.data(), n};
-      EXPECT_EQ(NLSLocaleCreate(vxhostContext(host), own->name, 5, &status, &options), nullptr);
-      EXPECT_EQ(status, VX_E_ZONE);
-    }
+    EXPECT_EQ(NLSSetTimezoneId(own, units.data(), n), VX_E_ZONE);
+    EXPECT_EQ(own->timeZone, berlin);
+    EXPECT_EQ(NLSBufToDatetime(own, units.data(), n, 0, &value, &consumed), VX_E_NOMATCH);
+    LocaleCreateOptions options = {1, {}, units.data(), n};
+    EXPECT_EQ(NLSLocaleCreate(vxhostContext(host), own->name, 5, &status, &options), nullptr);
+    EXPECT_EQ(status, VX_E_ZONE);
     EXPECT_EQ(NLSLocaleCreate(vxhostContext(host), units.data(), n, &status, nullptr), nullptr);
     EXPECT_EQ(status, VX_E_NOMATCH);
-    if (bytes.find('\0') != std::string::npos || bytes == "Asia/Tokyo") continue;
+    const std::string bytes = std::string(units.begin(), units.end()).c_str();  // up to a NUL
     VXLocale* made = own;
-    EXPECT_EQ(vxhostLocale(host, bytes.c_str(), "UTC", 0, &made), VX_E_NOMATCH);
-    EXPECT_EQ(made, nullptr);
-    EXPECT_EQ(vxhostLocale(host, "de_DE", bytes.c_str(), 0, &made), VX_E_ZONE);
+    EXPECT_EQ(vxhostLocale(host, bytes.c_str(), "UTC", 0, &made), bytes == "de" ? 0 : VX_E_NOMATCH);
+    EXPECT_EQ(vxhostLocale(host, "de_DE", bytes.c_str(), 0, &made), bytes == "Asia/Tokyo" ? 0 : VX_E_ZONE);
+    EXPECT_EQ(made != nullptr, bytes == "Asia/Tokyo");
   }
   // Kept on purpose: for a new locale in an unknown zone the library releases a lock that it never took.
   const int64_t strays = vxhostStrayReleases();
   VXLocale* made = nullptr;
   EXPECT_EQ(vxhostLocale(host, "de_DE", "Nowhere/Else", 0, &made), VX_E_ZONE);
   EXPECT_EQ(vxhostStrayReleases(), strays + 1);
+  EXPECT_EQ(vxhostLocale(host, "", "UTC", 0, &made), VX_E_NOMATCH);
+  EXPECT_EQ(vxhostLocale(host, "de_DE", "", 0, &made), VX_E_ZONE);
   EXPECT_EQ(vxhostLocale(host, nullptr, "UTC", 0, &made), VX_E_NULL);
   EXPECT_EQ(vxhostLocale(nullptr, "de_DE", "UTC", 0, &made), VX_E_NULL);
   EXPECT_EQ(vxhostLocale(host, "de_DE", "UTC", 0, nullptr), VX_E_NULL);
@@ -183,45 +185,26 @@ TEST_F(Host, TellsStatuses) {
 
 TEST_F(Host, WalksGoInOrderAndStopWhenTheyAreTold) {
   using Names = std::vector<std::string>;
-  for (const auto walk : {vxhostForEachZone, vxhostForEachLocale}) {
-    Names all, some;
-    walk(
-        host, [](void* to, const char* id) { return static_cast<Names*>(to)->emplace_back(id), 0; }, &all);
-    EXPECT_TRUE(all.size() > 500 && std::is_sorted(all.begin(), all.end()));
-    walk(
-        host, [](void* to, const char* id) { return static_cast<Names*>(to)->emplace_back(id), 1; }, &some);
-    EXPECT_EQ(some, Names{all[0]});
-  }
-  const auto each = [](void* user, const char* entry, const char*, const char* reason) {
-    EXPECT_TRUE(*entry != 0 && *reason != 0);
-    return ++*static_cast<int*>(user);
+  static constexpr auto keep_first = [](void* to, const char* id) {
+    return static_cast<Names*>(to)->emplace_back(id), 1;
   };
-  for (const auto& [name, status, count] : {std::tuple{"vi_VN", 0u, 1},
-                                            {"vi_XX", VX_W_SUBSTITUTE, 1},
-                                            {"xx_YY", VX_E_NOMATCH, 0},
-                                            {static_cast<const char*>(nullptr), VX_E_NULL, 0}}) {
-    int seen = 0;
-    EXPECT_EQ(vxhostForEachFallback(host, name, each, &seen), status);
-    EXPECT_EQ(seen, count);
+  static constexpr auto keep_all = [](void* to, const char* id) { return keep_first(to, id) - 1; };
+  for (const auto walk : {vxhostForEachZone, vxhostForEachLocale}) {
+    Names all, first;
+    walk(host, keep_all, &all);
+    walk(host, keep_first, &first);
+    EXPECT_TRUE(all.size() > 500 && std::is_sorted(all.begin(), all.end()));
+    EXPECT_EQ(first, Names{all[0]});
   }
-}
-
-TEST_F(Host, ServicesReachTheLibrary) {
-  for (const int32_t cutoff : {2000, 1900}) {
-    EXPECT_EQ(vxhostSetOption(host, "VX_NAME_YEARCUTOFF", cutoff), 0u);
-    EXPECT_EQ(vxfmtzjulymd(50, 1, 1), vxfmtzjulymd(cutoff + 50, 1, 1));
-  }
-  EXPECT_EQ(vxhostSetOption(host, "PATH", 1), VX_E_KIND);
-  EXPECT_EQ(vxhostSetOption(host, nullptr, 1), VX_E_NULL);
-  EXPECT_EQ(vxnlsisalpha(0x16E40), 1);  // Medefaidrin, newer than the library's own tables
-  EXPECT_EQ(vxnlsispunct(0x416), 0);
-  uint8_t text[] = "\u00C0\U0001E900";  // A with grave, Adlam capital alif
-  vxzsu8Lower(text, sizeof text - 1);
-  EXPECT_STREQ(reinterpret_cast<const char*>(text), "\u00E0\U0001E922");
-  VXStatus status = 77;
-  static constexpr uint8_t composed[] = {0xC3, 0xA9}, decomposed[] = {'e', 0xCC, 0x81};
-  EXPECT_EQ(vxzsu8ICUNormEqual(composed, 2, decomposed, 3, 0, &status), 1);
-  EXPECT_EQ(status, 0u);
+  const auto each = [](void* to, const char* entry, const char*, const char* reason) {
+    return static_cast<Names*>(to)->emplace_back(entry + std::string(reason)), 1;
+  };
+  Names fallbacks;
+  EXPECT_EQ(vxhostForEachFallback(host, "vi_VN", each, &fallbacks), 0u);
+  EXPECT_EQ(vxhostForEachFallback(host, "vi_XX", each, &fallbacks), VX_W_SUBSTITUTE);
+  EXPECT_EQ(vxhostForEachFallback(host, "xx_YY", each, &fallbacks), VX_E_NOMATCH);
+  EXPECT_EQ(vxhostForEachFallback(host, nullptr, each, &fallbacks), VX_E_NULL);
+  EXPECT_EQ(fallbacks.size(), 2u);
 }
 
 // Several hosts share the library's one kernel handle, and nothing else; the first may close first.
@@ -230,82 +213,81 @@ TEST_F(Host, HasOthersBesideIt) {
   VXHost* const first = host;
   VXLocale* const of_first = locale("de_DE");
   host = open();
-  EXPECT_EQ(Exported_VXHandle, stored);
   EXPECT_NE(vxhostContext(first)->kernel, stored);
   VXLocale* const of_second = locale("de_DE");
   EXPECT_NE(of_first, of_second);
-  std::vector<std::string> journal_of_first, journal_of_second;
-  vxhostSetJournal(first, keep, &journal_of_first);
-  vxhostSetJournal(host, keep, &journal_of_second);
+  std::vector<std::string> entries, others;
+  vxhostSetJournal(first, keep, &entries);
+  vxhostSetJournal(host, keep, &others);
   VXHandle* const kernel = vxhostContext(first)->kernel;
   static constexpr VXChar name[] = {'n', 'o', 'n', 'e'};
   EXPECT_EQ(kernel->ops->load_extension(kernel, name, 4, 0), nullptr);
-  EXPECT_EQ(journal_of_first.size(), 1u);
-  EXPECT_TRUE(journal_of_second.empty());
+  EXPECT_TRUE(entries.size() == 1 && others.empty());
   vxhostClose(first);
   EXPECT_EQ(Exported_VXHandle, stored);
   EXPECT_EQ(locale("de_DE"), of_second);
-  EXPECT_EQ(vxnlsisalpha(0x16E40), 1);
+  EXPECT_EQ(vxnlsisalpha(0x16E40), 1);  // newer than the library's own tables
   uint8_t text[100];
   int64_t length = 0;
   EXPECT_EQ(of_second->ops.NLSDateFormatU(of_second, 11, 21, 2026, 0, text, sizeof text, &length), 0u);
   EXPECT_EQ(std::string(text, text + length), "21.11.2026");
+  for (const int32_t cutoff : {2000, 1900}) {
+    EXPECT_EQ(vxhostSetOption(host, "VX_NAME_YEARCUTOFF", cutoff), 0u);
+    EXPECT_EQ(vxfmtzjulymd(50, 1, 1), vxfmtzjulymd(cutoff + 50, 1, 1));
+  }
+  EXPECT_EQ(vxhostSetOption(host, "PATH", 1), VX_E_KIND);
+  EXPECT_EQ(vxhostSetOption(host, nullptr, 1), VX_E_NULL);
 }
 
 TEST(HostOpening, JournalsToStandardErrorWhenTheEnvironmentSaysSo) {
   setenv("VXHOST_JOURNAL", "stderr", 1);
-  setenv("VXHOST_PATH", "some/folder", 1);
+  setenv("VXHOST_PATH", "some", 1);
   testing::internal::CaptureStderr();
   vxhostClose(open());
   unsetenv("VXHOST_JOURNAL");
   unsetenv("VXHOST_PATH");
-  EXPECT_THAT(testing::internal::GetCapturedStderr(),
-              testing::MatchesRegex("20[0-9-]*T[0-9:]*[.][0-9]*Z host level 3: VXHOST_PATH: some/folder is refused: "
-                                    "it is not an absolute folder\n"));
+  const char* const wanted =
+      "20[0-9-]*T[0-9:]*[.][0-9]*Z host level 3: VXHOST_PATH: some is refused: it is not an .*\n";
+  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::MatchesRegex(wanted));
 }
 
 TEST(HostOpening, SaysWhatIsMissing) {
-  const std::string libraries = VXHOST_FOLDER;
-  VXHost* host = nullptr;
+  const std::string libraries = VXHOST_FOLDER "/";
   const vxtest::TemporaryFolder folder;
-  const auto expect_refusal = [&](VXStatus status, const std::string& reason) {
-    host = reinterpret_cast<VXHost*>(1);
-    EXPECT_EQ(vxhostOpen(folder.path().c_str(), &host), status);
-    EXPECT_EQ(host, nullptr);
-    EXPECT_THAT(vxhostOpenFailure(), HasSubstr(reason));
-    EXPECT_STRNE(vxhostOpenFailure(), "");
-    EXPECT_EQ(vxhostAlive(), 0) << alive();
-  };
-  expect_refusal(VX_E_ROOM, folder.file("libvxnlsloc.so"));
-  folder.write("libvxnlsloc.so", "not a library");
-  expect_refusal(VX_E_ROOM, "libvxnlsloc.so");
+  // What lies there as a name of the host's, and what comes of opening it; further names come to the ones before.
   const struct {
-    std::string library;
+    std::string target;
+    const char* name;
     VXStatus status;
     const char* reason;
-  } unfit[] = {
-      {libraries + "/vxemsg.so", VX_E_ROOM, "vxextver"},  // without the entry points
-      {UNFIT_LIBRARIES "other_version.so", VX_E_ROOM, "7.1"},
-      {UNFIT_LIBRARIES "no_module.so", VX_E_MEMORY, ""},
-      {UNFIT_LIBRARIES "newer_host_wanted.so", VX_E_ROOM, "6.2.0"},
+  } cases[] = {
+      {"", "", VX_E_ROOM, "/libvxnlsloc.so"},
+      {"/dev/null", "libvxnlsloc.so", VX_E_ROOM, "/libvxnlsloc.so"},
+      {libraries + "vxemsg.so", "libvxnlsloc.so", VX_E_ROOM, "vxextver"},  // without the entry points
+      {UNFIT_LIBRARIES "other_version.so", "libvxnlsloc.so", VX_E_ROOM, "7.1"},
+      {UNFIT_LIBRARIES "no_module.so", "libvxnlsloc.so", VX_E_MEMORY, "memory"},
+      {UNFIT_LIBRARIES "newer_host_wanted.so", "libvxnlsloc.so", VX_E_ROOM, "6.2.0"},
+      {libraries + "libvxnlsloc.so", "libvxnlsloc.so", VX_E_ROOM, "vxemsg"},
+      {libraries + "vxemsg.so", "vxemsg.so", VX_E_ROOM, "vxnlsldb"},
+      {libraries + "vxnlsldb.so", "vxnlsldb.so", 0, ""},
   };
-  for (const auto& u : unfit) {
-    std::filesystem::remove(folder.file("libvxnlsloc.so"));
-    folder.link(u.library, "libvxnlsloc.so");
-    expect_refusal(u.status, u.reason);
+  for (const auto& c : cases) {
+    if (*c.name != 0) {
+      std::filesystem::remove(folder.file(c.name));
+      folder.link(c.target, c.name);
+    }
+    VXHost* host = reinterpret_cast<VXHost*>(1);
+    EXPECT_EQ(vxhostOpen(folder.path().c_str(), &host), c.status) << c.target;
+    EXPECT_EQ(host != nullptr, c.status == 0);
+    EXPECT_THAT(vxhostOpenFailure(), testing::HasSubstr(c.reason));
+    EXPECT_EQ(*vxhostOpenFailure() == 0, c.status == 0);
+    vxhostClose(host);
+    EXPECT_EQ(vxhostAlive(), 0) << alive();
   }
-  // Each extension that creating a locale needs, missing in turn; or found by the search path.
-  std::filesystem::remove(folder.file("libvxnlsloc.so"));
-  folder.link(libraries + "/libvxnlsloc.so", "libvxnlsloc.so");
+  std::filesystem::remove(folder.file("vxemsg.so"));
   setenv("VXHOST_PATH", ("lib:" + libraries).c_str(), 1);
   vxhostClose(open(folder.path().c_str()));
   unsetenv("VXHOST_PATH");
-  for (const std::string name : {"vxemsg", "vxnlsldb"}) {
-    expect_refusal(VX_E_ROOM, name);
-    folder.link(libraries + '/' + name + ".so", name + ".so");
-  }
-  vxhostClose(open(folder.path().c_str()));
-  vxhostClose(nullptr);
   EXPECT_EQ(vxhostOpen(nullptr, nullptr), VX_E_NULL);
 }
 

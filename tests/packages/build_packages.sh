@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Makes the packages twice, a moment apart and under another umask, and holds them against each other.
+# Makes the packages twice, a moment apart and under another umask, holds them against each other and against Debian's
+# rules: no error and no warning. What is overridden is overridden in packaging/, with a reason.
 #   build_packages.sh BUILD WORK      leaves them in WORK/packages
 set -euo pipefail
 build=$1 work=$2
@@ -11,3 +12,4 @@ make packages
 rm -rf "$work"/*/_CPack_Packages
 [ "$(ls "$work"/packages/*.deb | wc -l)" -eq 4 ]
 diff -r "$work/packages" "$work/again"
+lintian --allow-root --fail-on error,warning "$work"/packages/*.deb >&2

@@ -17,13 +17,11 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 rm -rf "$work"
 root=$work/root
-mkdir -p "$work/cache/archives/partial" "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
-mkdir -p "$root/usr/bin" "$root/usr/sbin" "$root/usr/lib" "$root/usr/lib64" "$root/tmp" "$root/dev"
+database=$root/var/lib/dpkg
+mkdir -p "$work/cache/archives/partial" "$database"/{info,updates} "$root"/{tmp,dev} "$root"/usr/{bin,sbin,lib,lib64}
 for folder in bin sbin lib lib64; do ln -s "usr/$folder" "$root/$folder"; done
 mknod -m 666 "$root/dev/null" c 1 3 2>/dev/null || touch "$root/dev/null"
-database=$root/var/lib/dpkg
-: >"$database/status"
-: >"$database/available"
+touch "$database"/{status,available}
 
 # This machine's lists of what Debian has; when there are none, or what they name has gone, lists of this test's own.
 lists=/var/lib/apt/lists
@@ -60,7 +58,7 @@ add_for() {
     : >"$database/info/$name.list"
   done
 }
-files() { find "$root" -path "$database" -prune -o -printf '%P %y %m %s %l\n' | grep -v '^tmp' | sort; }
+files() { find "$root" -path "$database" -prune -o -printf '%P %y %m %l\n' | grep -v '^tmp' | sort; }
 chroot=$(command -v chroot)
 inside() { env -i PATH=/usr/bin:/bin LC_ALL=C "$chroot" "$root" "$@"; }
 chroot "$root" /nothing 2>&1 | grep -q "Operation not permitted" && skip "the root folder cannot be changed here"
@@ -68,18 +66,16 @@ chroot "$root" /nothing 2>&1 | grep -q "Operation not permitted" && skip "the ro
 install_and_remove() {
   local with=$1
   shift
-  files | sed 's/ [0-9]*\( *[^ ]*\)$/\1/' >"$work/before"
+  files >"$work/before"
   dpkg --root="$root" --install "$@" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
   "$with"
   # shellcheck disable=SC2046
   dpkg --root="$root" --purge $(for package; do dpkg-deb -f "$package" Package; done) >"$work/log" 2>&1 ||
     fail "$(cat "$work/log")"
-  files | sed 's/ [0-9]*\( *[^ ]*\)$/\1/' >"$work/after"
-  diff "$work/before" "$work/after" || fail "removing the packages leaves something"
+  files | diff "$work/before" - || fail "removing the packages leaves something"
 }
 
 run_command() {
-  must_print "21 listopada 2026" inside vxnls format date 2026-11-21 --locale pl_PL --style long
   must_print "2026-11-21 19:35:09" \
     inside vxnls format datetime 2026-11-21T14:05:09Z --zone Asia/Kolkata --pattern '%Y-%m-%d %H:%M:%S'
   local page
