@@ -1,18 +1,22 @@
-// The generated tables, whole, against ICU's data for the characters that the table's version of Unicode knew.
+// The generated tables, whole, against ICU's data for the characters that the table's version of Unicode knew; and what
+// a host is asked instead of them.
 #include <gtest/gtest.h>
 #include <unicode/uchar.h>
 
 #include <algorithm>
 #include <map>
-#include <string>
+#include <utility>
 #include <vector>
 
+#include "tests/kernel_strings/class_categories.h"
+#include "tests/support/character_host.h"
 #include "unicode/case_mapping.h"
 #include "unicode/class_tables.h"
-#include "vxnls/classes.h"
 #include "vxnls/strings.h"
 
 namespace {
+
+using namespace vxtest;
 
 constexpr uint32_t code_points = 0x110000;
 
@@ -23,60 +27,68 @@ bool known_by(uint32_t c, int major) {
 }
 
 // General categories changed after Unicode 9.0, 52 characters in all.
-struct Change {
-  uint32_t low, high;
-  uint32_t mask_then;
-};
-constexpr Change changed_later[] = {
+constexpr struct {
+  uint32_t low, high, mask_then;
+} changed_later[] = {
     {0x10D0, 0x10FA, U_GC_LO_MASK}, {0x10FD, 0x10FF, U_GC_LO_MASK},  // Georgian became lower case
     {0x166D, 0x166D, U_GC_PO_MASK}, {0x1734, 0x1734, U_GC_MN_MASK},   {0x1CF2, 0x1CF3, U_GC_MC_MASK},
     {0xA9BD, 0xA9BD, U_GC_MC_MASK}, {0x111C9, 0x111C9, U_GC_PO_MASK},
 };
 
 uint32_t category_mask(uint32_t c) {
-  for (const Change& change : changed_later) {
+  for (const auto& change : changed_later) {
     if (c >= change.low && c <= change.high) return change.mask_then;
   }
   return known_by(c, 9) ? U_GET_GC_MASK(static_cast<UChar32>(c)) : U_GC_CN_MASK;
 }
 
-TEST(Tables, OnlyListedCategoriesChangedLater) {
+TEST(Tables, ClassesAreThoseOfUnicode9) {
   int changed = 0;
   for (uint32_t c = 0; c < code_points; ++c) {
-    changed += known_by(c, 9) && category_mask(c) != U_GET_GC_MASK(static_cast<UChar32>(c));
-  }
-  EXPECT_EQ(changed, 52);
-}
-
-TEST(Tables, ClassesAreThoseOfUnicode9) {
-  constexpr uint32_t shown = U_GC_L_MASK | U_GC_M_MASK | U_GC_N_MASK | U_GC_P_MASK | U_GC_S_MASK;
-  static const struct {
-    const char* name;
-    int32_t (*test)(uint32_t);
-    uint32_t categories;
-  } classes[] = {
-      {"digit", vxnlsisdigit, U_GC_ND_MASK},
-      {"lower", vxnlsislower, U_GC_LL_MASK},
-      {"upper", vxnlsisupper, U_GC_LU_MASK},
-      {"alpha", vxnlsisalpha, U_GC_L_MASK},
-      {"alnum", vxnlsisalnum, U_GC_L_MASK | U_GC_ND_MASK},
-      {"print", vxnlsisprint, shown | U_GC_Z_MASK},
-      {"graph", vxnlsisgraph, shown},
-      {"punct", vxnlsispunct, U_GC_P_MASK},
-      {"cntrl", vxnlsiscntrl, U_GC_CC_MASK | U_GC_CF_MASK | U_GC_ZL_MASK | U_GC_ZP_MASK},
-  };
-  for (uint32_t c = 0; c < code_points; ++c) {
     const uint32_t category = category_mask(c);
-    for (const auto& k : classes) ASSERT_EQ(k.test(c), (k.categories & category) != 0) << k.name << " of " << c;
+    changed += known_by(c, 9) && category != U_GET_GC_MASK(static_cast<UChar32>(c));
+    for (const auto& k : class_categories)
+      ASSERT_EQ(k.test(c), (k.categories & category) != 0) << k.name << " of " << c;
     // POSIX hexadecimal digits of ICU: decimal digits, and the letters in ASCII and full width.
     const bool hexadecimal = known_by(c, 9) && u_isxdigit(static_cast<UChar32>(c));
     ASSERT_EQ(vxnlsisxdigit(c), hexadecimal) << c;
     ASSERT_EQ(vxnlsisspace(c), u_hasBinaryProperty(static_cast<UChar32>(c), UCHAR_WHITE_SPACE)) << c;
   }
+  EXPECT_EQ(changed, 52) << "only what is listed has changed later";
   for (const uint32_t c : {code_points, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
-    for (const auto& k : classes) EXPECT_EQ(k.test(c), 0) << k.name << " of " << c;
+    for (const auto& k : class_categories) EXPECT_EQ(k.test(c), 0) << k.name << " of " << c;
     EXPECT_EQ(vxnlsisxdigit(c) + vxnlsisspace(c), 0);
   }
+}
+
+// ASCII, hexadecimal letters and white space never call the host.
+TEST(Tables, ClassesOfAHost) {
+  CharacterHost host;
+  int32_t answer = 0;
+  host.test_class = [&](uint32_t, uint32_t) { return answer; };
+  const auto check = [&](int32_t (*test)(uint32_t), uint32_t bits) {
+    for (uint32_t c = 0; c < 0x80; ++c) test(c);
+    EXPECT_TRUE(host.asked.empty());
+    for (answer = -5; answer <= 64; answer += 23) {
+      EXPECT_EQ(test(0x391), answer != 0) << "whatever the host's truth looks like, the answer is 1 or 0";
+      EXPECT_EQ(std::exchange(host.asked, {}), (std::vector<CharacterHost::Question>{{'c', 0x391, bits}}));
+    }
+    EXPECT_EQ(test(0xFFFFFFFF), 1);
+    host.asked.clear();
+  };
+  host.has_database = false;
+  EXPECT_EQ(vxnlsisupper(0x391), 1) << "ranges stand in for a database that cannot be had";
+  EXPECT_EQ(vxnlsisupper(0x3B1), 0);
+  host.has_database = true;
+  for (const auto& k : class_categories) check(k.test, k.asked);
+  check(vxnlsisxdigit, 0x40);
+  EXPECT_EQ(host.loads, 1) << "a later call tries again, and what was loaded is kept";
+  answer = 0;
+  for (const uint32_t c : {0xFF21u, 0xFF26u, 0xFF41u, 0xFF46u}) EXPECT_EQ(vxnlsisxdigit(c), 1) << c;
+  for (const uint32_t c : {0xA0u, 0x3000u, 0x200Bu, 0x3001u}) EXPECT_EQ(vxnlsisspace(c), c == 0xA0 || c == 0x3000) << c;
+  EXPECT_TRUE(host.asked.empty());
+  for (const uint32_t c : {0xFF20u, 0xFF27u, 0xFF40u, 0xFF47u}) EXPECT_EQ(vxnlsisxdigit(c), 0) << c;
+  EXPECT_EQ(host.asked.size(), 4u);
 }
 
 TEST(Tables, RangesAnswerAsTheBitsOfAsciiDo) {
