@@ -151,12 +151,12 @@ struct DoubleField {
     return status;
   }
 
-  VXStatus put_exponent(int64_t field, const ExponentForm& form, bool negative, VXStatus status) const {
+  VXStatus put_exponent(int64_t field, const ExponentForm& form, bool negative, bool grouped, VXStatus status) const {
     NumberParts parts;
     parts.whole = {form.digits, form.digits_before_point};
     parts.fraction = {form.digits + form.digits_before_point, form.digit_count - form.digits_before_point};
     parts.tail = {form.exponent, form.exponent_length};
-    return put_fixed(field, parts, negative, false, status);
+    return put_fixed(field, parts, negative, grouped, status);
   }
 
   VXStatus missing(int32_t width, int64_t decimals, bool in_field, const NLSDoubleExOpts* extended,
@@ -206,7 +206,7 @@ struct DoubleField {
                        static_cast<int32_t>(point_units()), &form)) {
       return stars(field, VX_E_TRUNCATED);
     }
-    return put_exponent(field, form, negative, reports ? VX_W_PRECISION : 0);
+    return put_exponent(field, form, negative, false, reports ? VX_W_PRECISION : 0);
   }
 
   VXStatus fixed(int32_t width, int64_t decimals, bool best, bool exponent, bool reports, double value) const;
@@ -234,7 +234,7 @@ VXStatus DoubleField<Flavour>::fixed(int32_t width, int64_t decimals, bool best,
                        &form)) {
       return stars(field, VX_E_TRUNCATED);
     }
-    return put_exponent(field, form, negative, 0);
+    return put_exponent(field, form, negative, reports && (flags & flag_group) != 0, 0);
   }
 
   uint8_t whole[most_integer_digits];

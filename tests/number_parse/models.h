@@ -9,6 +9,7 @@
 #include <bit>
 #include <cfloat>
 #include <limits>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,10 @@ struct Reading {
   int64_t consumed;
   bool operator==(const Reading&) const = default;
 };
+
+inline std::ostream& operator<<(std::ostream& out, const Reading& r) {
+  return out << std::hex << r.status << " value " << r.value << " consumed " << std::dec << r.consumed;
+}
 
 /// The digits of a text, without leading zeros, and their power of ten; and whether the value that they read as lies so
 /// near the middle of two doubles that the roundings before the last may decide.

@@ -20,10 +20,6 @@ using namespace std::literals;
 using vxnls::SoftExtended;
 __extension__ using UWide = unsigned __int128;
 
-[[maybe_unused]] std::ostream& operator<<(std::ostream& out, const Reading& r) {
-  return out << std::hex << r.status << " value " << r.value << " consumed " << std::dec << r.consumed;
-}
-
 /// A host's converter that knows one character.
 constexpr char32_t quote = U'\u2019';
 const VXConverterOps quote_ops = {[](VXConverter*, VXChar unit, uint8_t* byte) -> VXStatus {
@@ -228,15 +224,15 @@ TEST_F(Readers, EveryShortText) {
     use(signs);
     const std::u32string alphabet = U"0 1-+x"s + std::u32string{signs.separator, signs.point, 0, U'F'};
     const std::u32string longer = U"0123456789012345678901234567899999 -x\u2007"s + alphabet;
-    for (size_t n = 0; n < 160'000 && !HasFailure(); ++n) {
+    for (size_t n = 0; n < 60'000 && !HasFailure(); ++n) {
       std::u32string text;
       if (n < 11'111) {
         for (size_t left = n; left > 0; left = (left - 1) / 10) text += alphabet[(left - 1) % 10];
       } else {
         for (size_t length = random() % 30; length > 0; --length) text += longer[random() % longer.size()];
       }
-      for (const uint32_t flags : {0x0000, 0x0001, 0x1000, 0x1001, 0x2000, 0x2001, 0x3000, 0x3001, 0x4000, 0x5000,
-                                   0x6000, 0x7000, 0x7001, 0x7FFF8FFE}) {
+      for (const uint32_t flags : {0x0000u, 0x0001u, 0x1000u, 0x1001u, 0x2000u, 0x2001u, 0x3000u, 0x3001u, 0x4000u,
+                                   0x5000u, 0x6000u, 0x7000u, 0x7001u, 0x7FFF8FFEu}) {
         if (n < 11'111 || random() % 8 == 0) check_integers(text, flags);
       }
       for (const uint32_t flags : {0u, NLS_READ_SPACE_SEPARATOR}) check_double(text, flags);

@@ -1,0 +1,503 @@
+// Numbers written in both flavours, between pages that may not be touched: each as the model writes it.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+
+#include "tests/number_format/models.h"
+#include "tests/support/guard_page.h"
+#include "tests/support/null_arguments.h"
+#include "tests/support/plain_locale.h"
+#include "vxnls/bytes.h"
+#include "vxnls/number_parse.h"
+
+namespace vxtest {
+
+namespace {
+
+/// The locales of these tests: marks, and a pattern as doubles and as integers read it.
+struct Convention {
+  const char32_t* pattern;
+  std::vector<int> groups, groups_of_integers;
+  char32_t point = U'.', separator = U',';
+
+  template <class Unit>
+  Marks marks(bool of_integers = false) const {
+    const auto mark = [](char32_t c, char other) {
+      return c >= 0x80 && sizeof(Unit) > 1 ? std::string(1, other) : utf8(std::u32string(1, c));
+    };
+    return {mark(point, 1), mark(separator, 2), of_integers ? groups_of_integers : groups};
+  }
+};
+
+const Convention conventions[] = {
+    {U"3", {3}, {3}},
+    {U"3;2", {3, 2}, {3, 2}},
+    {U"2;3;4", {2, 3, 4}, {2, 3, 4}, U',', U'.'},
+    {U"-", {3}, {-1}, U',', U' '},
+    {U"3;-", {3, -1}, {3, -1}, U'.', U'\''},
+    {U"3;3", {3}, {3}, U',', U'\u00A0'},
+    {U"", {0}, {}},
+    {U"0", {0}, {0}},
+    {U"3;0", {3}, {3, 0}},  // to integers a size of 0 never comes, so the rest is one group
+    {U"1", {1}, {1}, U'\u066B', U'\u066C'},
+    {U"x", {3}, {}, U'\u2396', U'.'},
+    {U"3", {3}, {3}, U'.', U'\U0001F600'},
+    {U"12", {12}, {1, 2}, U'.', U'\u2019'},
+    {U"/98:", {3}, {9, 8}},  // the neighbours of the digits are passed over
+    {U"111111111111111111111111111111111111111111111111111111111111", {3}, {1}},
+};
+
+constexpr int64_t most_room = 1100;
+
+struct Call {
+  double value;
+  int32_t width, decimals;
+  uint32_t flags;
+  int64_t size = most_room;
+};
+
+class Writer {
+ public:
+  explicit Writer(const Convention& convention = conventions[0])
+      : units_(convention.marks<VXChar>()),
+        bytes_(convention.marks<uint8_t>()),
+        integer_units_(convention.marks<VXChar>(true)),
+        integer_bytes_(convention.marks<uint8_t>(true)),
+        convention_(convention) {
+    set_name(locale.data.groupingPattern, convention.pattern);
+    locale.data.decimalPoint = convention.point;
+    locale.data.groupSeparator = convention.separator;
+  }
+
+  /// What a call writes between the pages. Only a missing value may leave blanks behind its text.
+  template <class Unit, class Function>
+  Written call(int64_t size, Function function, bool may_blank = false) const {
+    static GuardedBuffer<Unit> memory(most_room);
+    static unsigned turn = 0;
+    const auto room = static_cast<size_t>(std::max<int64_t>(size, 0));
+    Unit* const buffer = memory.at(room, ++turn % 2 == 0 ? Guard::before : Guard::behind);
+    std::fill_n(buffer, room, Unit{'~'});
+    int64_t length = -7;
+    const VXStatus status = function(buffer, size, &length);
+    const size_t written = length == -7 ? 0 : static_cast<size_t>(length);
+    if (written > room) return {status, "bad length"};
+    for (size_t i = written; i < room; ++i)
+      if (buffer[i] != '~' && !(may_blank && buffer[i] == ' ')) return {status, "written behind the text"};
+    if constexpr (sizeof(Unit) == 1) return {status, std::string(buffer, buffer + written), length != -7};
+    std::string text;
+    for (size_t i = 0; i < written; ++i) {
+      if (buffer[i] < 0x80) text += static_cast<char>(buffer[i]);
+      else if (buffer[i] == convention_.point) text += '\1';
+      else text += buffer[i] == convention_.separator ? "\2" : utf8(std::u32string(1, buffer[i]));
+    }
+    return {status, text, length != -7};
+  }
+
+  template <class Unit>
+  Written write(const Call& c, const NLSDoubleExOpts* extended = nullptr) {
+    const auto by = [&](auto function) {
+      return [&, function](Unit* buffer, int64_t size, int64_t* length) {
+        return function(locale.get(), c.width, c.decimals, c.flags, buffer, size, length, extended, c.value);
+      };
+    };
+    if constexpr (sizeof(Unit) == 1) return call<Unit>(c.size, by(NLSDoubleFormatUWithExOpts), std::isnan(c.value));
+    else return call<Unit>(c.size, by(NLSDoubleFormatWithExOpts), std::isnan(c.value));
+  }
+
+  /// Both flavours of a double, as the model says; gives what that says of UTF-32.
+  Written check(const Call& c) {
+    const Written expected = units_.format(c.value, c.width, c.decimals, c.flags, c.size);
+    const bool one = convention_.point < 0x80 && convention_.separator < 0x80;
+    const auto shown = [&] {
+      return testing::Message() << std::hexfloat << c.value << std::defaultfloat << " = " << c.value << " width "
+                                << c.width << " decimals " << c.decimals << " flags " << std::hex << c.flags << " size "
+                                << std::dec << c.size;
+    };
+    EXPECT_EQ(write<VXChar>(c), expected) << shown();
+    EXPECT_EQ(write<uint8_t>(c), one ? expected : bytes_.format(c.value, c.width, c.decimals, c.flags, c.size))
+        << shown();
+    return expected;
+  }
+
+  /// Both flavours of an integer.
+  template <class Value, class Plain, class Utf8>
+  void check_integer(Plain plain, Utf8 in_utf8, Value value, int width, int precision, uint32_t flags,
+                     int64_t size = most_room) {
+    const auto as_modelled = [&]<class Unit>(Unit, auto function, const Marks& marks) {
+      const auto write = [&](Unit* buffer, int64_t room, int64_t* length) {
+        return function(locale.get(), value, width, precision, flags, buffer, room, length);
+      };
+      EXPECT_EQ(call<Unit>(size, write),
+                integer_model(marks, value, std::is_signed_v<Value>, width, precision, flags, size))
+          << "width " << width << " precision " << precision << " flags " << std::hex << flags << std::dec << " size "
+          << size << " value " << static_cast<double>(value);
+    };
+    as_modelled(VXChar{}, plain, integer_units_);
+    as_modelled(uint8_t{}, in_utf8, integer_bytes_);
+  }
+
+  PlainLocale locale;
+
+ private:
+  DoubleModel units_, bytes_;
+  Marks integer_units_, integer_bytes_;
+  const Convention& convention_;
+};
+
+double any_value(std::mt19937_64& random) {
+  const auto between = [&](int low, int high) {
+    return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
+  };
+  const auto number = [](const std::string& digits, int exponent) {
+    return std::strtod((digits + "e" + std::to_string(exponent)).c_str(), nullptr);
+  };
+  const auto digits = [&](int most) {
+    return std::to_string(random()).substr(0, static_cast<size_t>(between(1, most)));
+  };
+  const auto of_magnitude = [&](int most, int from, int to) {
+    const std::string all = digits(most);
+    return number(all, between(from, to) - static_cast<int>(all.size()));
+  };
+  const auto special = [&] {
+    const uint64_t code = random() % 32;  // of missing values, and others
+    const double values[] = {HUGE_VAL,
+                             0,
+                             std::nextafter(0.95, 0),
+                             std::nextafter(1e15, 0),
+                             0x1p-1074,
+                             std::bit_cast<double>(0xFFFFFF0000000000 ^ code << 40)};
+    return values[random() % std::size(values)];
+  };
+  const auto kind = [&] {
+    switch (random() % 11) {
+      case 0: return std::bit_cast<double>(random());
+      case 1: return number(digits(7), -between(0, 10));
+      case 2: return number(digits(4) + "5", -between(1, 13));  // halves of a unit of some decimal
+      case 3: return of_magnitude(17, -20, 34);
+      case 4: return of_magnitude(4, -324, 308);
+      case 5: return number(std::string(static_cast<size_t>(between(1, 17)), '9'), between(-24, 16));
+      case 6: return number("1", between(-324, 308));
+      case 7: return static_cast<double>(random() >> between(0, 63));
+      case 8: return std::ldexp(static_cast<double>(random() >> 11), between(-80, 40));
+      case 9: return std::bit_cast<double>(random() >> between(12, 63));
+      default: return special();
+    }
+  };
+  double value = kind();
+  for (int steps = between(0, 7) ? 0 : between(1, 3); steps > 0; --steps) value = std::nextafter(value, HUGE_VAL);
+  return random() % 3 == 0 ? -value : value;
+}
+
+/// Five million fixed fields, and a million numbers in free mode: in room for just the text, in more and in less.
+TEST(DoubleFormat, AgreesWithTheModel) {
+  constexpr uint32_t fields[] = {NLS_FORMAT_FIXED, NLS_FORMAT_BEST, NLS_FORMAT_FIXED_EXPONENT, NLS_FORMAT_SIGNIFICANT};
+  constexpr uint32_t free_forms[] = {0,
+                                     NLS_FORMAT_GENERAL,
+                                     NLS_FORMAT_PLAIN,
+                                     NLS_FORMAT_PLAIN,
+                                     NLS_FORMAT_FRACTION,
+                                     0x0020,
+                                     NLS_FORMAT_KEEP_ZEROS,
+                                     NLS_FORMAT_INTEGER,
+                                     0x0400};
+  constexpr uint32_t options[] = {NLS_FORMAT_GROUP, NLS_FORMAT_PLUS, NLS_FORMAT_LEFT, NLS_FORMAT_ZERO_PAD,
+                                  NLS_FORMAT_BLANK};
+  std::mt19937_64 random(20240611);
+  const auto one_of = [&](const auto& from) { return from[random() % std::size(from)]; };
+  const auto between = [&](int low, int high) {
+    return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
+  };
+  for (int turn = 0; turn < 120; ++turn) {
+    Writer writer(conventions[static_cast<size_t>(turn) % std::size(conventions)]);
+    for (int i = 0; i < 50'000; ++i) {
+      const bool is_free = i % 6 == 0;
+      Call c{any_value(random), between(-2, 34), random() % 16 == 0 ? NLS_BEST_DECIMALS : between(-3, 20), 0};
+      if (is_free && random() % 8 == 0) c.width = between(-300, 300);
+      if (is_free && random() % 32 == 0) c.decimals = between(0, 360);
+      for (const uint32_t option : options) c.flags |= random() % 4 == 0 ? option : 0;
+      c.flags |= is_free ? one_of(free_forms) : one_of(fields) | (random() % 16 == 0 ? one_of(fields) : 0);
+      // Now and then in room for just what is written, or in any.
+      if (random() % 16 == 0) c.size = static_cast<int64_t>(writer.check(c).text.size());
+      else if (random() % 8 == 0) c.size = between(-1, 34);
+      writer.check(c);
+      if (testing::Test::HasFailure()) return;
+    }
+  }
+}
+
+// What is wanted of single numbers, of the model as well.
+TEST(DoubleFormat, Texts) {
+  constexpr uint32_t fixed = NLS_FORMAT_FIXED, plain = NLS_FORMAT_PLAIN, best = NLS_BEST_DECIMALS;
+  const struct {
+    Call call;
+    VXStatus status;
+    const char* text;
+  } rows[] = {
+      {{3.999, 0, 2, NLS_FORMAT_FRACTION}, 0, "1.00"},
+      {{-3.14159, 0, 2, NLS_FORMAT_FRACTION}, 0, "-0.14"},
+      {{12.5, 8, 1, plain | NLS_FORMAT_LEFT | NLS_FORMAT_ZERO_PAD}, 0, "12.5    "},
+      {{12.5, 8, 1, plain | NLS_FORMAT_ZERO_PAD | NLS_FORMAT_PLUS}, 0, "+00012.5"},
+      {{12.5, 8, 1, plain | NLS_FORMAT_BLANK | NLS_FORMAT_ZERO_PAD}, 0, "000012.5"},
+      {{12.5, 2, 1, plain | NLS_FORMAT_BLANK}, 0, " 12.5"},  // a width is the least
+      {{1234567.5, 10, 1, plain | NLS_FORMAT_GROUP}, VX_E_GROUPING, " 1234567.5"},
+      {{1.5, 9, 1, plain, 4}, VX_E_TRUNCATED, "****"},
+      {{5e-324, 0, 350, NLS_FORMAT_EXPONENT}, VX_E_DIRECTIVE, ""},
+      {{1.0 / 3, 0, 0, NLS_FORMAT_BEST}, 0, "0.333333333333"},
+      {{0, 0, 2, NLS_FORMAT_EXPONENT}, 0, "0.00E+00"},
+      {{0.15, 0, -1, plain}, 0, "0.150000"},
+      {{1.5, -8, 3, NLS_FORMAT_GENERAL}, 0, "1.5     "},
+      {{1.5, 8, 3, NLS_FORMAT_GENERAL | NLS_FORMAT_KEEP_ZEROS}, 0, "    1.50"},
+      {{0.285, 8, 2, fixed}, 0, "    0.29"},
+      {{1e12, 10, 2, fixed}, VX_W_PRECISION, "      1E12"},
+      {{2.5, 1, 0, fixed}, 0, "3"},
+      {{0.9499999999999999, 5, 1, fixed}, 0, "  1.0"},  // rounded up on purpose, to just 1
+      {{0.001, 5, 4, fixed}, 0, ".0010"},
+      {{9.999, 4, 2, fixed}, VX_W_PRECISION, "10.0"},
+      {{99.99, 2, 1, fixed}, VX_E_TRUNCATED, "**"},
+      {{-0.3, 1, 0, fixed}, 0, "0"},
+      {{-0.7, 1, 0, fixed}, VX_E_TRUNCATED, "*"},
+      {{9007199254740993.0, 20, 2, fixed}, 0, " 9007199254740992.00"},
+      {{0.1, 22, 20, fixed}, 0, "0.10000000000000000000"},
+      {{1234567.891, 14, 2, fixed | NLS_FORMAT_GROUP}, 0, "  1,234,567.89"},
+      {{1234567.891, 11, 2, fixed | NLS_FORMAT_GROUP}, VX_E_GROUPING, " 1234567.89"},
+      {{3.5, 12, best, 0}, 0, "         3.5"},
+      {{3.7, 5, 0, NLS_FORMAT_SIGNIFICANT}, 0, "    4"},
+      {{12345, 12, 1, NLS_FORMAT_SIGNIFICANT}, 0, "  1.2345E+04"},
+      {{1, 33, 0, fixed, 5}, VX_E_WIDTH, "*****"},
+      {{1, 6, 0, NLS_FORMAT_FIXED_EXPONENT}, VX_E_WIDTH, "******"},
+      {{3.14159, 10, 2, fixed, 5}, 0, " 3.14"},           // the field is what the buffer has
+      {{qmMissVal('_'), 10, 3, fixed}, 0, "      _   "},  // where the units digit stands
+      {{qmMissVal('m'), 0, 2, 0}, 0, "M"},
+      {{std::numeric_limits<double>::quiet_NaN(), 3, 5, fixed}, 0, "  ."},
+      {{qmMissVal('.'), 40, 0, fixed, 5}, 0, "    ."},
+      {{qmMissVal('.'), 5, 0, fixed, 0}, VX_E_TRUNCATED, ""},
+      {{HUGE_VAL, 10, 2, fixed}, 0, "Inf"},
+      {{-HUGE_VAL, 3, 2, fixed}, VX_E_TRUNCATED, "***"},
+  };
+  Writer writer;
+  for (const auto& row : rows) EXPECT_EQ(writer.check(row.call), (Written{row.status, row.text}));
+  EXPECT_EQ(writer.check({1, -5, 0, fixed}), (Written{VX_E_WIDTH, "", false}));
+  // What stands for the ordinary missing value: never a part of its bytes.
+  const double ordinary = qmMissVal('.');
+  const NLSDoubleExOpts star{1, {}, '*'}, none{1, {}, 0}, unset{0, {}, '*'}, dash{1, {}, 0x2014};
+  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &star), (Written{0, "*"}));
+  EXPECT_EQ(writer.write<VXChar>({qmMissVal('B'), 0, 0, 0}, &star), (Written{0, "B"}));
+  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &none), (Written{VX_E_MISSCHAR, "."}));
+  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &unset), (Written{0, "."}));
+  EXPECT_EQ(writer.write<uint8_t>({ordinary, 4, 0, fixed}, &dash), (Written{0, " —"}));
+  EXPECT_EQ(writer.write<uint8_t>({ordinary, 1, 0, fixed}, &dash), (Written{0, "—"}));
+}
+
+TEST(DoubleFormat, PercentagesAndCurrency) {
+  const std::string dollars(60, '$');
+  const struct {
+    decltype(NLSPercentFormat)* function;
+    Call call;
+    std::string text, added;  // to the number
+  } rows[] = {
+      {NLSPercentFormat, {-0.125, 0, 1, 1}, "(12.5%)", ")%"},
+      {NLSPercentFormat, {-0.125, 0, 1, 0}, "-12.5%", "%"},
+      {NLSPercentFormat, {0.125, 8, 1, 1}, "   12.5%", "%"},
+      {NLSPercentFormat, {-0.125, 10, 1, 1}, "(   12.5%)", ")%"},
+      {NLSPercentFormat, {-0.125, 10, 1, 0xFFFFFFFE}, "    -12.5%", "%"},
+      {NLSCurrencyFormat, {1234.5, 12, 2, 0}, "   $1,234.50", "$"},
+      {NLSCurrencyFormat, {-1234.5, 12, 2, 0}, "  $-1,234.50", "$"},
+      {NLSCurrencyFormat, {1234.5, 0, 2, 0}, "$1234.50", "$"},  // no separators in what the symbol leaves of nothing
+      {NLSCurrencyFormat, {1234.5, 8, 2, 0}, "$1234.50", "$"},  // they do not fit: no failure
+      {NLSCurrencyFormat, {1234.5, 12, 2, 1}, "      $1,235", "$"},
+      {NLSCurrencyFormat, {5, -8, 1, 0}, "$5.0      ", "$"},
+      {NLSCurrencyFormat, {7, 12, 2, 0}, "    CHF 7.00", "CHF "},
+      {NLSCurrencyFormat, {7.5, 0, 2, 0}, "7.50", ""},
+      {NLSCurrencyFormat, {1.5, 64, 2, 0}, dollars + "1.50", dollars},
+  };
+  Writer writer;
+  for (const auto& row : rows) {
+    set_name(writer.locale.data.currencySymbol, utf32(row.added));
+    const auto added = static_cast<int64_t>(row.added.size()), whole = static_cast<int64_t>(row.text.size());
+    for (int64_t size = -1; size <= whole; ++size) {
+      int64_t told = 0;
+      const auto write = [&](VXChar* buffer, int64_t room, int64_t* length) {
+        const Call& c = row.call;
+        const auto status =
+            row.function(writer.locale.get(), c.width, c.decimals, c.flags, buffer, room, &told, c.value);
+        *length = status == 0 ? told : std::max<int64_t>(room, 0);
+        return status;
+      };
+      const Written written = writer.call<VXChar>(size, write);
+      SCOPED_TRACE(testing::Message() << row.text << " in " << size << ": " << written);
+      EXPECT_EQ(written.status, size < whole ? VX_E_TRUNCATED : 0);
+      // After a failure what is added counts, but is not written.
+      EXPECT_EQ(told, std::max(size, added));
+      if (size == whole) {
+        EXPECT_EQ(written.text, row.text);
+      }
+    }
+  }
+}
+
+constexpr uint32_t signed_flags[] = {0,
+                                     NLS_FORMAT_PLUS,
+                                     NLS_FORMAT_BLANK,
+                                     NLS_FORMAT_GROUP,
+                                     NLS_FORMAT_LEFT | NLS_FORMAT_PLUS,
+                                     NLS_FORMAT_ZERO_PAD,
+                                     NLS_FORMAT_ZERO_PAD | NLS_FORMAT_BLANK | NLS_FORMAT_GROUP,
+                                     NLS_FORMAT_ZERO_PAD | NLS_FORMAT_LEFT | NLS_FORMAT_GROUP,
+                                     NLS_FORMAT_OCTAL | NLS_FORMAT_OCTAL_PREFIX};
+constexpr uint32_t unsigned_flags[] = {0,
+                                       NLS_FORMAT_PLUS | NLS_FORMAT_BLANK,
+                                       NLS_FORMAT_GROUP,
+                                       NLS_FORMAT_HEX_LOWER | NLS_FORMAT_HEX_PREFIX | NLS_FORMAT_GROUP,
+                                       NLS_FORMAT_HEX_UPPER | NLS_FORMAT_HEX_PREFIX | NLS_FORMAT_ZERO_PAD,
+                                       NLS_FORMAT_HEX_LOWER | NLS_FORMAT_HEX_UPPER | NLS_FORMAT_HEX_PREFIX,
+                                       NLS_FORMAT_OCTAL,
+                                       NLS_FORMAT_OCTAL | NLS_FORMAT_OCTAL_PREFIX | NLS_FORMAT_LEFT,
+                                       NLS_FORMAT_OCTAL | NLS_FORMAT_HEX_PREFIX | NLS_FORMAT_ZERO_PAD};
+
+TEST(IntegerFormat, EverySixteenBitValueWithEveryWidth) {
+  Writer writer;
+  for (int32_t value = -32768; value <= 65535 && !testing::Test::HasFailure(); ++value) {
+    for (int width = 0; width <= 24; ++width) {
+      // Precision 0, which lets zeros pad, and one other by turns: 6 (asked for by -1), 2, 5, 8.
+      const int precision = (value + width) % 2 == 0 ? 0 : std::abs(value + width) / 2 % 4 * 3 - 1;
+      for (const uint32_t flags : signed_flags)
+        writer.check_integer(NLSIntFormat, NLSIntFormatU, value, width, precision, flags);
+      if (value < 0) continue;
+      for (const uint32_t flags : unsigned_flags)
+        writer.check_integer(NLSUIntFormat, NLSUIntFormatU, static_cast<uint32_t>(value), width, precision, flags);
+    }
+  }
+}
+
+/// The borders of a type, and every power of ten and two, +-2; in every convention, as wide and precise as it may be,
+/// in little room; and read back.
+template <class Value>
+void check_borders(auto plain, auto in_utf8, auto reader) {
+  std::mt19937_64 random(1);
+  const auto one_of = [&](std::initializer_list<int> from) { return *(from.begin() + random() % from.size()); };
+  for (const Convention& convention : conventions) {
+    Writer writer(convention);
+    const auto check_around = [&](Wide centre) {
+      for (int off = -2; off <= 2; ++off) {
+        const auto value = static_cast<Value>(centre + off);
+        if (value != centre + off) continue;
+        for (const uint32_t flags : std::is_signed_v<Value> ? signed_flags : unsigned_flags)
+          for (const int width : {0, 1, -19, 20, 33, -40, 64, 65, 300, INT32_MIN})
+            writer.check_integer(plain, in_utf8, value, width, one_of({0, 0, 1, 25, -3, INT32_MAX}), flags,
+                                 one_of({-1, 0, 19, 26, 64, 300, 301, most_room}));
+        Value read{};
+        uint64_t consumed = 0;
+        const auto write = [&](VXChar* text, int64_t room, int64_t* length) {
+          plain(writer.locale.get(), value, 0, 1, NLS_FORMAT_GROUP, text, room, length);
+          return reader(writer.locale.get(), text, *length, 0, &read, &consumed);
+        };
+        EXPECT_EQ(writer.call<VXChar>(most_room, write).status, 0u);
+        EXPECT_EQ(read, value);
+      }
+    };
+    check_around(std::numeric_limits<Value>::min());
+    check_around(std::numeric_limits<Value>::max());
+    for (const int base : {2, 10})
+      for (Wide power = 1; power <= std::numeric_limits<Value>::max(); power *= base)
+        for (const int sign : {1, -1}) check_around(power * sign);
+    for (int i = 0; i < 50; ++i) check_around(static_cast<Value>(random() >> random() % 64));
+    if (testing::Test::HasFailure()) return;
+  }
+}
+
+TEST(IntegerFormat, BordersOfEveryMember) {
+  check_borders<int32_t>(NLSIntFormat, NLSIntFormatU, NLSBufToInt);
+  check_borders<int32_t>(NLSIntfastFormat, NLSIntfastFormatU, NLSBufToIntfast);
+  check_borders<uint32_t>(NLSUIntFormat, NLSUIntFormatU, NLSBufToUInt);
+  check_borders<uint32_t>(NLSUintfastFormat, NLSUintfastFormatU, NLSBufToUintfast);
+  check_borders<int64_t>(NLSLongFormat, NLSLongFormatU, NLSBufToLong);
+  check_borders<int64_t>(NLSIntmaxFormat, NLSIntmaxFormatU, NLSBufToIntmax);
+  check_borders<uint64_t>(NLSULongFormat, NLSULongFormatU, NLSBufToULong);
+  check_borders<uint64_t>(NLSUintmaxFormat, NLSUintmaxFormatU, NLSBufToUintmax);
+  check_borders<uint64_t>(NLSPointerFormat, NLSPointerFormatU, NLSBufToUintmax);
+}
+
+TEST(NumberFormat, NullsAndNoLocale) {
+  Writer writer;
+  VXLocale* const locale = writer.locale.get();
+  VXChar units[16];
+  uint8_t bytes[16];
+  int64_t length = 0;
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSDoubleFormat, locale), 9, 1, 0u, units, 16, &length, 1234.5);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSPercentFormat, locale), 9, 1, 0u, units, 16, &length, 1234.5);
+  VX_EXPECT_NULLS_REFUSED(NLSCurrencyFormat, locale, 9, 1, 0u, units, 16, &length, 1234.5);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSIntFormat, locale), 1, 0, 0, 0u, units, 4, &length);
+  VX_EXPECT_NULLS_REFUSED(vxzFDblToBuff, units, 8, &length, &length, 0.5);
+  const auto utf8_format = [&](uint8_t* buffer, int64_t* written) {
+    return NLSDoubleFormatUWithExOpts(locale, 9, 1, NLS_FORMAT_PLAIN, buffer, 16, written, nullptr, 1234.5);
+  };
+  VX_EXPECT_NULLS_REFUSED(utf8_format, bytes, &length);
+  const auto integer_digits = [](VXChar* to, int64_t* digits) { return vxzIDblToBuff(12, to, 8, digits, nullptr); };
+  VX_EXPECT_NULLS_REFUSED(integer_digits, units, &length);
+  EXPECT_EQ(integer_digits(units, &length), 0u);
+  VXLocale without_data{};
+  for (VXLocale* const none : {static_cast<VXLocale*>(nullptr), &without_data}) {
+    for (const uint32_t flags : {NLS_FORMAT_PLAIN, NLS_FORMAT_FIXED}) {
+      EXPECT_EQ(NLSDoubleFormatUWithExOpts(none, 9, 1, flags | NLS_FORMAT_GROUP, bytes, 16, &length, nullptr, 1234.5),
+                0u);
+      EXPECT_EQ(std::string(bytes, bytes + length), "  1,234.5");
+    }
+    EXPECT_EQ(NLSIntFormat(none, 1234, 0, 0, NLS_FORMAT_GROUP, units, 4, &length), 0u);  // no locale, no groups
+    EXPECT_EQ(length, 4);
+  }
+}
+
+/// Both parts of a value, of its fraction as many digits as there is room for.
+void check_digits(double value, int64_t room) {
+  static Writer writer;
+  const Exact exact(value);
+  int64_t needed = -1, zeros = -1;
+  const auto whole = [&](VXChar* buffer, int64_t size, int64_t* count) {
+    return vxzIDblToBuff(value, buffer, size, count, &needed);
+  };
+  const auto fraction = [&](VXChar* buffer, int64_t size, int64_t* count) {
+    return vxzFDblToBuff(buffer, size, count, &zeros, value);
+  };
+  const auto count = static_cast<int64_t>(exact.whole.size());
+  EXPECT_EQ(writer.call<VXChar>(count, whole), (Written{0, exact.whole})) << std::hexfloat << value;
+  EXPECT_EQ(needed, count);
+  if (count > 0) {
+    EXPECT_EQ(writer.call<VXChar>(count - 1, whole), (Written{VX_E_DIGITS, ""})) << std::hexfloat << value;
+  }
+  const size_t first = std::min(exact.fraction.find_first_not_of('0'), exact.fraction.size());
+  const std::string expected = value == 0 ? "0" : exact.fraction.substr(first, static_cast<size_t>(room));
+  EXPECT_EQ(writer.call<VXChar>(room, fraction), (Written{0, expected})) << std::hexfloat << value;
+  EXPECT_EQ(zeros, room > 0 ? static_cast<int64_t>(first) : 0);
+}
+
+TEST(Digits, AgreeWithExactArithmeticOverAllExponents) {
+  std::mt19937_64 random(20240307);
+  for (int i = 0; i < 5'000'000 && !testing::Test::HasFailure(); ++i) {
+    // Every exponent in turn; a random mantissa, one in four with few bits.
+    const uint64_t few = i % 4 == 3 ? ~uint64_t{0} << random() % 52 : ~uint64_t{0};
+    const uint64_t mantissa = random() >> 12 & few;
+    // The whole expansion of a subnormal has 1074 digits; most uses ask for few.
+    check_digits(std::bit_cast<double>(static_cast<uint64_t>(i % 2047) << 52 | mantissa), i % 16 == 0 ? most_room : 20);
+  }
+}
+
+TEST(Digits, PowersOfTwoAndTenAndTheirNeighbours) {
+  std::vector<double> values = {0};
+  for (int e = -1074; e < 1024; ++e) values.push_back(std::ldexp(1.0, e));
+  for (int e = -323; e <= 308; ++e) values.push_back(std::strtod(("1e" + std::to_string(e)).c_str(), nullptr));
+  for (const double value : values)
+    for (const double near : {std::nextafter(value, 0), value, std::nextafter(value, HUGE_VAL), -value})
+      check_digits(near, most_room);
+  for (const int64_t room : {0, 1, 4}) check_digits(0.0009765625, room);
+  VXChar buffer[1];
+  int64_t count = 0, zeros = 0;
+  for (const double bad : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+    EXPECT_EQ(vxzIDblToBuff(bad, buffer, 1, &count, nullptr), VX_E_RANGE);
+    EXPECT_EQ(vxzFDblToBuff(buffer, 1, &count, &zeros, bad), VX_E_RANGE);
+  }
+}
+
+}  // namespace
+
+}  // namespace vxtest
