@@ -7,29 +7,24 @@
 
 #include <array>
 #include <csignal>
+#include <cstdlib>
 #include <stdexcept>
+#include <utility>
 
 namespace vxtest {
 
 Terminal::Terminal(std::vector<std::string> words, const Environment& variables) {
-  std::vector<std::string> environment;
-  for (const auto& [name, value] : variables) environment.push_back(name + '=' + value);
-  const auto pointers = [](std::vector<std::string>& texts) {
-    std::vector<char*> all;
-    for (std::string& one : texts) all.push_back(one.data());
-    all.push_back(nullptr);
-    return all;
-  };
-  std::vector<char*> arguments = pointers(words);
-  std::vector<char*> settings = pointers(environment);
-  winsize size{.ws_row = 50, .ws_col = 200, .ws_xpixel = 0, .ws_ypixel = 0};
+  const winsize size{.ws_row = 50, .ws_col = 200, .ws_xpixel = 0, .ws_ypixel = 0};
   child_ = forkpty(&terminal_, nullptr, nullptr, &size);
   if (child_ < 0) throw std::runtime_error("no terminal");
-  if (child_ == 0) {
-    environ = settings.data();
-    execvp(arguments[0], arguments.data());
-    _exit(127);
-  }
+  if (child_ != 0) return;
+  clearenv();
+  for (const auto& [name, value] : variables) setenv(name.c_str(), value.c_str(), 1);
+  std::vector<char*> arguments;
+  for (std::string& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  execvp(arguments[0], arguments.data());
+  _exit(127);
 }
 
 Terminal::~Terminal() {
@@ -48,21 +43,17 @@ void Terminal::type(std::string_view text) {
 
 std::string Terminal::until(std::string_view text) {
   constexpr int half_a_minute = 30'000;
-  for (;;) {
-    const size_t at = unread_.find(text);
-    pollfd wanted{terminal_, POLLIN, 0};
-    std::array<char, 4096> block{};
-    ssize_t count = 0;
-    if (at == std::string::npos && poll(&wanted, 1, half_a_minute) > 0)
-      count = read(terminal_, block.data(), block.size());
-    if (count <= 0) {
-      const size_t end = at == std::string::npos ? unread_.size() : at + text.size();
-      std::string told = unread_.substr(0, end);
-      unread_.erase(0, end);
-      return told;
-    }
+  pollfd wanted{terminal_, POLLIN, 0};
+  std::array<char, 4096> block{};
+  size_t end = 0;
+  while ((end = unread_.find(text)) == std::string::npos) {
+    const ssize_t count = poll(&wanted, 1, half_a_minute) > 0 ? read(terminal_, block.data(), block.size()) : 0;
+    if (count <= 0) return std::exchange(unread_, {});
     unread_.append(block.data(), static_cast<size_t>(count));
   }
+  std::string told = unread_.substr(0, end + text.size());
+  unread_.erase(0, told.size());
+  return told;
 }
 
 }  // namespace vxtest
