@@ -1,19 +1,187 @@
-// Values of the language written and read: held against the C interface, std::chrono and each other.
+// The C++ face: values written and read, held against the C interface, std::chrono and each other; code points, coders,
+// case; results and their explanations; the host's own calls. What docs/cpp.md shows is run by tests/docs.
 #include <gtest/gtest.h>
+#include <unicode/unistr.h>
 
 #include <cmath>
+#include <memory>
 #include <random>
 
-#include "tests/cpp/open_host.h"
+#include "vxnls/vxnls.hpp"
 
 namespace {
 
 using namespace std::chrono_literals;
 using namespace std::chrono;
+using vxnls::code_points;
 using vxnls::form;
 using vxnls::money;
 using vxnls::number_style;
 using vxnls::percent;
+
+vxnls::host& host() {
+  static vxnls::host opened = vxnls::host::open().value();
+  return opened;
+}
+vxnls::locale locale_of(std::string_view name, std::string_view zone = "UTC") {
+  return host().locale(name, zone).value();
+}
+
+static_assert(std::ranges::forward_range<code_points<char8_t>> && std::ranges::view<code_points<char8_t>> &&
+              std::ranges::borrowed_range<code_points<char8_t>>);
+static_assert(std::ranges::equal(code_points(u8"aé€😀"), code_points(u"aé€😀")));
+
+template <class Text>
+void expect_points(const Text& text, const icu::UnicodeString& wanted) {
+  int32_t at = 0;
+  for (const char32_t point : code_points(text)) {
+    const UChar32 by_icu = wanted.char32At(at);
+    ASSERT_EQ(point, U_IS_SURROGATE(by_icu) ? 0xFFFD : static_cast<uint32_t>(by_icu)) << testing::PrintToString(text);
+    at = wanted.moveIndex32(at, 1);
+  }
+  ASSERT_EQ(at, wanted.length()) << testing::PrintToString(text);
+}
+
+void expect_points(const std::string& text) {
+  ASSERT_NO_FATAL_FAILURE(expect_points(text, icu::UnicodeString::fromUTF8(text)));
+  const size_t good = vxnls::well_formed_prefix(text);
+  ASSERT_EQ(vxnls::is_well_formed(text), good == text.size());
+  const code_points points(text);
+  for (auto point = points.begin(); point != points.end(); ++point) {
+    const auto place = static_cast<size_t>(point.base() - text.data());
+    ASSERT_TRUE(place > good || point.well_formed() == (place < good)) << testing::PrintToString(text);
+  }
+}
+
+TEST(CodePoints, AreThoseOfIcu) {
+  for (uint32_t bytes = 0; bytes < 0x10000; ++bytes) {
+    const std::string pair{static_cast<char>(bytes >> 8), static_cast<char>(bytes)};
+    for (const char* tail : {"", "\x80", "\xBF\x80", "z"}) ASSERT_NO_FATAL_FAILURE(expect_points(pair + tail));
+  }
+  std::mt19937 random(5);
+  constexpr char16_t units[] = {'a', 0xE9, 0xD7FF, 0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFF};
+  constexpr uint8_t bytes[] = {'a', 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC1, 0xC2, 0xE0, 0xED, 0xEF, 0xF0, 0xF4, 0xF5};
+  for (int i = 0; i < 100000; ++i) {
+    std::string narrow;
+    std::u16string wide;
+    for (auto n = random() % 9; n > 0; --n) {
+      narrow.push_back(static_cast<char>(bytes[random() % std::size(bytes)]));
+      wide.push_back(units[random() % std::size(units)]);
+    }
+    ASSERT_NO_FATAL_FAILURE(expect_points(narrow));
+    ASSERT_NO_FATAL_FAILURE(expect_points(wide, icu::UnicodeString(wide.data(), static_cast<int32_t>(wide.size()))));
+  }
+  EXPECT_TRUE(std::ranges::equal(code_points(std::u32string{0x41, 0xD800, 0x10FFFF, 0x110000, 0xFFFFFFFF}),
+                                 std::u32string_view(U"A\uFFFD\U0010FFFF\uFFFD\uFFFD")));
+}
+
+TEST(Coders, StopAtAFault) {
+  static const std::tuple<std::string, VXStatus, size_t> cases[] = {
+      {"", 0, 0}, {"aé€😀", 0, 10}, {"aé\xFFz", VX_E_SEQUENCE, 3}, {"aé€\xF0\x9F", VX_E_INCOMPLETE, 6}};
+  for (const auto& [text, status, good] : cases) {
+    const auto wide = vxnls::to_utf32(text);
+    const auto middle = vxnls::to_utf16(text);
+    EXPECT_EQ(std::tuple(wide.status(), wide.consumed(), middle.status()), std::tuple(status, good, status));
+    EXPECT_EQ(vxnls::to_utf8(*wide).value(), text.substr(0, good));
+    EXPECT_EQ(vxnls::to_utf8(*middle).value(), text.substr(0, good));
+    EXPECT_EQ(vxnls::to_utf16(*wide).value(), *middle);
+    EXPECT_EQ(vxnls::to_utf32(*middle).value(), *wide);
+  }
+  EXPECT_EQ(vxnls::to_utf8(std::u16string{u"\xD83D"}).status(), VX_E_INCOMPLETE);
+}
+
+TEST(Case, GrowsAndKeepsToTheRoom) {
+  host();
+  EXPECT_EQ(vxnls::upper(U"àÿ") + vxnls::lower(U"ÀŸ"), U"ÀŸàÿ");
+  EXPECT_EQ(vxnls::lower("ȺȺȺ"), "ⱥⱥⱥ");  // two bytes become three
+  EXPECT_EQ(vxnls::upper("\x80é"), "\x80É");
+  char room[5];
+  EXPECT_EQ(vxnls::upper_to(room, "éàa").value(), "ÉÀA");
+  EXPECT_EQ(vxnls::lower_to(room, "ȺȺ").status(), VX_E_ROOM);
+  EXPECT_EQ(*vxnls::lower_to(room, "ȺȺ"), "ⱥ");
+  EXPECT_EQ(vxnls::lower_to(std::span<char>(), "A").status(), VX_E_ROOM);
+  EXPECT_EQ(vxnls::lower_to(std::span<char>(), "").status(), 0u);
+  EXPECT_TRUE(vxnls::compare(U"abc ", U"abc") > 0 && vxnls::compare_caseless(U"é", U"É") > 0);
+  EXPECT_TRUE(vxnls::equal_caseless(U"É ", U"é"));
+}
+
+TEST(Result, ExplainsInUnitsOfTheText) {
+  const auto english = locale_of("en_US");
+  const auto reason = [&](auto text) { return english.parse<year_month_day>(text, form::any).why().message(); };
+  for (const auto& [text, message] : {std::pair{"5 März 2021", "at 1: another character is wanted"},
+                                      {"2021-02-31", "at 0: the month has no such day"},
+                                      {"2021-02-28é x", "at 10: more text follows"},
+                                      {"", "at 0: the text ends too early, reading %m"}}) {
+    EXPECT_EQ(reason(std::string_view(text)), message);
+    EXPECT_EQ(reason(std::u32string_view(vxnls::to_utf32(text).value())), message);
+  }
+  const auto german = locale_of("de_DE");
+  EXPECT_EQ(german.parse<year_month_day>("5. Märzx2021", form::long_date).why().position, 8u);
+  EXPECT_EQ(german.parse<year_month_day>(U"5. Märzx2021", form::long_date).why().position, 7u);
+  EXPECT_EQ(english.parse<double>("é").why().length, 2u);
+  EXPECT_EQ(english.parse<double>(U"é").why().length, 1u);
+  EXPECT_EQ(english.parse<double>("é", {.explain = false}).why().what, nullptr);
+  EXPECT_EQ(english.parse<year_month_day>("x", {.explain = false}).why().what, nullptr);
+  EXPECT_EQ(*vxnls::result<std::unique_ptr<int>>(0, std::make_unique<int>(7)).value(), 7);  // moved out
+}
+
+TEST(Result, FormatsIntoWhatTheCallerHas) {
+  const auto german = locale_of("de_DE");
+  const std::string narrow = "5. März 2021";
+  const auto wide = vxnls::to_utf32(narrow).value();
+  for (size_t room = 0; room <= narrow.size() + 1; ++room) {
+    std::string bytes(room, 'x');
+    std::u32string units(room, 'x');
+    const auto done = german.format_to(std::span<char>(bytes), 2021y / 3 / 5, form::long_date);
+    EXPECT_EQ(done.status(), room < narrow.size() ? VX_E_TRUNCATED : 0);
+    EXPECT_EQ(*done, narrow.substr(0, room));
+    EXPECT_EQ(*german.format_to(std::span<char32_t>(units), 2021y / 3 / 5, form::long_date), wide.substr(0, room));
+    // Amounts go through UTF-32 and are cut at whole characters.
+    EXPECT_EQ(*german.format_to(std::span<char>(bytes), vxnls::money{5.0}),
+              room < 3 ? "" : std::string("€5,00").substr(0, room));
+  }
+  EXPECT_EQ((german.format<vxnls::buffer<3, char32_t>>(2021y / 3 / 5)->view()), U"05.");
+}
+
+TEST(Host, HasLocalesZonesAndAJournal) {
+  const std::string longish(300, 'd');  // nor must a NUL cut a name short
+  for (const std::string_view none : {std::string_view("de_DE\0x", 7), {"UTC\0x", 5}, {"\0", 1}, {longish}}) {
+    EXPECT_EQ(host().locale(none).status(), VX_E_NOMATCH);
+    EXPECT_EQ(host().locale("de_DE", none).status(), VX_E_ZONE);
+    EXPECT_EQ(locale_of("de_DE").set_zone(none), VX_E_ZONE);
+    EXPECT_EQ(host().resolve(none).status(), VX_E_NOMATCH);
+    EXPECT_EQ(host().zone_at(none, sys_seconds{}).status(), VX_E_ZONE);
+  }
+  EXPECT_EQ(host().resolve("de_US").status(), VX_W_SUBSTITUTE);
+  EXPECT_EQ(*host().resolve("de_US"), "de");
+  EXPECT_EQ(host().versions().find("ICU 7"), 0u);
+  EXPECT_EQ(host().describe(VX_E_ZONE), "0x803fe83c: no time zone has this name");
+  const auto summer = host().zone_at("europe/berlin", sys_days{2026y / 7 / 1}).value();
+  EXPECT_EQ(summer.id + " " + summer.abbreviation, "Europe/Berlin CEST");
+  EXPECT_TRUE(summer.offset == 2h && summer.summer_time);
+  EXPECT_EQ(host().zone_at("Europe/Berlin", local_days{2026y / 1 / 1}).value().offset, 1h);
+  EXPECT_EQ(host().zone_at("", sys_seconds::max()).status(), VX_E_RANGE);
+  EXPECT_TRUE(host().locale("en_US", "UTC", {.date = std::string(60, 'x')}));
+  EXPECT_EQ(host().locale("en_US", "UTC", {.date = std::string(61, 'x')}).status(), VX_E_LENGTH);
+  EXPECT_EQ(host().locale("en_US", "UTC", {.time = "\xFF"}).status(), VX_E_SEQUENCE);
+
+  EXPECT_NE(vxnls::host::open("/nowhere").why().message().find("/nowhere/"), std::string::npos);
+  const auto before = vxhostAlive();
+  {
+    auto opened = vxnls::host::open().value();
+    std::string journal;
+    opened.on_journal([&](const vxnls::journal_entry& entry) { journal.append(entry.text); });
+    vxnls::host moved = std::move(opened);
+    EXPECT_EQ(opened.get(), nullptr);
+    setenv("TZ", "No/Such/Zone", 1);
+    EXPECT_TRUE(moved.locale("fr_FR"));
+    unsetenv("TZ");
+    EXPECT_FALSE(journal.empty());
+    moved = vxnls::host::open().value();
+    EXPECT_TRUE(moved.locale("fr_FR", "UTC"));
+  }
+  EXPECT_EQ(vxhostAlive(), before);
+}
 
 /// A value comes back from what was written of it, in both flavours, and the whole text belongs to it.
 template <class T, class... Style>
@@ -31,7 +199,7 @@ void expect_back(const vxnls::locale& locale, const T& value, form as, Style... 
 TEST(Values, DatesAndTimesComeBackInEveryForm) {
   for (const char* name : {"en_US", "de_DE", "ja_JP", "ar_EG", "hi_IN", "vi_VN"}) {
     SCOPED_TRACE(name);
-    const auto locale = vxtest::locale(name, "America/New_York");
+    const auto locale = locale_of(name, "America/New_York");
     for (const form as : {form::main, form::medium_date, form::long_date}) {
       for (sys_days day = 1999y / 12 / 1; day < sys_days{2000y / 3 / 5}; day += days{1}) {
         expect_back(locale, year_month_day{day}, as, as);
@@ -55,22 +223,22 @@ TEST(Values, DatesAndTimesComeBackInEveryForm) {
 }
 
 TEST(Values, InstantsHaveFractionsAndFollowTheZone) {
-  const auto fine = vxtest::host().locale("en_US", "UTC", {.datetime = "%Y %m %d %H:%M:%S.%s"}).value();
+  const auto fine = host().locale("en_US", "UTC", {.datetime = "%Y %m %d %H:%M:%S.%s"}).value();
   const auto late = sys_days{2026y / 11 / 21} + 23h + 59min + 59s;
   EXPECT_EQ(fine.parse<sys_time<milliseconds>>("2026 11 21 23:59:59.999").value(), late + 999ms);
   EXPECT_EQ(fine.parse<sys_seconds>("2026 11 21 23:59:59.999").value(), late);
   // The last nanosecond of a day is not rounded into the next one, and before 1960 time does not run backwards.
-  EXPECT_EQ(vxtest::locale("de_DE").format(late + 999999999ns).value(), "21.11.2026 23:59:59");
-  EXPECT_EQ(vxtest::locale("de_DE").format(sys_days{1959y / 12 / 31} - 1ns).value(), "30.12.1959 23:59:59");
+  EXPECT_EQ(locale_of("de_DE").format(late + 999999999ns).value(), "21.11.2026 23:59:59");
+  EXPECT_EQ(locale_of("de_DE").format(sys_days{1959y / 12 / 31} - 1ns).value(), "30.12.1959 23:59:59");
   for (const char* zone : {"Europe/Berlin", "Asia/Kathmandu", "Australia/Lord_Howe"}) {
-    const auto locale = vxtest::locale("de_DE", zone);
+    const auto locale = locale_of("de_DE", zone);
     for (sys_seconds at = sys_days{1950y / 1 / 1}; at < sys_days{2090y / 1 / 1}; at += 1234567s) {
-      const local_seconds local{at.time_since_epoch() + vxtest::host().zone_at(zone, at).value().offset};
+      const local_seconds local{at.time_since_epoch() + host().zone_at(zone, at).value().offset};
       EXPECT_EQ(locale.to_local(at), local);
       EXPECT_EQ(locale.format(at).value(), locale.format(local).value());
     }
   }
-  const auto berlin = vxtest::locale("de_DE", "Europe/Berlin");
+  const auto berlin = locale_of("de_DE", "Europe/Berlin");
   const auto read = [&](const char* text) { return berlin.parse<sys_seconds>(text).value(); };
   EXPECT_EQ(read("25.10.2026 02:30:00"), sys_days{2026y / 10 / 25} + 30min);      // twice: the first
   EXPECT_EQ(read("29.03.2026 02:30:00"), sys_days{2026y / 3 / 29} + 1h + 30min);  // skipped: the offset before
@@ -78,7 +246,7 @@ TEST(Values, InstantsHaveFractionsAndFollowTheZone) {
 
 // The library knows no leap day in years divisible by 4000; std::chrono does.
 TEST(Values, TheTwoCalendarsMeet) {
-  const auto locale = vxtest::locale("en_US");
+  const auto locale = locale_of("en_US");
   NLSCalendarWork work{0, 0, 0, 0, {31, 0, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31}, 1950};
   for (sys_days day = 1582y / 1 / 1; day <= sys_days{20000y / 12 / 31}; day += days{1}) {
     const year_month_day date = day;
@@ -100,7 +268,7 @@ TEST(Values, TheTwoCalendarsMeet) {
 }
 
 TEST(Values, RefusesWhatIsNoMoment) {
-  const auto locale = vxtest::locale("en_US");
+  const auto locale = locale_of("en_US");
   const auto status = [&](auto value) { return locale.format(value).status(); };
   for (const year_month_day day : {1581y / 12 / 31, 50y / 1 / 1, 2023y / 2 / 29, 20001y / 1 / 1, 2023y / 13 / 1}) {
     EXPECT_EQ(status(day), VX_E_RANGE);
@@ -133,7 +301,7 @@ TEST(Values, RefusesWhatIsNoMoment) {
 
 template <class T>
 void expect_written(T value, const number_style& style, const std::string& text, VXStatus status = 0) {
-  const auto locale = vxtest::locale("de_DE");
+  const auto locale = locale_of("de_DE");
   const auto written = locale.format(value, style);
   EXPECT_EQ(*written, text);
   EXPECT_EQ(written.status(), status) << text;
@@ -162,7 +330,7 @@ TEST(Values, NumbersAreWrittenAsAsked) {
 
 template <class T>
 void expect_read(std::string_view text, T value, VXStatus status = 0, const vxnls::reading& how = {}) {
-  const auto read = vxtest::locale("en_US").parse<T>(text, how);
+  const auto read = locale_of("en_US").parse<T>(text, how);
   EXPECT_EQ(*read, value) << text;
   EXPECT_EQ(read.status(), status) << text;
   EXPECT_EQ(read.consumed(), status != 0 ? read.consumed() : how.prefix ? text.find('2') + 1 : text.size()) << text;
@@ -178,7 +346,7 @@ TEST(Values, NumbersAreReadAsTheTypeAskedFor) {
   expect_read<int>("12 kg", 0, VX_E_NOTNUMBER);
   for (const char* text : {"12 kg", " 1,2kg", "+12"}) expect_read(text, 12, 0, {.prefix = true});
   for (const char* text : {"kg", "- kg", ",1"}) expect_read(text, 0, VX_E_NOTNUMBER, {.prefix = true});
-  const auto french = vxtest::locale("fr_FR");
+  const auto french = locale_of("fr_FR");
   EXPECT_TRUE(std::isnan(*french.parse<double>("x")));
   EXPECT_EQ(french.parse<double>("1e999").status(), VX_E_OVERFLOW);
   EXPECT_EQ(french.parse<double>("1 234,5").status(), VX_E_NOTNUMBER);
@@ -201,7 +369,7 @@ TEST(Values, NumbersAreReadAsTheTypeAskedFor) {
 
 // The rooms of the header hold the longest texts that can be asked for.
 TEST(Values, RoomsHoldTheLongestTexts) {
-  const auto locale = vxtest::host().locale("en_US", "UTC", {.date = std::string(60, 'x')}).value();
+  const auto locale = host().locale("en_US", "UTC", {.date = std::string(60, 'x')}).value();
   VXLocaleData& data = *locale.get()->localeData;
   data.groupSeparator = data.decimalPoint = 0x1F600;
   data.groupingPattern.text[0] = '1';
