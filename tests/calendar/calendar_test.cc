@@ -95,86 +95,70 @@ TEST(Calendar, InvalidValuesAreMissing) {
 }
 
 // What the loop over all days does not meet: fractions, what is no date, and what the work area holds then.
+void expect_of_julian(double julian, double date_or_nan, int32_t year, int32_t days_in_year, int32_t day_of_year,
+                      int32_t february) {
+  SCOPED_TRACE(julian);
+  NLSCalendarWork work = NLSFMT_Global_Values, split = work;
+  work.reserved = 12345;
+  const bool is_date = !std::isnan(date_or_nan);
+  const uint64_t date = is_date ? bits(date_or_nan) : missing;
+  EXPECT_EQ(bits(NLSdatjul(&work, julian)), date);
+  EXPECT_EQ(bits(vxfmtzdatjul(julian)), julian > 20000365 ? missing : date);
+  EXPECT_TRUE(work.year == year && work.daysInYear == days_in_year && work.dayOfYear == day_of_year);
+  EXPECT_TRUE(work.monthDays[1] == february && work.reserved == 12345 && work.yearCutoff == 1950);
+  Fields f{}, g{};
+  EXPECT_EQ(NLSymdjul(&f.year, &f.month, &f.day, &split, julian), 0u);
+  EXPECT_EQ(vxfmtzymdjul(&g.year, &g.month, &g.day, julian), 0u);
+  EXPECT_TRUE(split.year == year && split.monthDays[1] == february);
+  EXPECT_EQ(split.dayOfYear, is_date ? f.day : day_of_year);  // what the walk over the months leaves
+  for (const double field : {f.year, f.month, f.day}) EXPECT_EQ(bits(field) == missing, !is_date);
+  EXPECT_TRUE(bits(g.year) == bits(f.year) && bits(g.month) == bits(f.month) && bits(g.day) == bits(f.day));
+}
+
 TEST(Calendar, JulianDatesAndTheWorkArea) {
+  expect_of_julian(1960001.9, 0, 1960, 366, 1, 29);
+  expect_of_julian(20000365.5, 6589335, 20000, 365, 365, 28);
+  expect_of_julian(49001, 32508, 2049, 365, 1, 28);
+  expect_of_julian(1.99, 14610, 2000, 366, 1, 29);
+  for (const int32_t year : {2001, 4000, 20000}) expect_of_julian(year * 1000 + 366, NAN, year, 365, 366, 28);
+  // Without a valid form only the year as read is left.
   constexpr auto no_year = static_cast<int32_t>(std::numeric_limits<int64_t>::min() / 1000);
   static const struct {
     double julian;
-    double date;                                        // NaN: missing
-    int32_t year, days_in_year, day_of_year, february;  // without a valid form only the year as read is left
-  } cases[] = {{1960001.9, 0, 1960, 366, 1, 29},
-               {20000365.5, 6589335, 20000, 365, 365, 28},
-               {20000366, NAN, 20000, 365, 366, 28},
-               {4000366, NAN, 4000, 365, 366, 28},
-               {2001366, NAN, 2001, 365, 366, 28},
-               {49001, 32508, 2049, 365, 1, 28},
-               {1.99, 14610, 2000, 366, 1, 29},
-               {1581365, NAN, 1581, 0, 0, 0},
-               {100001, NAN, 100, 0, 0, 0},
-               {20001001, NAN, 20001, 0, 0, 0},
-               {1960000, NAN, 1960, 0, 0, 0},
-               {1960367, NAN, 1960, 0, 0, 0},
-               {0.99, NAN, 0, 0, 0, 0},
-               {-1, NAN, 0, 0, 0, 0},
-               {-1960001, NAN, -1960, 0, 0, 0},
-               {NAN, NAN, no_year, 0, 0, 0},
-               {infinity, NAN, no_year, 0, 0, 0},
-               {1e15 + 1, NAN, static_cast<int32_t>(int64_t{1000000000000}), 0, 0, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.julian);
-    NLSCalendarWork work = NLSFMT_Global_Values, split = work;
-    work.reserved = 12345;
-    const uint64_t date = std::isnan(c.date) ? missing : bits(c.date);
-    EXPECT_EQ(bits(NLSdatjul(&work, c.julian)), date);
-    EXPECT_EQ(bits(vxfmtzdatjul(c.julian)), c.julian > 20000365 ? missing : date);
-    EXPECT_TRUE(work.year == c.year && work.daysInYear == c.days_in_year && work.dayOfYear == c.day_of_year);
-    EXPECT_TRUE(work.monthDays[1] == c.february && work.reserved == 12345 && work.yearCutoff == 1950);
-    Fields f{}, g{};
-    EXPECT_EQ(NLSymdjul(&f.year, &f.month, &f.day, &split, c.julian), 0u);
-    EXPECT_EQ(vxfmtzymdjul(&g.year, &g.month, &g.day, c.julian), 0u);
-    EXPECT_TRUE(split.year == c.year && split.monthDays[1] == c.february);
-    EXPECT_EQ(split.dayOfYear, std::isnan(c.date) ? c.day_of_year : f.day);  // what the walk over the months leaves
-    for (const double field : {f.year, f.month, f.day}) EXPECT_EQ(bits(field) == missing, std::isnan(c.date));
-    EXPECT_TRUE(bits(g.year) == bits(f.year) && bits(g.month) == bits(f.month) && bits(g.day) == bits(f.day));
-  }
+    int64_t year;
+  } cases[] = {
+      {1581365, 1581}, {100001, 100},     {20001001, 20001}, {1960000, 1960},     {1960367, 1960},          {0.99, 0},
+      {-1, 0},         {-1960001, -1960}, {NAN, no_year},    {infinity, no_year}, {1e15 + 1, 1000000000000}};
+  for (const auto& c : cases) expect_of_julian(c.julian, NAN, static_cast<int32_t>(c.year), 0, 0, 0);
+}
+
+void expect_of_fields(double year, double month, double day, double julian_or_nan, int32_t work_year, int32_t february,
+                      int32_t day_of_year) {
+  SCOPED_TRACE(testing::Message() << year << "-" << month << "-" << day);
+  NLSCalendarWork work = NLSFMT_Global_Values;
+  const uint64_t julian = std::isnan(julian_or_nan) ? missing : bits(julian_or_nan);
+  EXPECT_EQ(bits(NLSjulymd(&work, year, month, day)), julian);
+  EXPECT_EQ(bits(vxfmtzjulymd(year, month, day)), julian);
+  EXPECT_TRUE(work.year == work_year && work.monthDays[1] == february && work.dayOfYear == day_of_year);
+  EXPECT_EQ(work.daysInYear, work_year == 0 ? 0 : 337 + february);
+  const double date = NLSmdy(&work, month, day, year);
+  EXPECT_EQ(bits(date), julian == missing ? missing : bits(NLSdatjul(&work, julian_or_nan)));
 }
 
 TEST(Calendar, FieldsAndTheWorkArea) {
-  static const struct {
-    double year, month, day;
-    double julian;                             // NaN: missing
-    int32_t work_year, february, day_of_year;  // 0: refused at once, nothing is written
-  } cases[] = {{2001, 2, 29, NAN, 2001, 28, 0},
-               {2000, 2, 29.5, NAN, 2000, 29, 0},
-               {4000, 2, 29, NAN, 4000, 28, 0},
-               {2001, 2, 15.7, 2001046, 2001, 28, 31},
-               {2001, 1.9, 3, 2001003, 2001, 28, 0},
-               {2001.9, 12, 31, 2001365, 2001, 28, 334},
-               {24, 3, 1, 2024061, 2024, 29, 60},
-               {50.7, 1, 1, 1950001, 1950, 28, 0},
-               {99.5, 1, 1, NAN, 0, 0, 0},
-               {1581.5, 1, 1, NAN, 0, 0, 0},
-               {100, 1, 1, NAN, 0, 0, 0},
-               {20000.5, 1, 1, NAN, 0, 0, 0},
-               {-0.5, 1, 1, NAN, 0, 0, 0},
-               {2001, 0.9, 1, NAN, 0, 0, 0},
-               {2001, 12.5, 1, NAN, 0, 0, 0},
-               {2001, 1, 0.5, NAN, 0, 0, 0},
-               {2001, 1, 31.5, NAN, 0, 0, 0},
-               {NAN, 1, 1, NAN, 0, 0, 0},
-               {2001, NAN, 1, NAN, 0, 0, 0},
-               {2001, 1, NAN, NAN, 0, 0, 0},
-               {infinity, 1, 1, NAN, 0, 0, 0}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.year << "-" << c.month << "-" << c.day);
-    NLSCalendarWork work = NLSFMT_Global_Values;
-    const uint64_t julian = std::isnan(c.julian) ? missing : bits(c.julian);
-    EXPECT_EQ(bits(NLSjulymd(&work, c.year, c.month, c.day)), julian);
-    EXPECT_EQ(bits(vxfmtzjulymd(c.year, c.month, c.day)), julian);
-    EXPECT_TRUE(work.year == c.work_year && work.monthDays[1] == c.february && work.dayOfYear == c.day_of_year);
-    EXPECT_EQ(work.daysInYear, c.work_year == 0 ? 0 : 337 + c.february);
-    const double date = NLSmdy(&work, c.month, c.day, c.year);
-    EXPECT_EQ(bits(date), std::isnan(c.julian) ? missing : bits(NLSdatjul(&work, c.julian)));
-  }
+  expect_of_fields(2001, 2, 29, NAN, 2001, 28, 0);
+  expect_of_fields(2000, 2, 29.5, NAN, 2000, 29, 0);
+  expect_of_fields(4000, 2, 29, NAN, 4000, 28, 0);
+  expect_of_fields(2001, 2, 15.7, 2001046, 2001, 28, 31);
+  expect_of_fields(2001, 1.9, 3, 2001003, 2001, 28, 0);
+  expect_of_fields(2001.9, 12, 31, 2001365, 2001, 28, 334);
+  expect_of_fields(24, 3, 1, 2024061, 2024, 29, 60);
+  expect_of_fields(50.7, 1, 1, 1950001, 1950, 28, 0);
+  // Refused at once: nothing is written.
+  static const Fields refused[] = {{99.5, 1, 1},   {1581.5, 1, 1},  {100, 1, 1},     {20000.5, 1, 1}, {-0.5, 1, 1},
+                                   {2001, 0.9, 1}, {2001, 12.5, 1}, {2001, 1, 0.5},  {2001, 1, 31.5}, {NAN, 1, 1},
+                                   {2001, NAN, 1}, {2001, 1, NAN},  {infinity, 1, 1}};
+  for (const Fields& c : refused) expect_of_fields(c.year, c.month, c.day, NAN, 0, 0, 0);
 }
 
 // The C library's remainder and floor, on the borders and on random datetimes of every size and fineness.

@@ -13,9 +13,18 @@ namespace {
 struct Case {
   std::string_view text;
   double number;
-  int64_t integer, room;
-  uint32_t option;
+  int64_t integer, room = 0;
+  uint32_t option = 0;
 };
+const Case cases[] = {{"", 0, 0},
+                      {"12", 45296, INT64_MIN},
+                      {"-1,234.5e1 ", -1, INT64_MAX},
+                      {"99999999999999999999", 1e300, INT32_MIN},
+                      {"03/07/2024", -1234567.891, INT32_MAX},
+                      {"3 Mar 2024", qmMissVal('.'), -1},
+                      {"2:05 PM", 86399.5, 1234567},
+                      {"03/07/2024 14:05:09", 0.5, UINT32_MAX},
+                      {".A", qmMissVal('B'), -1234567}};
 
 /// Everything that a call leaves behind. What it does not write keeps what it held.
 struct Trace {
@@ -33,24 +42,12 @@ struct Trace {
 template <class Function, class Call>
 void expect_same(const char* name, Function* forwarder, std::type_identity_t<Function>* entry_point, Call call) {
   static vxtest::PlainLocale english;
-  static const struct {
-    std::string_view text;
-    double number;
-    int64_t integer;
-  } values[] = {{"", 0, 0},
-                {"12", 45296, INT64_MIN},
-                {"-1,234.5e1 ", -1, INT64_MAX},
-                {"99999999999999999999", 1e300, INT32_MIN},
-                {"03/07/2024", -1234567.891, INT32_MAX},
-                {"3 Mar 2024", qmMissVal('.'), -1},
-                {"2:05 PM", 86399.5, 1234567},
-                {"03/07/2024 14:05:09", 0.5, UINT32_MAX},
-                {".A", qmMissVal('B'), -1234567}};
   int succeeded = 0, failed = 0;
-  for (const auto& value : values) {
+  for (Case c : cases) {
     for (const int64_t room : {0, 3, 64}) {
       for (const uint32_t option : {0u, 1u, 2u, 4u, 8u, 0x40u, 0x80u, 0x4000u, 0x20000u}) {
-        const Case c = {value.text, value.number, value.integer, room, option};
+        c.room = room;
+        c.option = option;
         Trace through, direct;
         through.memory.fill(0xEE);
         direct.memory.fill(0xEE);
