@@ -19,15 +19,6 @@ std::string utf8(const VXChar* text, int64_t length) {
   return result;
 }
 
-/// 12345678.25 as the locale's record says, put together by hand.
-std::string grouped(const VXLocaleData& data) {
-  const bool indian = data.groupingPattern.length == 3;  // "3;2"
-  const std::string separator = utf8(&data.groupSeparator, 1);
-  const std::string point = utf8(&data.decimalPoint, 1);
-  return indian ? "1" + separator + "23" + separator + "45" + separator + "678" + point + "25"
-                : "12" + separator + "345" + separator + "678" + point + "25";
-}
-
 TEST(NumbersOfLocales, AreWrittenWithTheirSeparatorsAndReadBack) {
   VXHost* host = nullptr;
   ASSERT_EQ(vxhostOpen(nullptr, &host), 0u);
@@ -45,60 +36,57 @@ TEST(NumbersOfLocales, AreWrittenWithTheirSeparatorsAndReadBack) {
     const NLSOps& ops = locale->ops;
     VXChar wide[128];
     uint8_t narrow[128];
-    int64_t length = 0;
-    int64_t bytes = 0;
+    int64_t length = 0, bytes = 0, consumed = 0, whole = 0;
+    uint64_t read = 0;
     double value = 0;
-    int64_t consumed = 0;
+    const auto units = [&] { return utf8(wide, length); };
+    const auto text = [&] { return std::string(narrow, narrow + bytes); };
+    const auto write = [&](int32_t width, uint32_t flags, double number) {
+      return ops.NLSDoubleFormatUWithExOpts(locale, width, 2, flags, narrow, 128, &bytes, nullptr, number);
+    };
+    // As the record says, put together by hand.
     constexpr double number = 12345678.25;
-    const std::string expected = grouped(data);
+    constexpr uint32_t plain = NLS_FORMAT_PLAIN | NLS_FORMAT_GROUP, fixed = NLS_FORMAT_FIXED | NLS_FORMAT_GROUP;
+    const bool indian = data.groupingPattern.length == 3;  // "3;2"
+    const std::string separator = utf8(&data.groupSeparator, 1), point = utf8(&data.decimalPoint, 1);
+    const std::string grouped =
+        (indian ? "1" + separator + "23" + separator + "45" : "12" + separator + "345") + separator + "678";
+    const std::string expected = grouped + point + "25";
 
-    ASSERT_EQ(ops.NLSDoubleFormat(locale, 0, 2, NLS_FORMAT_PLAIN | NLS_FORMAT_GROUP, wide, 128, &length, number), 0u);
-    EXPECT_EQ(utf8(wide, length), expected);
-    ASSERT_EQ(ops.NLSDoubleFormatUWithExOpts(locale, 0, 2, NLS_FORMAT_PLAIN | NLS_FORMAT_GROUP, narrow, 128, &bytes,
-                                             nullptr, number),
-              0u);
-    EXPECT_EQ(std::string(narrow, narrow + bytes), expected);
+    EXPECT_EQ(ops.NLSDoubleFormat(locale, 0, 2, plain, wide, 128, &length, number), 0u);
+    EXPECT_EQ(units(), expected);
     EXPECT_EQ(ops.NLSBufToDouble(locale, wide, static_cast<int32_t>(length), &value, &consumed), 0u);
     EXPECT_EQ(value, number);
     EXPECT_EQ(consumed, length);
+    EXPECT_EQ(write(0, plain, number), 0u);
+    EXPECT_EQ(text(), expected);
     EXPECT_EQ(ops.NLSBufToDoubleU(locale, narrow, static_cast<int32_t>(bytes), &value, &consumed), 0u);
     EXPECT_EQ(value, number);
     EXPECT_EQ(consumed, bytes);
-
     // A field of exactly that width holds it, one unit less loses the separators.
     const auto fits = static_cast<int32_t>(bytes);
-    EXPECT_EQ(ops.NLSDoubleFormatUWithExOpts(locale, fits, 2, NLS_FORMAT_FIXED | NLS_FORMAT_GROUP, narrow, 128, &bytes,
-                                             nullptr, number),
-              0u);
-    EXPECT_EQ(std::string(narrow, narrow + bytes), expected);
-    EXPECT_EQ(ops.NLSDoubleFormatUWithExOpts(locale, fits - 1, 2, NLS_FORMAT_FIXED | NLS_FORMAT_GROUP, narrow, 128,
-                                             &bytes, nullptr, number),
-              VX_E_GROUPING);
+    EXPECT_EQ(write(fits, fixed, number), 0u);
+    EXPECT_EQ(text(), expected);
+    EXPECT_EQ(write(fits - 1, fixed, number), VX_E_GROUPING);
     EXPECT_EQ(bytes, fits - 1);
 
-    // Integers, in both flavours.
-    int64_t whole = 0;
-    uint64_t read = 0;
-    ASSERT_EQ(ops.NLSIntmaxFormatU(locale, -12345678, 0, 1, NLS_FORMAT_GROUP, narrow, 128, &bytes), 0u);
-    EXPECT_EQ(std::string(narrow, narrow + bytes) + utf8(&data.decimalPoint, 1) + "25", "-" + expected);
+    EXPECT_EQ(ops.NLSIntmaxFormatU(locale, -12345678, 0, 1, NLS_FORMAT_GROUP, narrow, 128, &bytes), 0u);
+    EXPECT_EQ(text(), "-" + grouped);
     EXPECT_EQ(ops.NLSBufToIntmaxU(locale, narrow, bytes, 0, &whole, &read), 0u);
     EXPECT_EQ(whole, -12345678);
-    ASSERT_EQ(ops.NLSIntmaxFormat(locale, -12345678, 0, 1, NLS_FORMAT_GROUP, wide, 128, &length), 0u);
+    EXPECT_EQ(ops.NLSIntmaxFormat(locale, -12345678, 0, 1, NLS_FORMAT_GROUP, wide, 128, &length), 0u);
     EXPECT_EQ(ops.NLSBufToIntmax(locale, wide, length, 0, &whole, &read), 0u);
     EXPECT_EQ(whole, -12345678);
 
     // The symbol right before the number; the percent sign right behind it; a missing value's letter.
-    ASSERT_EQ(ops.NLSCurrencyFormat(locale, 100, 2, 0, wide, 128, &length, number), 0u);
-    const std::string money = utf8(wide, length);
+    EXPECT_EQ(ops.NLSCurrencyFormat(locale, 100, 2, 0, wide, 128, &length, number), 0u);
     const std::string wanted = utf8(data.currencySymbol.text, data.currencySymbol.length) + expected;
     EXPECT_EQ(length, 100);
-    EXPECT_EQ(money.substr(money.find_first_not_of(' ')), wanted.substr(wanted.find_first_not_of(' ')));
-    ASSERT_EQ(ops.NLSPercentFormat(locale, 0, 1, 1, wide, 128, &length, -0.125), 0u);
-    EXPECT_EQ(utf8(wide, length), "(12" + utf8(&data.decimalPoint, 1) + "5%)");
-    ASSERT_EQ(
-        ops.NLSDoubleFormatUWithExOpts(locale, 6, 2, NLS_FORMAT_FIXED, narrow, 128, &bytes, nullptr, qmMissVal('k')),
-        0u);
-    EXPECT_EQ(std::string(narrow, narrow + bytes), "   K  ");
+    EXPECT_EQ(units().substr(units().find_first_not_of(' ')), wanted.substr(wanted.find_first_not_of(' ')));
+    EXPECT_EQ(ops.NLSPercentFormat(locale, 0, 1, 1, wide, 128, &length, -0.125), 0u);
+    EXPECT_EQ(units(), "(12" + point + "5%)");
+    EXPECT_EQ(write(6, NLS_FORMAT_FIXED, qmMissVal('k')), 0u);
+    EXPECT_EQ(text(), "   K  ");
   }
   vxhostClose(host);
   EXPECT_EQ(vxhostAlive(), 0);
