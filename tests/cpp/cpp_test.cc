@@ -231,7 +231,8 @@ TEST(Values, InstantsHaveFractionsAndFollowTheZone) {
   EXPECT_EQ(locale_of("de_DE").format(late + 999999999ns).value(), "21.11.2026 23:59:59");
   EXPECT_EQ(locale_of("de_DE").format(sys_days{1959y / 12 / 31} - 1ns).value(), "30.12.1959 23:59:59");
   for (const char* zone : {"Europe/Berlin", "Asia/Kathmandu", "Australia/Lord_Howe"}) {
-    const auto locale = locale_of("de_DE", zone);
+    const auto locale = host().locale("de_DE", "UTC", vxnls::patterns{}).value();
+    EXPECT_EQ(locale.set_zone(zone), 0u);
     for (sys_seconds at = sys_days{1950y / 1 / 1}; at < sys_days{2090y / 1 / 1}; at += 1234567s) {
       const local_seconds local{at.time_since_epoch() + host().zone_at(zone, at).value().offset};
       EXPECT_EQ(locale.to_local(at), local);

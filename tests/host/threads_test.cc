@@ -2,7 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <barrier>
-#include <optional>
+#include <functional>
+#include <map>
 #include <thread>
 
 #include "host/locale_database_ops.h"
@@ -14,58 +15,44 @@ namespace {
 constexpr int threads = 32;
 constexpr const char* zones[] = {"Europe/Berlin", "America/New_York", "Asia/Tokyo", "UTC"};
 
-template <class Body>
-void in_threads(Body body) {
+void in_threads(const std::function<void(size_t)>& body) {
   std::barrier start(threads);
-  std::vector<std::thread> all;
-  for (size_t t = 0; t < threads; ++t) {
-    all.emplace_back([&, t] {
-      start.arrive_and_wait();
-      body(t);
-    });
-  }
-  for (auto& thread : all) thread.join();
-}
-
-/// Counts what the locale database of a host fills: each locale that is created is filled once.
-std::atomic<int64_t> fills{0};
-const VXLocaleDatabaseOps* real_database;
-VXStatus counted_fill(VXLocaleDatabase* self, VXLocaleData* record, const VXChar* name, int64_t length) {
-  ++fills;
-  return real_database->fill(self, record, name, length);
+  std::vector<std::jthread> all;
+  for (size_t t = 0; t < threads; ++t) all.emplace_back([&, t] { start.arrive_and_wait(), body(t); });
 }
 
 /// A moment written, and what reading that gives.
-struct Written {
-  std::vector<VXChar> text = std::vector<VXChar>(200);
+auto written(VXLocale* locale) {
+  std::vector<VXChar> text(200);
+  int64_t length = 0, consumed = 0;
   double value = 0;
-  VXStatus status = 0;
-
-  explicit Written(VXLocale* locale) {
-    int64_t length = 0, consumed = 0;
-    EXPECT_EQ(locale->ops.NLSDatetimeFormat(locale, 0, text.data(), 200, &length, 2e9), 0u);
-    text.resize(static_cast<size_t>(length));
-    status = locale->ops.NLSBufToDatetime(locale, text.data(), length, 0, &value, &consumed);
-  }
-  bool operator==(const Written&) const = default;
-};
+  EXPECT_EQ(locale->ops.NLSDatetimeFormat(locale, 0, text.data(), 200, &length, 2e9), 0u);
+  text.resize(static_cast<size_t>(length));
+  const VXStatus status = locale->ops.NLSBufToDatetime(locale, text.data(), length, 0, &value, &consumed);
+  return std::tuple(text, status, value);
+}
 
 VXStatus set_zone(VXLocale* locale, std::string_view name) {
   const std::vector<VXChar> id(name.begin(), name.end());
   return locale->ops.NLSSetTimezoneId(locale, id.data(), static_cast<int64_t>(id.size()));
 }
 
+std::atomic<int64_t> entries{0}, fills{0}, of_their_own{0};
+const VXLocaleDatabaseOps* real_database;
+
 TEST(Threads, EveryLocaleIsCreatedOnceAndServesAll) {
   VXHost* host = nullptr;
   ASSERT_EQ(vxhostOpen(nullptr, &host), 0u) << vxhostOpenFailure();
   setenv("TZ", "No/Where", 1);  // so that each locale with the system's zone is told of in the journal
-  std::atomic<int64_t> entries{0}, of_their_own{0};
   vxhostSetJournal(
-      host, [](void* user, uint32_t, double, const char*) { ++*static_cast<std::atomic<int64_t>*>(user); }, &entries);
+      host, [](void*, uint32_t, double, const char*) { ++entries; }, nullptr);
+  // Each locale that is created is filled once.
   VXLocaleDatabase* const database = vxhostContext(host)->localeDatabase;
   real_database = database->ops;
   VXHostLocaleDatabaseOps counting = *reinterpret_cast<const VXHostLocaleDatabaseOps*>(real_database);
-  counting.base.fill = counted_fill;
+  counting.base.fill = [](VXLocaleDatabase* self, VXLocaleData* record, const VXChar* name, int64_t length) {
+    return ++fills, real_database->fill(self, record, name, length);
+  };
   database->ops = &counting.base;
   std::vector<std::string> names;
   const auto add = [](void* all, const char* name) {
@@ -73,22 +60,21 @@ TEST(Threads, EveryLocaleIsCreatedOnceAndServesAll) {
   };
   vxhostForEachLocale(host, add, &names);
   ASSERT_GT(names.size(), 800u);
-  std::vector<std::vector<VXLocale*>> found(threads, std::vector<VXLocale*>(names.size()));
-  std::vector<std::vector<std::optional<Written>>> written(threads, std::vector<std::optional<Written>>(names.size()));
+  std::vector<std::map<size_t, std::pair<VXLocale*, decltype(written(nullptr))>>> found(threads);
   in_threads([&](size_t t) {
     for (size_t i = 0; i < names.size(); ++i) {
       const size_t n = (i + t / 4 * 100) % names.size();  // four threads want the same locales in the same order
-      VXLocale*& locale = found[t][n];
+      VXLocale* locale = nullptr;
       ASSERT_EQ(vxhostLocale(host, names[n].c_str(), zones[n % std::size(zones)], 0, &locale), 0u);
       EXPECT_EQ(set_zone(locale, zones[(n + i) % std::size(zones)]), 0u);
       EXPECT_EQ(set_zone(locale, "xxx"), VX_E_ZONE);
-      written[t][n].emplace(locale);
+      found[t][n] = {locale, written(locale)};
       if (i % 16 != 0) continue;
       VXLocale* own = nullptr;
       EXPECT_EQ(vxhostLocale(host, names[n].c_str(), nullptr, 1, &own), 0u);
       ++of_their_own;
       EXPECT_EQ(set_zone(own, zones[i % std::size(zones)]), 0u);
-      EXPECT_EQ(Written(own), *written[t][n]);
+      EXPECT_EQ(written(own), found[t][n].second);
       EXPECT_EQ(vxhostLocale(host, "de_DE", "Nowhere", 0, &own), VX_E_ZONE);
       EXPECT_EQ(vxnlsisalpha(static_cast<VXChar>(0x400 + i % 40)), 1);
       uint8_t word[] = "\u00C9t\u00C9";
@@ -101,10 +87,7 @@ TEST(Threads, EveryLocaleIsCreatedOnceAndServesAll) {
       EXPECT_EQ(vxfmtzjulymd(60, 1, 1), vxfmtzjulymd(1960, 1, 1));
     }
   });
-  for (size_t t = 1; t < threads; ++t) {
-    EXPECT_EQ(found[t], found[0]);
-    EXPECT_TRUE(written[t] == written[0]);
-  }
+  for (const auto& of_one : found) EXPECT_TRUE(of_one == found[0]);
   EXPECT_EQ(fills, static_cast<int64_t>(names.size()) + of_their_own);
   EXPECT_EQ(entries, of_their_own);
   unsetenv("TZ");
