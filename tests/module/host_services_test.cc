@@ -309,7 +309,9 @@ struct ZoneAnswer {
 } answer;
 
 constexpr VXZoneServiceOps claiming = {
-    nullptr, nullptr, [](VXZoneService*, VXZone*, int32_t, double) { return answer.offset; },
+    [](VXZoneService*, const VXChar*, int64_t, uint64_t) { return reinterpret_cast<VXZone*>(&answer); },
+    [](VXZoneService*, VXZone*) -> VXStatus { return 0; },
+    [](VXZoneService*, VXZone*, int32_t, double) { return answer.offset; },
     [](VXZoneService*, VXZone*, int32_t, double, VXChar* name, int64_t* length, int32_t* offset) {
       EXPECT_EQ(*length, 50);
       name[0] = 'Z';

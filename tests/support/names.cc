@@ -1,32 +1,40 @@
-#include "tests/support/plain_locale.h"
+#include <algorithm>
+#include <iterator>
 
-#include <cstring>
-
+#include "tests/support/zoned_locale.h"
 #include "unicode/text_flavour.h"
-
-struct VXZone {
-  int32_t offset;
-};
 
 namespace vxtest {
 
 namespace {
 
-VXZone the_zone{0};
+struct KnownZone {
+  std::u32string_view name;
+  int32_t before, after;  // offset for values below 0, and from 0 on
+};
+KnownZone known_zones[] = {
+    {U"Test/Zone", 0, 0}, {U"Zone/East", 7200, 7200}, {U"Zone/West", -19800, -19800}, {U"Zone/Summer", 3600, 7200}};
 
-bool is_test_zone(const VXChar* id, int64_t length) { return std::u32string(id, id + length) == U"Test/Zone"; }
+int32_t offset_of(VXZoneService*, VXZone* zone, int32_t, double seconds) {
+  const auto* const known = reinterpret_cast<const KnownZone*>(zone);
+  return seconds < 0 ? known->before : known->after;
+}
 
-const VXZoneServiceOps fixed_zone_ops = {
+constexpr VXZoneServiceOps zone_ops = {
     [](VXZoneService*, const VXChar* id, int64_t length, uint64_t) -> VXZone* {
-      return is_test_zone(id, length) ? &the_zone : nullptr;
+      const std::u32string name(id, id + length);
+      auto* const found = std::find_if(std::begin(known_zones), std::end(known_zones),
+                                       [&](const KnownZone& zone) { return zone.name == name; });
+      return found != std::end(known_zones) ? reinterpret_cast<VXZone*>(found) : nullptr;
     },
     [](VXZoneService*, VXZone*) -> VXStatus { return 0; },
-    [](VXZoneService*, VXZone* zone, int32_t, double) -> int32_t { return zone->offset; },
-    [](VXZoneService*, VXZone* zone, int32_t, double, VXChar* name, int64_t* length, int32_t* offset) -> VXStatus {
-      const std::u32string text = U"Test/Zone";
-      for (size_t i = 0; i < text.size(); ++i) name[i] = text[i];
-      *length = static_cast<int64_t>(text.size());
-      *offset = zone->offset;
+    offset_of,
+    [](VXZoneService*, VXZone* zone, int32_t, double seconds, VXChar* name, int64_t* length,
+       int32_t* offset) -> VXStatus {
+      const std::u32string_view id = reinterpret_cast<const KnownZone*>(zone)->name;
+      std::copy(id.begin(), id.end(), name);
+      *length = static_cast<int64_t>(id.size());
+      *offset = offset_of(nullptr, zone, 0, seconds);
       return 0;
     },
 };
@@ -49,8 +57,7 @@ std::string utf8(std::u32string_view text) {
   std::string result;
   for (const char32_t c : text) {
     uint8_t bytes[4];
-    const auto n = vxnls::Utf8Text::append(c, bytes);
-    result.append(reinterpret_cast<const char*>(bytes), static_cast<size_t>(n));
+    result.append(bytes, bytes + vxnls::Utf8Text::append(c, bytes));
   }
   return result;
 }
@@ -61,11 +68,16 @@ void set_name(NLSName& name, std::u32string_view text) {
   if (text.size() < 60) name.text[text.size()] = '#';  // shows where a pattern is read behind its end
 }
 
-void PlainLocale::use_fixed_zone(int32_t seconds_east) {
-  the_zone.offset = seconds_east;
-  zones.ops = &fixed_zone_ops;
+void PlainLocale::use_zone(std::u32string_view name) {
+  zones.ops = &zone_ops;
   context.zones = &zones;
-  locale.timeZone = &the_zone;
+  const auto* const id = reinterpret_cast<const VXChar*>(name.data());
+  locale.timeZone = zone_ops.open(&zones, id, static_cast<int64_t>(name.size()), 0);
+}
+
+void PlainLocale::use_fixed_zone(int32_t seconds_east) {
+  known_zones[0].before = known_zones[0].after = seconds_east;
+  use_zone(known_zones[0].name);
 }
 
 }  // namespace vxtest

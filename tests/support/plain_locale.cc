@@ -1,19 +1,26 @@
 #include "tests/support/plain_locale.h"
 
+#include "examples/own_host/locale_file.h"
+
 namespace vxtest {
 
 namespace {
-
-constexpr const char32_t* days[] = {U"Sunday",   U"Monday", U"Tuesday", U"Wednesday",
-                                    U"Thursday", U"Friday", U"Saturday"};
-constexpr const char32_t* months[] = {U"January", U"February", U"March",     U"April",   U"May",      U"June",
-                                      U"July",    U"August",   U"September", U"October", U"November", U"December"};
 
 // A zone that a text names is not there.
 constexpr HostContextOps knows_no_zone = {
     nullptr,
     [](HostContext*, const VXChar*, int64_t, VXZoneIdOptions, VXChar*, int64_t*, uint64_t*) { return VX_E_ZONE; },
     nullptr};
+
+VXLocaleData english() {
+  VXLocaleData data = own::Data(VX_EXAMPLE_LOCALES).locales.at(own::decoded("en_US"));
+  set_name(data.localeName, U"en_US");
+  for (const auto& entry : own::entries) {
+    auto* const names = reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&data) + entry.offset);
+    for (size_t i = 0; i < entry.names; ++i) names[i].text[names[i].length] = '#';  // as set_name does it
+  }
+  return data;
+}
 
 }  // namespace
 
@@ -28,35 +35,8 @@ PlainLocale::~PlainLocale() = default;
 
 PlainLocale::PlainLocale()
     : parts(new Parts{}), data(parts->data), locale(parts->locale), context(parts->context), zones(parts->zones) {
-  set_name(data.localeName, U"en_US");
-  for (size_t i = 0; i < 7; ++i) {
-    set_name(data.dayNames[i], days[i]);
-    set_name(data.altDayNames[i], std::u32string_view(days[i]).substr(0, 3));
-  }
-  for (size_t i = 0; i < 12; ++i) {
-    set_name(data.monthNames[i], months[i]);
-    set_name(data.altMonthNames[i], std::u32string_view(months[i]).substr(0, 3));
-  }
-  set_name(data.datePattern, U"%m/%d/%Y");
-  set_name(data.datePattern1, U"%b %#d, %Y");
-  set_name(data.datePattern2, U"%B %#d, %Y");
-  set_name(data.datetimePattern, U"%m/%d/%Y %I:%M:%S %p");
-  set_name(data.timePattern1, U"%#I:%M %p");
-  set_name(data.timePattern, U"%I:%M:%S %p");
-  set_name(data.amMarker, U"AM");
-  set_name(data.pmMarker, U"PM");
-  set_name(data.quarterPattern1, U"%q %Y");
-  set_name(data.quarterPattern2, U"%Y %q");
-  set_name(data.monthYearPattern1, U"%b %Y");
-  set_name(data.monthYearPattern2, U"%m/%Y");
-  set_name(data.weekPattern1, U"W%U %Y");
-  set_name(data.weekPattern2, U"%Y-W%U");
-  constexpr const char32_t* quarters[] = {U"Q1", U"Q2", U"Q3", U"Q4"};
-  for (size_t i = 0; i < 4; ++i) set_name(data.quarterNames[i], quarters[i]);
-  set_name(data.groupingPattern, U"3");
-  data.decimalPoint = '.';
-  data.groupSeparator = ',';
-  set_name(data.currencySymbol, U"$");
+  static const VXLocaleData as_read = english();
+  data = as_read;
   locale.eyeCatcher = 0x6f76656eu;
   locale.typeName = "VXLocale handle";
   context.ops = &knows_no_zone;
