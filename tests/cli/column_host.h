@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 
 #include "cli/column/profiler.h"
@@ -12,28 +11,19 @@
 
 namespace vxtest {
 
-class ColumnHost {
- public:
-  explicit ColumnHost(std::string zone = "UTC") : zone_(std::move(zone)) {
-    VXHost* host = nullptr;
-    EXPECT_EQ(vxhostOpen(nullptr, &host), 0U) << vxhostOpenFailure();
-    host_.reset(host);
-  }
-  vxcli::column::LocaleMaker maker() {
-    return [this](const std::string& name) {
-      VXLocale* locale = nullptr;
-      EXPECT_EQ(vxhostLocale(host_.get(), name.c_str(), zone_.c_str(), 1, &locale), 0U) << name;
-      return locale;
-    };
-  }
-
- private:
-  struct Close {
-    void operator()(VXHost* host) const { vxhostClose(host); }
+/// The host stays open to the end of the program.
+inline vxcli::column::LocaleMaker locale_maker(const std::string& zone = "UTC") {
+  static VXHost* const host = [] {
+    VXHost* opened = nullptr;
+    EXPECT_EQ(vxhostOpen(nullptr, &opened), 0U) << vxhostOpenFailure();
+    return opened;
+  }();
+  return [zone](const std::string& name) {
+    VXLocale* locale = nullptr;
+    EXPECT_EQ(vxhostLocale(host, name.c_str(), zone.c_str(), 1, &locale), 0U) << name;
+    return locale;
   };
-  std::unique_ptr<VXHost, Close> host_;
-  std::string zone_;
-};
+}
 
 }  // namespace vxtest
 

@@ -3,11 +3,14 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -16,11 +19,10 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "cli/arguments.h"
 #include "cli/run.h"
-#include "tests/cli/faulty_calls.h"
 #include "tests/host/failing_new.h"
 #include "vxnls/vxhost.h"
 
@@ -29,9 +31,76 @@ extern "C" [[gnu::weak]] void __gcov_dump();
 namespace {
 
 namespace fs = std::filesystem;
-using vxtest::Call;
-using vxtest::FaultyCalls;
 using vxtest::Ways;
+
+enum class Call { none, read, write, tell, close, rename };  // tell: to standard error
+
+/// Calls on standard input, output and error and on the files of the folder.
+struct FaultyCalls {
+  Call call = Call::none;
+  long at = 0;      // which of these calls, from 1; 0: none
+  int error = 0;    // its errno; 0: a single byte is taken or given
+  size_t most = 0;  // bytes that any read gives at most; then no input is ever ready, so that each read is waited for
+} plan;
+char watched_folder[4096];  // no text of the heap, which may be told to fail, too
+std::atomic<long> calls;
+
+bool watches(int descriptor) {
+  if (descriptor <= STDERR_FILENO) return true;
+  char link[64], path[4096];
+  static_cast<void>(snprintf(link, sizeof link, "/proc/self/fd/%d", descriptor));
+  const ssize_t length = readlink(link, path, sizeof path);
+  return length > 0 && std::string_view(path, static_cast<size_t>(length)).starts_with(watched_folder);
+}
+
+/// Whether it is this call's turn.
+bool hits(Call call, int descriptor) { return call == plan.call && watches(descriptor) && ++calls == plan.at; }
+
+/// Makes the call, or fails or falls short when it is its turn.
+ssize_t transfer(Call call, long number, int descriptor, const void* bytes, size_t count) {
+  if (hits(call, descriptor)) {
+    if (plan.error != 0) {
+      errno = plan.error;
+      return -1;
+    }
+    count = std::min<size_t>(count, 1);
+  }
+  return syscall(number, descriptor, bytes, count);
+}
+
+}  // namespace
+
+extern "C" {
+
+ssize_t read(int descriptor, void* bytes, size_t count) {
+  if (plan.most > 0 && watches(descriptor)) count = std::min(count, plan.most);
+  return transfer(Call::read, SYS_read, descriptor, bytes, count);
+}
+
+ssize_t write(int descriptor, const void* bytes, size_t count) {
+  return transfer(descriptor == STDERR_FILENO ? Call::tell : Call::write, SYS_write, descriptor, bytes, count);
+}
+
+int close(int descriptor) {
+  const bool hit = hits(Call::close, descriptor);
+  const auto result = static_cast<int>(syscall(SYS_close, descriptor));
+  if (hit) errno = plan.error;
+  return hit ? -1 : result;
+}
+
+int rename(const char* from, const char* to) noexcept {
+  const bool hit = hits(Call::rename, STDIN_FILENO);
+  if (hit) errno = plan.error;
+  return hit ? -1 : static_cast<int>(syscall(SYS_rename, from, to));
+}
+
+int poll(pollfd* descriptors, nfds_t count, int timeout) {
+  if (plan.most > 0 && timeout == 0) return 0;
+  return static_cast<int>(syscall(SYS_poll, descriptors, count, timeout));
+}
+}
+
+namespace {
 
 std::string content(const fs::path& file) {
   std::ostringstream text;
@@ -54,43 +123,31 @@ struct Line {
 };
 
 /// At least one for each command.
-const Line lines[] = {
-    {"--help"},
-    {"format datetime --version"},
-    {"format dat 2026-11-21"},
-    {"format date 2026-11-21 -l de_DE"},
-    {"format date -l de_DE --style long", "2026-11-21\nx\n2026-11-22\n"},
-    {"format time 14:05 -l fr_CA"},
-    {"format datetime 2026-11-21T14:05:09Z -l ar_EG --zone Africa/Cairo"},
-    {"format number 1234.5 -l de_DE"},
-    {"format percent 0.5 -l tr_TR"},
-    {"format currency 12.5 -l ja_JP"},
-    {"format integer 1234567 -l hi_IN"},
-    {"parse date --json -l de_DE", "21.11.2026\nx\n22.11.2026\n"},
-    {"parse time 14:05:09 --explain -l de_DE"},
-    {"parse datetime -l de_DE -z Europe/Berlin", "21.11.2026 14:05:09\n"},
-    {"parse number 1.234,5 -l de_DE"},
-    {"parse integer 1.234 -l de_DE"},
-    {"recognise -l auto --locales de_DE,en_US -j 1 --json", table, nullptr, 50},
-    {"recognise -l de_DE --emit-profile @/again -j 2 @/table.csv", "", "again", 40},
-    {"recognise -l de_DE --html @/page", table, "page", 50},
-    {"normalise -c when:date,amount:number -l de_DE --rejects @/rejects -j 1 @/table.csv", "", "rejects", 40},
-    {"normalise --profile @/profile --invalid mark -j 2", table, nullptr, 2000},
-    {"normalise -l de_DE --sample all -c when:date --to-locale en_GB @/table.csv", "", nullptr, 40},
-    {"transcode --to utf-16le @/dates"},
-    {"case upper stra\xC3\x9F"
-     "e"},
-    {"compare a B --json"},
-    {"chars a\xC3\xA9"},
-    {"locale list --details de_"},
-    {"locale show de_DE"},
-    {"locale check vi_VN"},
-    {"calendar 2000-02-29"},
-    {"zone info Europe/Berlin 2026-07-01T00:00"},
-    {"zone list"},
-    {"completion bash"},
-    {"help format"},
-};
+const std::vector<Line> lines = [] {
+  std::vector<Line> all = {
+      {"format date -l de_DE --style long", "2026-11-21\nx\n2026-11-22\n"},
+      {"parse date --json -l de_DE", "21.11.2026\nx\n22.11.2026\n"},
+      {"parse datetime -l de_DE -z Europe/Berlin", "21.11.2026 14:05:09\n"},
+      {"recognise -l auto --locales de_DE,en_US -j 1 --json", table, nullptr, 50},
+      {"recognise -l de_DE --emit-profile @/again -j 2 @/table.csv", "", "again", 40},
+      {"recognise -l de_DE --html @/page", table, "page", 50},
+      {"normalise -c when:date,amount:number -l de_DE --rejects @/rejects -j 1 @/table.csv", "", "rejects", 40},
+      {"normalise --profile @/profile --invalid mark -j 2", table, nullptr, 2000},
+      {"normalise -l de_DE --sample all -c when:date --to-locale en_GB @/table.csv", "", nullptr, 40},
+  };
+  std::istringstream others(R"(--help
+format datetime --version|format dat 2026-11-21|format date 2026-11-21 -l de_DE|format time 14:05 -l fr_CA
+format datetime 2026-11-21T14:05:09Z -l ar_EG --zone Africa/Cairo|format number 1234.5 -l de_DE
+format percent 0.5 -l tr_TR|format currency 12.5 -l ja_JP|format integer 1234567 -l hi_IN
+parse time 14:05:09 --explain -l de_DE|parse number 1.234,5 -l de_DE|parse integer 1.234 -l de_DE
+transcode --to utf-16le @/dates|case upper straße|compare a B --json|chars aé|locale list --details de_
+locale show de_DE|locale check vi_VN|calendar 2000-02-29|zone info Europe/Berlin 2026-07-01T00:00|zone list
+completion bash|help format)");
+  for (std::string some, one; std::getline(others, some);) {
+    for (std::istringstream words(some); std::getline(words, one, '|');) all.push_back({one});
+  }
+  return all;
+}();
 
 struct Fault {
   FaultyCalls calls = {};
@@ -106,14 +163,8 @@ struct Ending {
   int64_t failed = 0;  // the number of the allocation that failed; 0: none
   int64_t lost = 0;    // what the host holds after its end
 
-  bool operator==(const Ending& other) const {
-    return code == other.code && out == other.out && err == other.err && file == other.file;
-  }
+  auto told() const { return std::tie(code, out, err, file); }
 };
-
-std::ostream& operator<<(std::ostream& out, const Ending& ending) {
-  return out << ending.code << '\n' << ending.out << '\n' << ending.err << '\n' << ending.file;
-}
 
 /// What several processes see.
 template <class T, class... Parts>
@@ -139,6 +190,7 @@ class Faults : public testing::Test {
   }
   ~Faults() override {
     EXPECT_EQ(count_files(), files_);  // nothing is left beside what was written
+    vxhostClose(host_);
     fs::remove_all(folder_);
     close(out_);
     close(err_);
@@ -146,6 +198,8 @@ class Faults : public testing::Test {
 
   void put(const char* name, std::string_view text) { std::ofstream(folder_ / name, std::ios::binary) << text; }
   long count_files() const { return std::distance(fs::directory_iterator(folder_), {}); }
+  /// What it reads once a process is there from then on.
+  void open_host() { ASSERT_EQ(vxhostOpen(nullptr, &host_), 0u); }
 
   /// In a process of its own, so that nothing of a run is there in the next.
   Ending run(const Line& line, const Fault& fault = {}) {
@@ -172,11 +226,12 @@ class Faults : public testing::Test {
       dup2(err_, STDERR_FILENO);
       std::signal(SIGPIPE, SIG_IGN);
       alarm(60);
-      vxtest::make_faulty(fault.calls, folder_.string());
+      watched_folder[folder_.string().copy(watched_folder, sizeof watched_folder - 1)] = '\0';
+      plan = fault.calls;
       if (fault.spared >= 0) vxtest::fail_new(fault.spared, fault.lasting, fault.ways);
       const int code = static_cast<int>(vxcli::run(pointers));
       told_->failed = vxtest::stop_failing_new();
-      told_->calls = vxtest::calls_made();
+      told_->calls = calls;
       told_->lost = vxhostAlive() - alive;
       if (__gcov_dump != nullptr) __gcov_dump();
       _exit(code);
@@ -198,7 +253,7 @@ class Faults : public testing::Test {
   /// True when the fault changed nothing. Otherwise it must be told, and nothing may look finished that is not.
   bool expect_told(const Ending& ending, const Ending& plain, int code, std::string_view message) const {
     EXPECT_LE(ending.lost, plain.lost);  // a host that is open elsewhere may hold more from then on
-    if (ending == plain) return true;
+    if (ending.told() == plain.told()) return true;
     EXPECT_EQ(ending.code, code);
     EXPECT_NE(ending.err.find(message), std::string::npos) << ending.err;
     EXPECT_TRUE(plain.out.starts_with(ending.out)) << ending.out;
@@ -225,19 +280,17 @@ class Faults : public testing::Test {
  private:
   const int out_, err_;
   Ending* const told_;
+  VXHost* host_ = nullptr;
 };
 
 TEST_F(Faults, EveryAllocationThatFailsIsTold) {
   const bool thorough = std::getenv("VXNLS_LONG_TESTS") != nullptr;
   int64_t failures = fail_each_allocation({"format date 2026-11-21 -l de_DE"}, false, shared<Ways>(thorough ? 14 : 3));
-  // With the host open everywhere, what it reads once a process is there already.
-  VXHost* host = nullptr;
-  ASSERT_EQ(vxhostOpen(nullptr, &host), 0u);
+  open_host();
   for (const bool lasting : {false, true}) {
     Ways* const ways = shared<Ways>(thorough ? 14 : lasting ? 2 : 3);
     for (const Line& line : lines) failures += fail_each_allocation(line, lasting, ways);
   }
-  vxhostClose(host);
   RecordProperty("failures", std::to_string(failures));
   EXPECT_GT(failures, 1500);
 }
@@ -245,62 +298,78 @@ TEST_F(Faults, EveryAllocationThatFailsIsTold) {
 TEST_F(Faults, EveryCallOnFilesThatFailsIsTold) {
   static const struct {
     Call call;
-    std::vector<int> errors;  // after those that change nothing
-  } cases[] = {{Call::read, {EIO}}, {Call::write, {ENOSPC, EPIPE}}, {Call::close, {EIO}}, {Call::rename, {EACCES}}};
-  VXHost* host = nullptr;
-  ASSERT_EQ(vxhostOpen(nullptr, &host), 0u);
+    std::vector<int> harmless, errors;
+  } cases[] = {{Call::read, {0, EINTR}, {EIO}},
+               {Call::write, {0, EINTR}, {ENOSPC, EPIPE}},
+               {Call::close, {}, {EIO}},
+               {Call::rename, {}, {EACCES}},
+               {Call::tell, {ENOSPC}, {}}};  // that nobody can be told changes nothing
+  open_host();
   long failures = 0;
   for (const Line& line : lines) {
-    const Ending plain = run(line);
+    Ending plain = run(line);
     for (const auto& c : cases) {
-      Fault fault{.calls = {.call = c.call, .most = line.most}};
-      const long calls = run(line, fault).calls;
-      ASSERT_GE(calls, plain.code <= 1 && (c.call == Call::write || c.call == Call::close) ? 1 : 0) << line.words;
+      Fault fault{.calls = {.call = c.call, .most = c.call == Call::tell ? 0 : line.most}};
+      const long made = run(line, fault).calls;
+      EXPECT_GE(made, plain.code <= 1 && (c.call == Call::write || c.call == Call::close) ? 1 : 0) << line.words;
+      const auto at_each_call = [&](int error, const auto& expect) {
+        fault.calls.error = error;
+        for (fault.calls.at = 1; fault.calls.at <= made; ++fault.calls.at, ++failures) {
+          SCOPED_TRACE(fmt::format("{}: call {} of kind {}", line.words, fault.calls.at, static_cast<int>(c.call)));
+          expect(run(line, fault));
+        }
+      };
+      for (const int error : c.harmless) {
+        at_each_call(error, [&](Ending ending) {
+          if (c.call == Call::tell) ending.err = plain.err;
+          EXPECT_TRUE(ending.told() == plain.told());
+        });
+      }
       for (const int error : c.errors) {
         long told = 0;
-        for (fault.calls.at = 1, fault.calls.error = error; fault.calls.at <= calls; ++fault.calls.at, ++failures) {
-          SCOPED_TRACE(fmt::format("{}: call {} of kind {}", line.words, fault.calls.at, static_cast<int>(c.call)));
-          if (!expect_told(run(line, fault), plain, 3, std::strerror(error))) ++told;
-        }
+        at_each_call(error, [&](const Ending& ending) {
+          if (!expect_told(ending, plain, 3, std::strerror(error))) ++told;
+        });
         // Only that an input cannot be closed may be passed over.
-        EXPECT_GE(told, c.call == Call::close ? std::min(calls, 1L) : calls) << line.words;
+        EXPECT_GE(told, c.call == Call::close ? std::min(made, 1L) : made) << line.words;
       }
-      if (c.call != Call::read && c.call != Call::write) continue;
-      for (const int error : {0, EINTR}) {
-        for (fault.calls.at = 1, fault.calls.error = error; fault.calls.at <= calls; ++fault.calls.at, ++failures) {
-          EXPECT_EQ(run(line, fault), plain) << line.words << ": call " << fault.calls.at;
-        }
-      }
-    }
-    // That nobody can be told changes nothing.
-    Fault mute{.calls = {.call = Call::tell}};
-    const long calls = run(line, mute).calls;
-    for (mute.calls.at = 1, mute.calls.error = ENOSPC; mute.calls.at <= calls; ++mute.calls.at, ++failures) {
-      Ending ending = run(line, mute);
-      ending.err = plain.err;
-      EXPECT_EQ(ending, plain) << line.words;
     }
   }
-  vxhostClose(host);
   RecordProperty("failures", std::to_string(failures));
   EXPECT_GT(failures, 300);
 }
 
 TEST_F(Faults, TheSameBytesHoweverTheInputIsCut) {
   static constexpr struct {
-    std::string_view words;
-    const char* written;
-  } cases[] = {{"normalise --profile @/profile --rejects @/rejects", "rejects"},
-               {"normalise -l de_DE -c when:date,amount:number --rejects @/rejects", "rejects"},
-               {"recognise -l de_DE --json", nullptr}};
+    std::string_view words, input = table;
+    const char* written = nullptr;
+  } cases[] = {
+      {"parse date -l de_DE --lenient", "31.12.2021\n3. März 2021\n\nheute\n31.02.2021\r\n1.1.70 "},
+      {"parse number -l fr_FR --spaces --unread \\N", "1 234,5\n-\n\u00A01\u00A0000\n"},
+      {"parse datetime -l en_US --lenient --json", "3/4/2021 2:05 PM\nx\n"},
+      {"format date -l ja_JP --style long", "2021-03-05\n9\n2021-02-30\n"},
+      {"transcode --to utf-16le --on-error replace", "a\xFFß日😀\xF0\x9F\n"},
+      {"normalise --profile @/profile --rejects @/rejects -j {}", table, "rejects"},
+      {"normalise -l de_DE -c when:date,amount:number --rejects @/rejects -j {}", table, "rejects"},
+      {"normalise -l de_DE -c 1:date --no-header --format csv -j {}",
+       "\"1.2.2021\"x,1\n\"\"\"\",2\n3\n4,\"5\n6\n\"\"7\n"},
+      {"normalise -l de_DE -c 1:date --no-header --invalid fail -j {}", "\"1.2.2021\n\"\"\nb\",\"\"\"\n\"\"\"\nx,1\n2"},
+      {"normalise -l de_DE -c 1:number --format tsv --invalid drop -j {}", "a\tb\n\"1\t2\n3,5\t\r\n"},
+      {"normalise -l de_DE -c a:number --format jsonl --invalid mark -j {}",
+       "\xEF\xBB\xBF{\"a\":\"\\n\"}\n\n{\"b\":{\"a\":2},\"a\":\"1,5\"}\r\nx\n{}"},
+      {"normalise -l de_DE -c 1:number --format lines -j {}", "\n\r\n\"a\n1,5\nb"},
+      {"recognise -l de_DE --json -j {}"},
+  };
   for (const auto& c : cases) {
-    const auto line = [&](int threads) { return Line{fmt::format("{} -j {}", c.words, threads), table, c.written}; };
+    const auto line = [&](int threads) {
+      return Line{fmt::format(fmt::runtime(c.words), threads), c.input, c.written};
+    };
     const Ending whole = run(line(1));
     EXPECT_EQ(whole.code, 1) << whole.err;
-    for (size_t most = 1; most <= table.size(); ++most) {
+    for (size_t most = 1; most <= c.input.size(); ++most) {
       const int threads = 1 << most % 3;
       SCOPED_TRACE(fmt::format("{} by {} bytes, {} threads", c.words, most, threads));
-      ASSERT_EQ(run(line(threads), {.calls = {.most = most}}), whole);
+      ASSERT_TRUE(run(line(threads), {.calls = {.most = most}}).told() == whole.told());
     }
   }
 }

@@ -1,0 +1,257 @@
+// What holds for every command: the table of commands against help, manual pages, completion, and the command itself.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <unicode/bytestream.h>
+#include <unicode/normalizer2.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/arguments.h"
+#include "cli/column/kind.h"
+#include "cli/commands.h"
+#include "cli/completion.h"
+#include "cli/help.h"
+#include "cli/json.h"
+#include "cli/manual.h"
+#include "cli/options.h"
+#include "cli/text.h"
+#include "tests/cli/command_line.h"
+#include "tests/host/temporary_folder.h"
+
+namespace {
+
+using namespace vxcli;
+using vxtest::run_line;
+namespace fs = std::filesystem;
+using Words = std::vector<std::string>;
+
+const fs::path build_folder = fs::path(VXNLS_COMMAND_FOLDER).parent_path();
+const fs::path source_folder = VXNLS_SOURCE_FOLDER;
+
+TEST(EveryCommand, HelpSaysEverythingWithin80Columns) {
+  for_each_command([](const CommandPath& path) {
+    SCOPED_TRACE(full_name(path));
+    const Command& command = *path.back();
+    const std::string in_short = help_text(path, HelpLength::in_short), whole = help_text(path, HelpLength::whole);
+    for (const Option* option : command.options) {
+      EXPECT_NE(in_short.find(spelled(*option)), std::string::npos) << spelled(*option);
+    }
+    EXPECT_TRUE(command.run != nullptr || !command.commands.empty());
+    std::istringstream lines(whole.substr(0, whole.find("\nExamples:")));
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(display_width(line), 80U) << line;
+  });
+  const std::string whole = help_text({&root_command}, HelpLength::whole);
+  EXPECT_EQ(run_line("vxnls --help").out, whole);
+  EXPECT_EQ(run_line("vxnls help").out, whole);
+  EXPECT_EQ(run_line("vxnls format --help date nonsense").out, run_line("vxnls help format date").out);
+  EXPECT_EQ(run_line("vxnls -h").out, help_text({&root_command}, HelpLength::in_short));
+}
+
+TEST(EveryCommand, HasThreeExamplesThatPrintWhatTheySay) {
+  for_each_command([](const CommandPath& path) {
+    EXPECT_GE(path.back()->examples.size(), 3U) << full_name(path);
+    for (const Example& example : path.back()->examples) {
+      SCOPED_TRACE(example.line);
+      const auto result = run_line(std::string(example.line));
+      const std::string_view out = result.out;
+      EXPECT_EQ(out.substr(0, out.size() - (out.ends_with('\n') ? 1 : 0)), example.output);
+      EXPECT_TRUE(result.err.empty() || result.err.starts_with("vxnls: note: ")) << result.err;
+    }
+  });
+}
+
+/// Each line with options behind it, its output going somewhere: 4 is a pipe that nobody reads, 5 a full disk.
+TEST(EveryCommand, EndsWithTheCodeOfWhatHappened) {
+  const vxtest::TemporaryFolder folder;  // a host that cannot start: none of its extensions is there
+  for (const char* name : {"libvxhost.so.6", "libvxnlsloc.so.6"}) {
+    fs::copy_file(build_folder / "lib" / name, folder.file(name));
+  }
+  const std::string closed = "3 vxnls: cannot write standard output: Broken pipe\n";
+  const std::string full = "3 vxnls: cannot write standard output: No space left on device\n";
+  const std::string functions = fmt::format(
+      "cd {}; mkfifo pipe; exec 3<>pipe 4>pipe 3<&- 5>/dev/full\n"
+      "vxnls() {{ env $setting vxnls \"$@\" -q $options >&$target; echo $? >&8; }}\n"
+      "told() {{ echo $(sort -rn codes | head -n 1) $(head -n 1 told); }}\n",
+      folder.path());
+  const auto way = [](const std::string& line, const char* options, int target, const char* setting = "") {
+    return fmt::format("options='{}' target={} setting='{}'; {{ {}; }} >/dev/null 2>told 8>codes; told\n", options,
+                       target, setting, line);
+  };
+  for_each_command([&](const CommandPath& path) {
+    SCOPED_TRACE(full_name(path));
+    std::string script = functions;
+    for (const char* option : {" --help", " -h", " --version"}) {
+      for (const int target : {1, 4, 5}) script += way(full_name(path) + option, "", target);
+    }
+    const auto examples = path.back()->examples;
+    const std::string line(std::find_if(examples.begin(), examples.end(), [](const Example& one) {
+                             return one.line.find(" -- ") == std::string_view::npos;
+                           })->line);
+    for (const int target : {1, 4, 5}) script += way(line, "", target);
+    script += way(line, "--nonsense", 5) + way(line, "--locale qq_XX", 5) + way(line, "--zone No/Where", 5) +
+              way(line, "--locale C --zone UTC", 5, "LD_LIBRARY_PATH=.");
+    const std::string told = run_line(script).out, each = "0\n" + closed + full;
+    EXPECT_TRUE(told.starts_with(each + each + each + each)) << told;
+    const std::regex refused(
+        "2 vxnls: .*--nonsense.*\n2 vxnls: there is no locale \"qq_XX\".*\n2 vxnls: there is no time zone "
+        "\"No/Where\".*\n4 vxnls: the host cannot start: .*\n");
+    const size_t length = std::min(told.size(), 4 * each.size());
+    EXPECT_TRUE(std::regex_match(told.substr(length), refused)) << told;
+  });
+}
+
+TEST(EveryCommand, CompletionOffersTheTableAndNothingElse) {
+  for_each_command([](const CommandPath& path) {
+    SCOPED_TRACE(full_name(path));
+    const auto offered_behind = [&](Words words) {
+      words.insert(words.begin(), "-q");
+      for (size_t i = 1; i < path.size(); ++i) words.emplace(words.begin() + static_cast<long>(i), path[i]->name);
+      return complete(words);
+    };
+    const auto words_of = [](const Completion& completion) {
+      Words words;
+      for (const Candidate& one : completion.candidates) words.push_back(one.word);
+      return words;
+    };
+    Words wanted;
+    for (const Option* option : options_of(path)) {
+      if (!option->name.empty()) wanted.push_back("--" + std::string(option->name));
+      if (option->letter != 0) wanted.push_back(fmt::format("-{}", option->letter));
+      if (option->is_flag()) continue;
+      for (const Words& behind : {Words{spelled(*option), ""}, Words{spelled(*option) + "="}}) {
+        if (option->name.empty() && behind.size() == 1) continue;
+        const std::string prefix = behind.size() == 1 ? behind[0] : "";
+        Words choices;
+        for (const std::string_view choice : option->choices) choices.push_back(prefix + std::string(choice));
+        if (option == &options::locale && path.back()->ranks_locales) choices.push_back(prefix + "auto");
+        const Completion values = offered_behind(behind);
+        EXPECT_EQ(values.what, option->completes) << behind[0];
+        EXPECT_EQ(values.prefix, prefix);
+        EXPECT_EQ(words_of(values), choices) << behind[0];
+      }
+    }
+    Words offered = words_of(offered_behind({"-"}));
+    std::sort(offered.begin(), offered.end());
+    std::sort(wanted.begin(), wanted.end());
+    EXPECT_EQ(offered, wanted);
+    offered = words_of(offered_behind({""}));
+    for (const Command* child : path.back()->commands) {
+      EXPECT_EQ(std::count(offered.begin(), offered.end(), child->name), 1) << child->name;
+    }
+    Words before;
+    for (const Argument& argument : path.back()->arguments) {
+      before.emplace_back("");
+      EXPECT_EQ(offered_behind(before).what, argument.completes) << argument.name;
+      EXPECT_EQ(argument.name.starts_with("FILE"), argument.completes == Completes::files) << argument.name;
+      before.back() = "1";
+    }
+  });
+}
+
+/// A manual page in UTF-8, and wide enough that nothing is broken into lines but what has to be.
+std::string manual(const fs::path& page) {
+  const auto result = run_line(fmt::format(
+      R"(export LC_ALL=C.UTF-8 MANWIDTH=2000 MAN_KEEP_FORMATTING=1
+         man --warnings=w --nh --nj -E UTF-8 -P cat -l {} | sed -E 's/\x1b\[[0-9;]*m//g; s/.\x08//g')",
+      page.string()));
+  EXPECT_EQ(result.err, "");
+  return result.out;
+}
+
+/// Blanks of every kind are one, and so are texts that are canonically equivalent: the formatter takes U+1F75 for
+/// U+03AE.
+std::string in_one_line(std::string_view text) {
+  UErrorCode error = U_ZERO_ERROR;
+  std::string line;
+  icu::StringByteSink<std::string> sink(&line);
+  icu::Normalizer2::getNFCInstance(error)->normalizeUTF8(0, text, sink, nullptr, error);
+  return std::regex_replace(line, std::regex("[ \n\t]+"), " ");
+}
+
+TEST(EveryCommand, ManualPagesSayWhatTheTableSays) {
+  const vxtest::TemporaryFolder folder;
+  for_each_command([&](const CommandPath& path) {
+    SCOPED_TRACE(full_name(path));
+    const fs::path file = folder.file(manual_name(path) + ".1");
+    std::ofstream(file) << manual_page(path);
+    const std::string text = in_one_line(manual(file));
+    const auto expect = [&](std::string_view wanted) {
+      EXPECT_NE(text.find(in_one_line(wanted)), std::string::npos) << wanted << " is not in\n" << text;
+    };
+    const Command& command = *path.back();
+    expect(fmt::format("{} - {}", manual_name(path), command.summary));
+    expect(command.description);
+    for (const Option* option : options_of(path)) {
+      std::string head = option->letter == 0 ? "" : fmt::format("-{}", option->letter);
+      if (!option->name.empty()) head += fmt::format("{}--{}", head.empty() ? "" : ", ", option->name);
+      if (!option->is_flag()) head += fmt::format(" {}", option->value);
+      expect(fmt::format(" {} {}{} ", head, option->help, one_of(option->choices)));
+    }
+    for (const Argument& argument : command.arguments) {
+      expect(fmt::format(" {} {}{} ", argument.name, argument.help, one_of(argument.choices)));
+    }
+    for (const Command* child : command.commands) expect(fmt::format(" {} {} ", child->name, child->summary));
+    for (const auto& list : {environment, exit_codes}) {
+      for (const Definition& one : list) expect(fmt::format(" {} {} ", one.name, one.meaning));
+    }
+    for (const Example& example : command.examples) expect(fmt::format("$ {}\n{}", example.line, example.output));
+  });
+  const auto lint =
+      run_line(fmt::format("mandoc -Tlint -W warning {}/*.1 {}/man/man[35]/*", folder.path(), build_folder.string()));
+  EXPECT_EQ(lint.out + lint.err, "");
+}
+
+TEST(Manual, OfTheLibraryNamesWhatTheHeadersHave) {
+  const std::string page = manual(build_folder / "man/man3/vxnlsloc.3");
+  std::string headers;
+  for (const auto& entry : fs::directory_iterator(source_folder / "include/vxnls")) {
+    if (entry.path().extension() != ".h") continue;  // the C++ face stands on these
+    EXPECT_NE(page.find(fmt::format("<vxnls/{}>", entry.path().filename().string())), std::string::npos) << entry;
+    std::ifstream file(entry.path());
+    headers.append(std::istreambuf_iterator<char>(file), {});
+  }
+  const std::regex function("([A-Za-z0-9_]+)\\(\\)"), status("#define (VX_[EW]_[A-Z]+) .*(0x[0-9a-f]{8})");
+  size_t functions = 0;
+  for (std::sregex_iterator found(page.begin(), page.end(), function), end; found != end; ++found, ++functions) {
+    EXPECT_TRUE(std::regex_search(headers, std::regex(fmt::format("\\b{}\\b", found->str(1))))) << found->str(1);
+  }
+  EXPECT_GT(functions, 20U);
+  for (std::sregex_iterator found(headers.begin(), headers.end(), status), end; found != end; ++found) {
+    EXPECT_NE(page.find(fmt::format("{}  {}\n", found->str(1), found->str(2))), std::string::npos) << found->str(1);
+  }
+  EXPECT_EQ(run_line(VXNLS_MANUAL_EXAMPLE).out, "21.11.2026 14:05:09\n");
+}
+
+TEST(Manual, OfTheProfileNamesWhatTheFileHolds) {
+  const std::string page = manual(build_folder / "man/man5/vxnls-profile.5");
+  const auto expect_word = [&](std::string_view word) {
+    EXPECT_TRUE(std::regex_search(page, std::regex(fmt::format("(^|[ \\[]){}[\n ,;:.\\]]", word)))) << word;
+  };
+  const std::function<void(const Json&)> expect_members = [&](const Json& json) {
+    for (const auto& [name, value] : json.items()) {
+      if (json.is_object()) expect_word(name);
+      if (value.is_structured()) expect_members(value);
+    }
+  };
+  const char* const emit = "vxnls recognise -q --emit-profile /dev/fd/9 - 9>&1 >/dev/null";
+  expect_members(Json::parse(run_line(emit, "d,n\n03/04/21,1\nx,\"1,5\"\n").out));
+  for (const std::string_view word : column::kind_words) expect_word(word);
+  for (const std::string_view word : column::order_words) expect_word(word);
+  for (const std::string_view word : column::source_words) expect_word(word);
+  const std::string script = fmt::format(
+      "p=$(mktemp); sed -n -f {0}/tests/cli/manual_example.sed {0}/docs/man/vxnls-profile.5.in > $p; "
+      "vxnls normalise -q --profile $p -; rm $p",
+      source_folder.string());
+  EXPECT_EQ(run_line(script, "when,amount\n3.4.2021,\"1.234,5\"\n31. März 2020,7\n").out,
+            "when,amount\n2021-04-03,\"1234.5\"\n2020-03-31,7\n");
+}
+
+}  // namespace

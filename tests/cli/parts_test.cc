@@ -1,0 +1,367 @@
+// The parts of the command that know nothing of commands: words, suggestions, ISO 8601, text, codings; and terminals.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "cli/arguments.h"
+#include "cli/coding.h"
+#include "cli/color.h"
+#include "cli/completion.h"
+#include "cli/errors.h"
+#include "cli/options.h"
+#include "cli/suggest.h"
+#include "cli/text.h"
+#include "cli/value.h"
+#include "tests/cli/command_line.h"
+#include "tests/host/temporary_folder.h"
+#include "tests/support/terminal.h"
+
+namespace {
+
+using namespace vxcli;
+using namespace std::string_literals;
+using Words = std::vector<std::string>;
+
+TEST(Arguments, OptionsBeforeAndBehindTheCommand) {
+  static const struct {
+    Words words, values;
+    const char *locale, *zone;
+  } cases[] = {
+      {{"-l", "de_DE", "--zone", "UTC", "format", "date", "1"}, {"1"}, "de_DE", "UTC"},
+      {{"-lde_DE", "format", "--zone=UTC", "date", "1", "2"}, {"1", "2"}, "de_DE", "UTC"},
+      {{"-l", "fr_FR", "format", "date", "--locale", "de_DE", "-qzUTC"}, {}, "de_DE", "UTC"},  // the last one counts
+      {{"format", "date", "--locale=", "x", "-z", ""}, {"x"}, "", ""},
+      {{"format", "date", "-5", "-z", "UTC", "-.5", "-l", "C", "-1x"}, {"-5", "-.5", "-1x"}, "C", "UTC"},
+      {{"format", "date", "-l", "C", "-z", "UTC", "--", "-l", "--", "++"}, {"-l", "--", "++"}, "C", "UTC"},
+      {{"-l", "C", "-z", "UTC", "format", "date", "date", "[a,b]", ""}, {"date", "[a,b]", ""}, "C", "UTC"},
+      {{"format", "date", "-l", "-z", "-z", "--json"}, {}, "-z", "--json"},  // a value may begin with "-"
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.words));
+    const Arguments arguments(c.words);
+    EXPECT_EQ(full_name(arguments.path()), "vxnls format date");
+    EXPECT_EQ(arguments.values(), c.values);
+    EXPECT_EQ(arguments.value(options::locale), c.locale);
+    EXPECT_EQ(arguments.value(options::zone), c.zone);
+  }
+  EXPECT_EQ(full_name(Arguments({"zone", "list", "x"}).path()), "vxnls zone list");
+  EXPECT_EQ(full_name(Arguments({"zone", "UTC", "now", "list"}).path()), "vxnls zone");
+  EXPECT_EQ(Arguments({"zone", "--", "list"}).values(), Words{"list"});
+  EXPECT_TRUE(Arguments({"calendar", "--from", "nothing", "--help"}).has(options::help));  // which wants nothing else
+}
+
+TEST(Arguments, Refusals) {
+  static const std::pair<Words, const char*> cases[] = {
+      {{}, R"("vxnls" wants a command: )"},
+      {{"format"}, R"("vxnls format" wants a command: )"},
+      {{"fromat"}, R"("vxnls" has no command "fromat"; did you mean format?)"},
+      {{"datetime"},
+       R"("vxnls" has no command "datetime"; did you mean "vxnls format datetime" or "vxnls parse datetime"?)"},
+      {{"xyz", "date"}, R"("vxnls" has no command "xyz")"},
+      {{"format", "date", "--patern", "x"}, R"("vxnls format date" has no option "--patern"; did you mean --pattern?)"},
+      {{"format", "date", "-x"}, R"("vxnls format date" has no option "-x"; "vxnls format date --help" lists)"},
+      {{"--from", "day", "calendar", "1"}, R"(option --from belongs to "vxnls calendar")"},
+      {{"format", "date", "--pattern"}, "option --pattern wants a value: --pattern PATTERN"},
+      {{"calendar", "--json=maybe"}, "option --json takes no value"},
+      {{"calendar", "1", "-z"}, "option --zone wants a value: --zone NAME"},
+      {{"calendar", "--from", "dya"}, R"(--from "dya": it is date, day or julian)"},
+      {{"locale", "show", "C", "de"}, R"("vxnls locale show" takes no "de" behind LOCALE)"},
+  };
+  for (const auto& [words, message] : cases) {
+    SCOPED_TRACE(testing::PrintToString(words));
+    try {
+      const Arguments arguments(words);
+      ADD_FAILURE() << "accepted";
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.code(), ExitCode::usage);
+      EXPECT_TRUE(std::string_view(failure.what()).starts_with(message)) << failure.what();
+    }
+  }
+}
+
+TEST(Suggest, NearestOnly) {
+  EXPECT_EQ(edit_distance("de_DE", "de-de"), 0U);
+  EXPECT_EQ(edit_distance("abcd", "badc"), 2U);
+  EXPECT_EQ(edit_distance("kitten", "sitting"), 3U);
+  EXPECT_EQ(edit_distance("", "abc"), 3U);
+  const Words names{"America/New_York", "Europe/Berlin", "Europe/Dublin", "Asia/Tokyo"};
+  for (const auto& [text, guess] : {std::pair<const char*, const char*>{"berlin", "Europe/Berlin?"},
+                                    {"New York", "America/New_York?"},
+                                    {"Europe/Berlni", "Europe/Berlin?"},
+                                    {"eur", "Europe/Berlin or Europe/Dublin?"},
+                                    {"dubl", "Europe/Dublin?"}}) {
+    EXPECT_EQ(did_you_mean(text, names), "; did you mean "s + guess);
+  }
+  for (const std::string& text : {"du"s, "Munich"s, ""s, std::string(100000, 'x')})
+    EXPECT_EQ(did_you_mean(text, names), "");
+  EXPECT_EQ(nearest("abx", {"abc", "abd", "abe", "abf", "ab"}), (Words{"abc", "abd", "abe"}));
+}
+
+/// The parts of what was read, or the place and the expectation.
+std::string read_iso8601(std::string_view text) {
+  const auto result = iso8601::read(text);
+  if (const auto* fault = std::get_if<iso8601::Fault>(&result))
+    return fmt::format("{}: {}", fault->at, fault->expected);
+  const auto& read = std::get<iso8601::Text>(result);
+  std::string parts;
+  if (read.date) parts += iso8601::write(*read.date);
+  if (read.time) parts += fmt::format(" {}h{}m{}s", read.time->hour, read.time->minute, read.time->second);
+  if (read.offset) parts += fmt::format(" {:+}", *read.offset);
+  return parts;
+}
+
+TEST(Iso8601, EveryDayAgreesWithTheStandardLibrary) {
+  using namespace std::chrono;
+  constexpr sys_days epoch{year(1960) / January / 1}, end{year(4000) / January / 1};  // where the calendars part
+  for (sys_days day{year(1582) / January / 1}; day < end; day += days(1)) {
+    const year_month_day date(day);
+    const std::string text = fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
+                                         static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
+    ASSERT_EQ(read_iso8601(text), text);
+    const auto number = (day - epoch).count();
+    ASSERT_EQ(iso8601::write(date_of(number)), text);
+    ASSERT_EQ(day_number(date_of(number)), number);
+  }
+  EXPECT_EQ(iso8601::write(date_of(last_day)), "20000-12-31");
+  EXPECT_EQ(day_number({20000, 12, 31}), last_day);
+  for (const iso8601::Date& date : {iso8601::Date{2026, 2, 29}, {4000, 2, 29}, {2026, 4, 31}, {2000, 2, 30}}) {
+    EXPECT_THROW(day_number(date), ValueError) << date.year;  // 4000 is a common year here
+  }
+}
+
+TEST(Iso8601, FormsAndFaults) {
+  const std::string whole = "2026-11-21T14:05:09+02:30";
+  // Each field of two digits, with all that could stand there.
+  static constexpr struct {
+    size_t at;
+    int low, high;
+  } fields[] = {{5, 1, 12}, {8, 1, 31}, {11, 0, 23}, {14, 0, 59}, {17, 0, 59}, {20, 0, 23}, {23, 0, 59}};
+  for (const auto& field : fields) {
+    for (int value = 0; value < 100; ++value) {
+      const std::string text = fmt::format("{}{:02}{}", whole.substr(0, field.at), value, whole.substr(field.at + 2));
+      const bool good = value >= field.low && value <= field.high;
+      EXPECT_EQ(!read_iso8601(text).starts_with(fmt::format("{}: ", field.at)), good) << text;
+    }
+  }
+  static const std::pair<std::string, const char*> cases[] = {
+      {whole, "2026-11-21 14h5m9s +9000"},
+      {"+12026-11-21", "12026-11-21"},
+      {"T14:05:09", " 14h5m9s"},
+      {"14:05:09,999999999999999999999999", " 14h5m9s"},
+      {"2026-11-21t14:05z", "2026-11-21 14h5m0s +0"},
+      {"2026-11-21 14:05:09.5+02", "2026-11-21 14h5m9s +7200"},
+      {"2026-11-21T14:05:09 -0330", "2026-11-21 14h5m9s -12600"},
+      {"", "0: a date as 2026-11-21, or a time as 14:05"},
+      {"1581-12-31", "0: a year from 1582 to 20000"},
+      {"20001-01-01", "0: a year from 1582 to 20000"},
+      {"-2026-01-01", "0: a year from 1582 to 20000"},
+      {"99999999999-01-01", "0: a year from 1582 to 20000"},
+      {"2026/11/21", "4: \"-\""},
+      {"2026-13-21", "5: a month from 01 to 12"},
+      {"2026-011-21", "5: a month of two digits"},
+      {"2026-11-211", "8: a day of two digits"},
+      {"2026-11-21\0"s, "10: \"T\" and a time, or the end"},
+      {"2026-11-21T14", "13: \":\" and minutes"},
+      {"2026-11-21T14:05:09.", "20: decimals of a second"},
+      {"2026-11-21T14:05:09 ", "19: an offset as +02:00 or Z, or the end"},
+      {"2026-11-21T14:05:09+2", "20: an offset as +02, +0200 or +02:00"},
+      {"2026-11-21T14:05:09+02:", "23: minutes of two digits"},
+      {"2026-11-21T14:05:09Z1", "20: the end"},
+  };
+  for (const auto& [text, outcome] : cases) EXPECT_EQ(read_iso8601(text), outcome) << text;
+  for (const auto& [offset, text] :
+       {std::pair{0, "+00:00"}, {20700, "+05:45"}, {-12600, "-03:30"}, {-75, "-00:01:15"}}) {
+    EXPECT_EQ(iso8601::write_offset(offset), text);
+  }
+}
+
+TEST(Text, IsShownOnOneLineInColumns) {
+  EXPECT_EQ(in_quotes("\t\r\n\0\x7F 日\u202E\u200B"s), R"("\t\r\n\u{0000}\u{007F} 日\u{202E}\u{200B}")");
+  EXPECT_EQ(in_quotes("a\xFF\xC3(\xED\xA0\x80"), R"("a\xFF\xC3(\xED\xA0\x80")");
+  EXPECT_EQ(in_quotes(std::string(61, 'x')), '"' + std::string(60, 'x') + "\"...");
+  EXPECT_EQ(in_quotes(std::string(60, 'x')), '"' + std::string(60, 'x') + '"');
+  EXPECT_EQ(visible("\x1B[31m" + std::string(61, 'x')), "\\u{001B}[31m" + std::string(61, 'x'));
+  NLSName name{3, {U'ä', 0xD800, 0x110000, U'x'}};
+  EXPECT_EQ(utf8(name), "ä\uFFFD\uFFFD");
+  for (VXChar& unit : name.text) unit = U'日';
+  for (const auto& [length, bytes] : {std::pair{-1, 0U}, {61, 180U}}) {  // whatever is stored there
+    name.length = length;
+    EXPECT_EQ(utf8(name).size(), bytes);
+  }
+  for (const auto& [text, width] :
+       {std::pair{"日曜日", 6U}, {"ｶﾅ", 2U}, {"e\u0301", 1U}, {"\u200E1\u200F", 1U}, {"\xFF", 1U}}) {
+    EXPECT_EQ(display_width(text), width) << text;
+  }
+  Table table(" ");
+  table.row({"", "日", "x"});
+  table.row({"ab", "c"});
+  EXPECT_EQ(table.text(), "     日  x\n ab  c\n");
+  EXPECT_EQ(wrapped("aa bb cc", 8, 3), "aa bb\n   cc");
+  EXPECT_EQ(wrapped("a\n\n  b c longer", 6), "a\n\n  b c\nlonger");
+  EXPECT_TRUE(contains("Norsk Bokmål", "BOKMÅL"));
+  EXPECT_EQ(utf32("a\xC0\x80"), std::nullopt);
+}
+
+/// Decodes a text that arrives in two blocks, as the command does; "?" for a fault.
+std::string decoded(const Coding& coding, const std::string& text, size_t cut) {
+  std::string shown;
+  size_t at = 0;
+  for (const size_t end : {cut, text.size()}) {
+    while (at < end) {
+      const Step step = coding.decode({reinterpret_cast<const uint8_t*>(text.data()) + at, end - at});
+      if (step.outcome == Step::Outcome::wanting && end < text.size()) break;
+      shown += step.outcome == Step::Outcome::character ? "U+" + std::to_string(step.code_point) + " " : "? ";
+      at += step.outcome == Step::Outcome::wanting ? end - at : step.bytes;
+    }
+  }
+  return shown;
+}
+
+TEST(Coding, EveryCharacterThereAndBackAndFaultsWhereverTheBlockEnds) {
+  for (const Coding& coding : codings()) {
+    for (uint32_t c = 0; c <= 0x10FFFF; c += c < 0x3000 ? 1 : 251) {
+      if (c >= 0xD800 && c <= 0xDFFF) continue;
+      std::string text;
+      coding.encode(c, text);
+      coding.encode('x', text);
+      for (size_t cut = 0; cut <= text.size(); ++cut) {
+        ASSERT_EQ(decoded(coding, text, cut), fmt::format("U+{} U+120 ", c)) << coding.name << " cut at " << cut;
+      }
+    }
+  }
+  static const struct {
+    const char* coding;
+    std::string text;
+    const char* expected;
+  } faults[] = {
+      {"utf-8", "\xE2\x82\x41", "? U+65 "},
+      {"utf-8", "\xED\xA0\x80", "? ? ? "},        // a surrogate
+      {"utf-8", "\xF4\x90\x80\x80", "? ? ? ? "},  // above U+10FFFF
+      {"utf-8", "\xC0\x80\xE2\x82", "? ? ? "},    // overlong; cut off by the end
+      {"modified-utf-8", "\xC0\x80", "U+0 "},
+      {"modified-utf-8", "\xED\xA0\xBD\x41\xED\xB8\x80", "? U+65 ? "},
+      {"modified-utf-8", "\xF0\x9F\x98\x80", "? ? ? ? "},
+      {"utf-16le", "\x3D\xD8\x41\0"s, "? U+65 "},
+      {"utf-16be", "\xDE\0\0\x41\0"s, "? U+65 ? "},
+      {"utf-32le", "\0\xD8\0\0"s, "? "},
+      {"utf-32be", "\0\x11\0\0"s, "? "},
+  };
+  for (const auto& c : faults) {
+    for (size_t cut = 0; cut <= c.text.size(); ++cut) {
+      EXPECT_EQ(decoded(*find_coding(c.coding), c.text, cut), c.expected) << c.coding << " cut at " << cut;
+    }
+  }
+  EXPECT_EQ(find_coding("UTF_16LE"), find_coding("utf-16le"));
+}
+
+TEST(Completion, WhereTheCursorStands) {
+  static const struct {
+    Words words;
+    Completes what;
+    std::string prefix, first;  // candidate
+    size_t count;
+  } cases[] = {
+      {{"format", "date", "-qlde"}, Completes::locales, "-ql", "", 0},
+      {{"format", "date", "-ql", "de"}, Completes::locales, "", "", 0},
+      {{"-l", "format", "calendar", "--from", ""}, Completes::choices, "", "date", 3},  // "format" is a locale here
+      {{"calendar", "x", "list", ""}, Completes::nothing, "", "", 0},
+      {{"zone", "list", "--", "-"}, Completes::nothing, "", "", 0},
+      {{"zone", "UTC", "li"}, Completes::nothing, "", "", 0},
+      {{"help", "format", ""}, Completes::commands, "", "date", 7},
+      {{"help", "nonsense", ""}, Completes::commands, "", "", 0},
+      {{"nonsense", ""}, Completes::nothing, "", "", 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.words));
+    const Completion completion = complete(c.words);
+    EXPECT_EQ(completion.what, c.what);
+    EXPECT_EQ(completion.prefix, c.prefix);
+    EXPECT_EQ(completion.candidates.size(), c.count);
+    EXPECT_EQ(completion.candidates.empty() ? "" : completion.candidates[0].word, c.first);
+  }
+}
+
+vxtest::Environment terminal_environment(const std::string& home, const char* terminal) {
+  return {{"PATH", VXNLS_COMMAND_FOLDER ":/usr/bin:/bin"},
+          {"HOME", home},
+          {"LANG", "C.UTF-8"},
+          {"TZ", "UTC"},
+          {"TERM", terminal},
+          {"PS1", "ready> "}};
+}
+
+/// What people type, and what stands on the screen then: the shells' own completion at work.
+TEST(Terminal, CompletesInTheShellsThemselves) {
+  static const struct {
+    Words words;
+    const char* preparation;
+  } shells[] = {
+      {{"bash", "--norc", "--noprofile", "-i"}, "cd; PS1='ready> '; source <(vxnls completion bash)\n"},
+      {{"zsh", "-f", "-i"},
+       "cd; autoload -U compinit; compinit -D -u; source <(vxnls completion zsh); PS1='ready> '\n"},
+      {{"fish", "--no-config", "--private"},
+       "cd; function fish_prompt; echo -n 'ready> '; end; vxnls completion fish | source\n"},
+  };
+  static constexpr std::pair<const char*, const char*> cases[] = {
+      {"vxnls form\tnumb\t1234.5 --gro\t --loca\tde_D\t\n", "1.234,5"},
+      {"vxnls format date 2026-11-21 --locale=de_D\t --sty\tlon\t\n", "21. November 2026"},
+      {"vxnls -z Europe/Berl\t format datetime @0 --patt\t%Z\n", "Europe/Berlin"},
+      {"vxnls normalise -qc 1:number --no-head\t some\tnew\t\n", "1234.5"},
+      {"vxnls normalise --profile=some\tnew\t </dev/null\n", "vxnls: some folder/new file: "},
+      {"vxnls help loc\tlis\t| head -n 1\n", "Usage: vxnls locale list [OPTION...] [TEXT]"},
+  };
+  const vxtest::TemporaryFolder home;
+  ASSERT_EQ(
+      vxtest::run_line(fmt::format("cd {}; mkdir 'some folder'; echo 1234.5 > 'some folder/new file'", home.path()))
+          .code,
+      0);
+  for (const auto& shell : shells) {
+    if (vxtest::run_line("command -v " + shell.words[0]).code != 0) continue;
+    SCOPED_TRACE(shell.words[0]);
+    vxtest::Terminal terminal(shell.words, terminal_environment(home.path(), "dumb"));
+    terminal.type(shell.preparation);
+    terminal.until("ready> ");
+    for (const auto& [typed, shown] : cases) {
+      terminal.type(typed);
+      const std::string wanted = fmt::format("\r\n{}", shown), screen = terminal.until(wanted);
+      EXPECT_NE(screen.find(wanted), std::string::npos) << screen;
+      if (HasFailure()) break;
+    }
+  }
+}
+
+TEST(Terminal, ShowsColors) {
+  static constexpr std::pair<const char*, const char*> cases[] = {
+      // "E" stands for the escape character
+      {"vxnls format date x", "E[1;31mvxnls:E[0m \"x\": "},
+      {"vxnls format date x 2>&1 | cat", "vxnls: \"x\": "},
+      {"vxnls --color always nonsense 2>&1 | cat", "E[1;31mvxnls:E[0m \"vxnls\" has no command"},
+      {"vxnls --color=never nonsense", "vxnls: \"vxnls\" has no command"},
+      {"NO_COLOR=1 vxnls format date x", "vxnls: \"x\": "},
+      {"NO_COLOR=1 CLICOLOR_FORCE=1 vxnls --color auto -h", "Usage: vxnls"},
+      {"NO_COLOR=1 vxnls --color always -h", "E[1mUsage:E[0m vxnls"},
+      {"CLICOLOR_FORCE=1 NO_COLOR= vxnls -h | cat", "E[1mUsage:E[0m vxnls"},
+      {"CLICOLOR_FORCE=0 vxnls -h | cat", "Usage: vxnls"},
+      {"CLICOLOR_FORCE=1 vxnls --color never -h", "Usage: vxnls"},
+      {"TERM=dumb vxnls -h", "Usage: vxnls"},
+      {"vxnls format date 0 -l de_US", "vxnls: E[1;36mnote:E[0m there is no locale"},
+      {"vxnls parse date 03/04/2021 -l en_US --explain | grep ambig", "  ambiguous  2021-04-03"},
+      {"vxnls parse date 03/04/2021 -l en_US --explain --color always | grep 2021-04",
+       "  E[33mambiguousE[0m  2021-04-03"},
+  };
+  vxtest::Terminal terminal({"sh"}, terminal_environment("/", "xterm"));
+  terminal.until("ready> ");
+  for (const auto& [line, shown] : cases) {
+    terminal.type(line + "\n"s);
+    terminal.until("\n");  // what was typed
+    std::string wanted = shown;
+    for (size_t at = 0; (at = wanted.find("E[", at)) != std::string::npos;) wanted[at] = '\x1b';
+    const std::string screen = terminal.until("ready> ");
+    EXPECT_TRUE(screen.starts_with(wanted)) << line << '\n' << screen;
+  }
+}
+
+}  // namespace
