@@ -1,0 +1,148 @@
+// Every text is read as VXChars and as UTF-8, each up against an untouchable page, the quick way and as the explanation
+// reads it, step by step. All must agree.
+#ifndef VXNLS_TESTS_DATETIME_PARSE_READING_H
+#define VXNLS_TESTS_DATETIME_PARSE_READING_H
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <ostream>
+#include <regex>
+#include <sstream>
+#include <string>
+
+#include "datetime_parse/walk.h"
+#include "tests/support/guard_page.h"
+#include "tests/support/zoned_locale.h"
+
+namespace vxtest {
+
+/// A text in both flavours.
+struct Texts {
+  explicit Texts(std::u32string_view text) : whole(text), bytes(utf8(text)) {
+    static GuardedBuffer<VXChar> units(4096);
+    static GuardedBuffer<uint8_t> octets(16384);
+    static unsigned turn = 0;
+    const Guard guard = ++turn % 4 == 0 ? Guard::before : Guard::behind;
+    wide = {units.copy(reinterpret_cast<const VXChar*>(text.data()), text.size(), guard),
+            static_cast<int64_t>(text.size())};
+    narrow = {octets.copy(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), guard),
+              static_cast<int64_t>(bytes.size())};
+  }
+  /// Bytes that the first `count` units take.
+  int64_t bytes_of(int64_t count) const {
+    return count <= 0 ? count : static_cast<int64_t>(utf8(whole.substr(0, static_cast<size_t>(count))).size());
+  }
+
+  std::u32string_view whole;
+  std::string bytes;
+  vxnls::Input<vxnls::Utf32Text> wide;
+  vxnls::Input<vxnls::Utf8Text> narrow;
+};
+
+/// What a text gave; -1 where it is refused. A date is 20210304 for 4 March 2021, and 0 unless all of it was read.
+struct Read {
+  double value = -1;
+  int64_t consumed = -1;
+  bool operator==(const Read&) const = default;
+};
+
+inline void PrintTo(const Read& r, std::ostream* out) { *out << std::fixed << r.value << " consumed " << r.consumed; }
+
+constexpr double date_value(auto year, auto month, auto day) { return year * 10000. + month * 100. + day; }
+
+/// Reads a text as what the explanation calls `what`.
+inline Read read(uint32_t what, VXLocale* locale, std::u32string_view text, uint32_t kind,
+                 VXExplanation* explanation = nullptr) {
+  const Texts in(text);
+  const auto by = [&](auto from, auto date, auto time, auto datetime) {
+    Read read;
+    VXStatus status = 0;
+    if (what == VX_EXPLAIN_DATE) {
+      uint32_t month = 99, day = 99, year = 99;
+      status = date(locale, from.at, from.left, kind, &month, &day, &year, &read.consumed);
+      EXPECT_TRUE(status == 0 || (month == 0 && day == 0 && year == 0)) << in.bytes;
+      if (status == 0) read.value = date_value(year, month, day);
+    } else {
+      const auto call = what == VX_EXPLAIN_TIME ? time : datetime;
+      status = call(locale, from.at, from.left, kind, &read.value, &read.consumed);
+    }
+    EXPECT_EQ(status, read.consumed < 0 ? VX_E_NOMATCH : 0) << in.bytes;
+    return read;
+  };
+  const Read wide = by(in.wide, NLSBufToDate, NLSBufToTime, NLSBufToDatetime);
+  const Read narrow = by(in.narrow, NLSBufToDateU, NLSBufToTimeU, NLSBufToDatetimeU);
+  EXPECT_EQ((Read{wide.value, in.bytes_of(wide.consumed)}), narrow) << in.bytes << " kind " << kind;
+
+  VXExplanation own, &out = explanation != nullptr ? *explanation : own;
+  std::memset(&out, 0xAA, sizeof out);  // cppcheck-suppress memsetClassFloat ; whatever that is as a double
+  out.size = sizeof out;
+  EXPECT_EQ(vxnlsExplain(locale, what, kind, in.narrow.at, in.narrow.left, &out), 0u);
+  const VXExplainRefusal& r = out.refusal;
+  EXPECT_EQ(r.reason == VX_REASON_NONE, out.status == 0) << in.bytes;
+  EXPECT_TRUE(r.position >= 0 && r.length >= 0 && r.position + r.length <= in.narrow.left) << in.bytes;
+  EXPECT_LE(r.furthest, in.narrow.left) << in.bytes;
+  const VXExplainFields& f = out.match.fields;
+  const double date = out.complete != 0 ? date_value(f.year, f.month, f.day) : 0;
+  const Read told{what == VX_EXPLAIN_DATE ? date : out.value, out.consumed};
+  EXPECT_EQ(out.status == 0 ? told : Read(), narrow) << in.bytes << " kind " << kind;
+  return wide;
+}
+
+/// What one pattern reads of a text, be it that of dates or that of times; consumed is 0 unless the status is.
+inline VXExplanation read_by(PlainLocale& locale, std::u32string_view pattern, std::u32string_view text, bool lenient) {
+  for (NLSName* const entry : {&locale.data.datePattern, &locale.data.timePattern}) set_name(*entry, pattern);
+  const uint32_t kind = lenient ? 5 : 0;
+  read(VX_EXPLAIN_DATE, locale.get(), text, kind);
+  VXExplanation out;
+  read(VX_EXPLAIN_TIME, locale.get(), text, kind, &out);
+  return out;
+}
+
+/// Runs a script of statements that end with a line or ";". "datePattern %d/%m" changes that entry of the record, "date
+/// 4" says what is read, and by which kind; "TEXT = RESULT" is a case, whose result `told(what, kind, text)` has to
+/// give.
+/// "_" is a blank at the end of a text.
+inline void run(ZonedLocale& locale, std::string script, auto told) {
+  using Data = VXLocaleData;
+  static const std::map<std::string, NLSName Data::*> entries = {{"datePattern", &Data::datePattern},
+                                                                 {"datePattern1", &Data::datePattern1},
+                                                                 {"datePattern2", &Data::datePattern2},
+                                                                 {"datetimePattern", &Data::datetimePattern},
+                                                                 {"timePattern", &Data::timePattern},
+                                                                 {"timePattern1", &Data::timePattern1},
+                                                                 {"quarterPattern1", &Data::quarterPattern1},
+                                                                 {"quarterPattern2", &Data::quarterPattern2},
+                                                                 {"monthYearPattern1", &Data::monthYearPattern1},
+                                                                 {"monthYearPattern2", &Data::monthYearPattern2},
+                                                                 {"weekPattern1", &Data::weekPattern1},
+                                                                 {"weekPattern2", &Data::weekPattern2},
+                                                                 {"amMarker", &Data::amMarker},
+                                                                 {"pmMarker", &Data::pmMarker}};
+  static const std::map<std::string, uint32_t> kinds = {
+      {"date", VX_EXPLAIN_DATE}, {"time", VX_EXPLAIN_TIME}, {"datetime", VX_EXPLAIN_DATETIME}};
+  static const std::regex reading(" *(date|time|datetime) (\\w+)"), entry(" *(\\w+(?:Pattern|Marker)\\d?) ?(.*)"),
+      text_and_result(" *(.*?) *= *(.*?) *"), comment(" *(//.*)?");
+  uint32_t what = 0, kind = 0;
+  std::replace(script.begin(), script.end(), '\n', ';');
+  std::istringstream statements(script);
+  for (std::string statement; std::getline(statements, statement, ';');) {
+    std::smatch parts;
+    const auto part = [&](size_t i) { return utf32(std::regex_replace(parts[i].str(), std::regex("_"), " ")); };
+    if (std::regex_match(statement, parts, reading)) {
+      what = kinds.at(parts[1]), kind = static_cast<uint32_t>(std::stoul(parts[2], nullptr, 0));
+    } else if (std::regex_match(statement, parts, entry)) {
+      set_name(locale.data.*entries.at(parts[1]), part(2));
+    } else if (std::regex_match(statement, parts, text_and_result)) {
+      VXExplanation out;
+      const Read got = read(what, locale.get(), part(1), kind, &out);
+      EXPECT_EQ(told(what, got, out), parts[2]) << statement;
+    } else {
+      EXPECT_TRUE(std::regex_match(statement, comment)) << statement;
+    }
+  }
+}
+
+}  // namespace vxtest
+
+#endif
