@@ -259,7 +259,7 @@ const int never_waiting = open("/dev/null", O_RDONLY);
 
 TEST(Pipeline, EveryFailureOfReadingComesAfterWhatWasRead) {
   constexpr std::string_view text = "a,b\n1,2\n\"3\n\",4\n5,6\n7";
-  for (const size_t block_size : {1, 7, 100}) {
+  for (const size_t block_size : {1u, 7u, 100u}) {
     for (const unsigned threads_and_sample : {1u, 2u, 4u}) {
       for (size_t read = 0; read <= text.size(); ++read) {
         device = {.text = text, .failing_call = static_cast<int>(read) + 1};
