@@ -58,12 +58,13 @@ struct Pieces {
     replaced = true;
     put("\uFFFD");
   }
-  /// Whether that is what `call(out, room, &written)` writes, and tells, at a page that may not be touched or away from
-  /// it.
+  /// Whether that and nothing else is what `call(out, room, &written)` writes, and tells, at a page that may not be
+  /// touched or away from it.
   template <class Call>
   bool are_written(Call call, size_t room, size_t away = 0) const {
     static GuardedBuffer<uint8_t> memory(512);
     uint8_t* const out = memory.at(room, Guard::behind, away);
+    std::fill_n(out, room, uint8_t{0xAA});
     int64_t written = -1;
     const VXStatus status = call(out, static_cast<int64_t>(room), &written);
     const auto held = std::upper_bound(ends.begin(), ends.end(), room);
@@ -71,7 +72,8 @@ struct Pieces {
                       : replaced         ? VX_E_SEQUENCE
                                          : 0) &&
            written == (held == ends.begin() ? 0 : static_cast<int64_t>(held[-1])) &&
-           std::equal(out, out + written, bytes(text));
+           std::equal(out, out + written, bytes(text)) &&
+           std::count(out + written, out + room, 0xAA) == static_cast<int64_t>(room) - written;
   }
 };
 
