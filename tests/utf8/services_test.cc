@@ -196,6 +196,7 @@ TEST(Services, NullAndNegativeLengthsAreEmptyTextsAndNoRoom) {
     for (const auto into : {vxzsu8Lower2, vxzsu8Upper2}) {
       EXPECT_TRUE(into(none, n, text, 2, &written) == 0 && written == 0);
       EXPECT_TRUE(into(text, 2, none, n, &written) == 0 && written == 2) << "no room: it measures";
+      EXPECT_EQ(into(text, 2, none, n, nullptr), 0u);
     }
     for (const auto coder : {vxzsu8Encode, vxzsu8Decode}) {
       for (const uint32_t options : {0u, 1u, 4u, 5u}) {
