@@ -84,7 +84,7 @@ TEST(Normaliser, ComparesAndRefuses) {
     EXPECT_EQ(status, c.status);
   }
   uint8_t out[3] = {1};
-  for (const uint64_t room : {2, 3}) {
+  for (const uint64_t room : {2u, 3u}) {
     EXPECT_EQ(ops.normalise(normaliser, bytes("\u00E9"), 2, 1, word(out), room, word(&needed), nullptr),
               room < 3 ? VX_E_ROOM : 0);
     EXPECT_EQ(needed, 3);
