@@ -243,10 +243,18 @@ constexpr VXTrackOps track_ops = {
     }),
 };
 
-// Only what the library itself writes to a journal.
-constexpr VXJournalOps journal_ops = {nullptr, operation<"message_to_journal">([](Host&, auto...) { return 0; }),
-                                      nullptr, operation<"status_to_journal">([](Host&, auto...) { return 0; }),
-                                      {},      nullptr};
+// The first variable argument is the answer to what the library does not write itself, which has none.
+constexpr VXJournalOps journal_ops = {
+    operation<"message_to_buffer">(
+        [](Host&, auto*, auto, auto, auto, auto, auto, va_list rest) { return va_arg(rest, int); }),
+    operation<"message_to_journal">(
+        [](Host&, auto*, uint32_t level, auto*, auto, va_list rest) { return level > 9 ? va_arg(rest, int) : 0; }),
+    operation<"status_to_buffer">([](Host&, auto*, auto, auto, auto, auto, va_list rest) { return va_arg(rest, int); }),
+    operation<"status_to_journal">(
+        [](Host&, auto*, uint32_t level, auto, va_list rest) { return level > 9 ? va_arg(rest, int) : 0; }),
+    {},
+    operation<"get_locale">([](Host&, VXJournal* journal, auto...) { return journal; }),
+};
 
 VXLogger* logger_of(Host& host) { return reinterpret_cast<VXLogger*>(&host.journal); }
 
