@@ -46,7 +46,7 @@ class Readers : public testing::Test {
     Decimal decimal;
     const Reading expected = read_double(text, signs_, flags, decimal);
     check(text, flags, expected, VX_NUMBER_DOUBLE, NLSBufToDoubleWithOpts, NLSBufToDoubleUWithOpts);
-    if (const auto count = static_cast<int32_t>(decimal.digits.size()); count != 0 && is_computed(expected.status)) {
+    if (const auto count = static_cast<int32_t>(decimal.digits.size()); count != 0 && decimal.is_whole) {
       double soft = 0;
       vxnls::calc_double<SoftExtended>(decimal.part(0), decimal.part(15), count, static_cast<int32_t>(decimal.exponent),
                                        decimal.is_negative, &soft);
@@ -103,9 +103,6 @@ class Readers : public testing::Test {
         << "[" << std::string(at, at + text.size()) << "] flags " << std::hex << flags << ", " << sizeof(Unit);
   }
 
-  static bool is_computed(VXStatus status) {
-    return status == 0 || status == VX_E_OVERFLOW || status == VX_E_UNDERFLOW;
-  }
   static uint64_t as_bits(double value) { return std::bit_cast<uint64_t>(value); }
   static uint64_t as_bits(std::integral auto value) { return static_cast<uint64_t>(value); }
 
@@ -132,23 +129,17 @@ TEST_F(Readers, Texts) {
     double value = 0;
   } cases[] = {
       {english, any_double, 0, U" \t-1,234.5 \t", VX_FAULT_NONE, 12, 0, -1234.5},
-      {english, any_double, 0, U"1,,2,.5", VX_FAULT_NONE, 7, 0, 12.5},
-      {english, any_double, 0, U"-.5d1", VX_FAULT_NONE, 5, 0, -5},
       {english, any_double, 0, U"1.E+0,2,", VX_FAULT_NONE, 8, 0, 100},
-      {english, any_double, 0, U"00000000000000000000.00012", VX_FAULT_NONE, 26, 0, 0.00012},
       {english, any_double, 0, U"1.7976931348623157E308", VX_FAULT_NONE, 22, 0, DBL_MAX},
       {english, any_double, 0, U"-4.9406564584124654e-324", VX_FAULT_NONE, 24, 0, -DBL_TRUE_MIN},
-      {english, any_double, 0, U"0e-30800", VX_FAULT_NONE, 8, 0, 0},
       {english, any_double, 0, U"-0.0e23", VX_FAULT_NONE, 7, 0, -0.0},  // the last zero stands at 10^22
       {english, any_double, 0, U"-0e23", VX_FAULT_NONE, 5, 0, 0.0},     // a zero so far out loses its minus
       {german, any_double, 0, U"1.234.567,89", VX_FAULT_NONE, 12, 0, 1234567.89},
       {spaced, any_double, NLS_READ_SPACE_SEPARATOR, U"1 234\u00A0567,8  ", VX_FAULT_NONE, 14, 0, 1234567.8},
       {english, any_double, 0, U" \t", VX_FAULT_EMPTY, 2, 0},
-      {english, any_double, 0, U" x", VX_FAULT_NO_DIGIT, 1, 1},
       {english, any_double, 0, U"KLMNOFGH", VX_FAULT_NO_DIGIT, 0, 1},  // differ from digits in the same bits
       {english, any_double, 0, U"1.KLMNOFGH", VX_FAULT_TEXT_AFTER, 2, 1},
       {english, any_double, 0, U"\u20ac5", VX_FAULT_NO_DIGIT, 0, 3},
-      {english, any_double, 0, U"-", VX_FAULT_SIGN_ALONE, 1, 0},
       {english, any_double, 0, U"- 1", VX_FAULT_SIGN_ALONE, 1, 1},
       {swiss, any_double, 0, U"-\u20191", VX_FAULT_LEADING_SEPARATOR, 1, 3},
       {german, any_double, 0, U"-.5", VX_FAULT_LEADING_SEPARATOR, 1, 1},
@@ -161,17 +152,12 @@ TEST_F(Readers, Texts) {
       {english, any_double, 0, U"1.2 .", VX_FAULT_TEXT_AFTER, 4, 1},
       {english, any_double, 0, U"1\0002"sv, VX_FAULT_TEXT_AFTER, 1, 1},
       {english, any_double, 0, U"1 E2", VX_FAULT_TEXT_AFTER, 2, 1},
-      {english, any_double, 0, U"1e5.5", VX_FAULT_TEXT_AFTER, 3, 1},
-      {english, any_double, 0, U"1e", VX_FAULT_EXPONENT_WITHOUT_DIGITS, 2, 0},
       {english, any_double, 0, U"1e-,5", VX_FAULT_EXPONENT_WITHOUT_DIGITS, 3, 1},
       {english, any_double, 0, U" 1e-30801 ", VX_FAULT_EXPONENT_RANGE, 4, 5},
       {english, any_double, 0, U"0E99999999999999999999999999x", VX_FAULT_EXPONENT_RANGE, 2, 26},
       {english, any_double, 0, U" -1E30800 ", VX_FAULT_OVERFLOW, 1, 8},
-      {english, any_double, 0, U"18E307", VX_FAULT_OVERFLOW, 0, 6},
       {english, any_double, 0, U"2.4703282292062327e-324", VX_FAULT_UNDERFLOW, 0, 23},
       {english, i64, 0, U"", VX_FAULT_NONE, 0, 0},
-      {english, i64, 0, U"   ", VX_FAULT_NONE, 3, 0},
-      {english, i32, 0, U"-2147483648", VX_FAULT_NONE, 11, 0, INT32_MIN},
       {english, i32, 0, U" - ,5 x", VX_FAULT_NONE, 5, 0, -5},
       {english, i32, 0, U" -9,999,999,999,x", VX_FAULT_OVERFLOW, 1, 15},
       {english, i32, 0, U"- x", VX_FAULT_SIGN_ALONE, 2, 1},
@@ -181,7 +167,6 @@ TEST_F(Readers, Texts) {
       {english, i32, NLS_READ_HEXADECIMAL, U"0xFF", VX_FAULT_TEXT_AFTER, 1, 1},  // signed ones have no such form
       {swiss, i32, 0, U"\u20191", VX_FAULT_LEADING_SEPARATOR, 0, 3},
       {english, i32, 0, U"12.5", VX_FAULT_POINT_IN_INTEGER, 2, 1, 12},
-      {english, i32, NLS_READ_FRACTION, U"12.00", VX_FAULT_NONE, 5, 0, 12},
       {english, i32, NLS_READ_FRACTION, U"12.05", VX_FAULT_FRACTION_DISCARDED, 4, 1, 12},
       {english, i32, NLS_READ_FRACTION, U"1.5.", VX_FAULT_SECOND_POINT, 3, 1, 1},
       {swiss, i32, NLS_READ_FRACTION, U"1.5\u2019", VX_FAULT_SEPARATOR_IN_FRACTION, 3, 3, 1},
@@ -398,8 +383,6 @@ TEST_F(Readers, Doors) {
     EXPECT_EQ(count, 7u);
     EXPECT_EQ(vxnlsExplainNumber(given_, bytes, length, VX_NUMBER_DOUBLE, 0, &reading_), VX_E_LENGTH);
   }
-  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToDouble, given_), units, 5, &value, &consumed);
-  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToDoubleU, given_), bytes, 5, &value, &consumed);
   VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToDoubleWithOpts, given_), units, 5, 0u, &value, &consumed);
   VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToDoubleUWithOpts, given_), bytes, 5, 0u, &value, &consumed);
   VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSBufToLong, given_), units, 5, 0u, &whole, &count);
