@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -141,11 +142,6 @@ class DoubleModel {
   }
 
  private:
-  struct Exponent {
-    bool fits;
-    std::string text;
-  };
-
   Written fixed(int32_t width, int decimals, bool wants_exponent) {
     if (width < 1) return {VX_E_WIDTH, "", false};
     if (width > 32 || (wants_exponent && width < 7)) return stars(VX_E_WIDTH);
@@ -155,8 +151,8 @@ class DoubleModel {
     const bool integral = exact.fraction.empty();
     if (decimals < 0) decimals = 6;
     if (wants_exponent) {
-      const Exponent got = exponent(room_, std::max(room_ - 7, 1));
-      return got.fits ? done(0, got.text) : stars(VX_E_TRUNCATED);
+      const auto text = exponent(room_, std::max(room_ - 7, 1));
+      return text ? done(0, *text) : stars(VX_E_TRUNCATED);
     }
     const VXStatus fewer = reports_ && !best_ ? VX_W_PRECISION : 0;
     if (best_) {
@@ -285,12 +281,12 @@ class DoubleModel {
   }
 
   Written in_exponent_form() const {
-    const Exponent got = exponent(room_, 0);
-    return got.fits ? done(reports_ ? VX_W_PRECISION : 0, (negative_ ? "-" : "") + got.text) : stars(VX_E_TRUNCATED);
+    const auto text = exponent(room_, 0);
+    return text ? done(reports_ ? VX_W_PRECISION : 0, (negative_ ? "-" : "") + *text) : stars(VX_E_TRUNCATED);
   }
 
-  /// `digits` 0: as many as the room holds, without trailing zeros.
-  Exponent exponent(int room, int digits) const {
+  /// Where it fits. `digits` 0: as many as the room holds, without trailing zeros.
+  std::optional<std::string> exponent(int room, int digits) const {
     const bool automatic = digits == 0;
     // m in [0.1, 1) and k with value = m * 10^k
     int binary;
@@ -322,14 +318,14 @@ class DoubleModel {
       digits = std::min(asked, capacity(before));
       return digits > 0;
     };
-    if (!arrange()) return {false, ""};
+    if (!arrange()) return {};
     if (m != 0) {
       if (digits < 15) m += half(digits);
       m *= 0x1.0000000000008p+0;
       if (m >= 1) {
         m *= 0x1.999999999999bp-4;
         ++k;
-        if (!arrange()) return {false, ""};
+        if (!arrange()) return {};
       }
     }
     std::string text = Exact(m).fraction.substr(0, static_cast<size_t>(std::min(digits, 14)));
@@ -340,7 +336,8 @@ class DoubleModel {
     if (static_cast<int>(text.size()) > before) text.insert(static_cast<size_t>(before), marks_.point);
     text += Exact::exponent_text(magnitude_ == 0 ? 0 : k - before, automatic);
     if (!automatic && negative_) text.insert(0, 1, '-');
-    return {static_cast<int>(text.size()) <= (automatic ? room : field_), text};
+    if (static_cast<int>(text.size()) > (automatic ? room : field_)) return {};
+    return text;
   }
 
   /// Sign, separators and padding up to a width; false where the separators never fit.

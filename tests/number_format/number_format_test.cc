@@ -1,6 +1,7 @@
 // Numbers written in both flavours, between pages that may not be touched: each as the model writes it.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
 #include <random>
 
@@ -145,48 +146,23 @@ class Writer {
   const Convention& convention_;
 };
 
+/// Decimals of everyday magnitudes and of all, halves of a unit of some place, next to powers of ten; and anything.
 double any_value(std::mt19937_64& random) {
-  const auto between = [&](int low, int high) {
-    return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
-  };
-  const auto number = [](const std::string& digits, int exponent) {
-    return std::strtod((digits + "e" + std::to_string(exponent)).c_str(), nullptr);
-  };
-  const auto digits = [&](int most) {
-    return std::to_string(random()).substr(0, static_cast<size_t>(between(1, most)));
-  };
-  const auto of_magnitude = [&](int most, int from, int to) {
-    const std::string all = digits(most);
-    return number(all, between(from, to) - static_cast<int>(all.size()));
-  };
-  const auto special = [&] {
-    const uint64_t code = random() % 32;  // of missing values, and others
-    const double values[] = {HUGE_VAL,
-                             0,
-                             std::nextafter(0.95, 0),
-                             std::nextafter(1e15, 0),
-                             0x1p-1074,
-                             std::bit_cast<double>(0xFFFFFF0000000000 ^ code << 40)};
-    return values[random() % std::size(values)];
-  };
-  const auto kind = [&] {
-    switch (random() % 11) {
-      case 0: return std::bit_cast<double>(random());
-      case 1: return number(digits(7), -between(0, 10));
-      case 2: return number(digits(4) + "5", -between(1, 13));  // halves of a unit of some decimal
-      case 3: return of_magnitude(17, -20, 34);
-      case 4: return of_magnitude(4, -324, 308);
-      case 5: return number(std::string(static_cast<size_t>(between(1, 17)), '9'), between(-24, 16));
-      case 6: return number("1", between(-324, 308));
-      case 7: return static_cast<double>(random() >> between(0, 63));
-      case 8: return std::ldexp(static_cast<double>(random() >> 11), between(-80, 40));
-      case 9: return std::bit_cast<double>(random() >> between(12, 63));
-      default: return special();
-    }
-  };
-  double value = kind();
-  for (int steps = between(0, 7) ? 0 : between(1, 3); steps > 0; --steps) value = std::nextafter(value, HUGE_VAL);
-  return random() % 3 == 0 ? -value : value;
+  const auto below = [&](uint64_t n) { return random() % n; };
+  const std::string any = std::to_string(random());
+  const std::string digits = std::array{any.substr(0, 1 + below(17)), any.substr(0, 1 + below(4)) + "5",
+                                        std::string(1 + below(17), '9'), std::string("1")}[below(4)];
+  const auto exponent = static_cast<int>(below(4) != 0 ? below(34) : 300 - below(632)) - 14;
+  const uint64_t missing = 0xFFFFFF0000000000 ^ below(32) << 40;
+  const double rare[] = {HUGE_VAL, 0, std::nextafter(0.95, 0), std::nextafter(1e15, 0), std::bit_cast<double>(missing)};
+  const double others[] = {static_cast<double>(random() >> below(64)), std::bit_cast<double>(random() >> below(64)),
+                           std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(below(120)) - 80),
+                           below(8) == 0 ? rare[below(5)] : std::bit_cast<double>(random())};
+  const uint64_t which = below(12);
+  const std::string text = digits + "e" + std::to_string(exponent + 1 - static_cast<int>(digits.size()));
+  double value = which < std::size(others) ? others[which] : std::strtod(text.c_str(), nullptr);
+  for (uint64_t steps = below(8) == 0 ? 1 + below(3) : 0; steps > 0; --steps) value = std::nextafter(value, HUGE_VAL);
+  return below(3) == 0 ? -value : value;
 }
 
 /// Five million fixed fields, and a million numbers in free mode: in room for just the text, in more and in less.
