@@ -31,46 +31,37 @@ class CharacterHost {
   std::vector<Question> asked;
 
   CharacterHost() {
-    current() = this;
+    static constexpr VXUnicodeDatabaseOps database_ops = {
+        [](VXExtension*) -> VXStatus { return 0; },
+        [](VXUnicodeDatabase*, uint32_t c, uint32_t bits) { return asked_for('c', c, bits).test_class(c, bits); }};
+    static constexpr VXCharDataOps data_ops = {
+        [](VXCharData*, uint32_t c, uint32_t flag) { return asked_for('l', c, flag).lower(c); },
+        [](VXCharData*, uint32_t c, uint32_t flag) { return asked_for('u', c, flag).upper(c); },
+        [](VXCharData*) { return current->normaliser; }};
+    static constexpr VXHandleOps handle_ops = {
+        nullptr, nullptr, nullptr, nullptr, [](VXHandle*, const VXChar* name, int64_t length, uint64_t) {
+          const bool loads = current->has_database && std::u32string(name, name + length) == U"vxnlsudb";
+          current->loads += loads;
+          return loads ? reinterpret_cast<VXExtension*>(&current->database_) : nullptr;
+        }};
     data_.ops = &data_ops;
     handle_.ops = &handle_ops;
     handle_.characters = &data_;
     database_.ops = &database_ops;
+    current = this;
     Exported_VXHandle = &handle_;
   }
-  ~CharacterHost() {
-    Exported_VXHandle = nullptr;
-    current() = nullptr;
-  }
+  ~CharacterHost() { Exported_VXHandle = nullptr; }
   CharacterHost(const CharacterHost&) = delete;
   CharacterHost& operator=(const CharacterHost&) = delete;
 
  private:
-  static CharacterHost*& current() {
-    static CharacterHost* host = nullptr;
-    return host;
-  }
   static CharacterHost& asked_for(char what, uint32_t code_point, uint32_t argument) {
-    current()->asked.push_back({what, code_point, argument});
-    return *current();
+    current->asked.push_back({what, code_point, argument});
+    return *current;
   }
-  static int32_t answer_class(VXUnicodeDatabase*, uint32_t c, uint32_t bits) {
-    return asked_for('c', c, bits).test_class(c, bits);
-  }
-  static uint32_t answer_lower(VXCharData*, uint32_t c, uint32_t flag) { return asked_for('l', c, flag).lower(c); }
-  static uint32_t answer_upper(VXCharData*, uint32_t c, uint32_t flag) { return asked_for('u', c, flag).upper(c); }
-  static VXNormaliser* give_normaliser(VXCharData*) { return current()->normaliser; }
-  static VXStatus keep(VXExtension*) { return 0; }
-  static VXExtension* load(VXHandle*, const VXChar* name, int64_t length, uint64_t) {
-    CharacterHost& host = *current();
-    if (!host.has_database || std::u32string(name, name + length) != U"vxnlsudb") return nullptr;
-    ++host.loads;
-    return reinterpret_cast<VXExtension*>(&host.database_);
-  }
-  static constexpr VXUnicodeDatabaseOps database_ops = {keep, answer_class};
-  static constexpr VXCharDataOps data_ops = {answer_lower, answer_upper, give_normaliser};
-  static constexpr VXHandleOps handle_ops = {nullptr, nullptr, nullptr, nullptr, load};
 
+  static inline CharacterHost* current = nullptr;
   VXUnicodeDatabase database_{};
   VXCharData data_{};
   VXHandle handle_{};

@@ -10,12 +10,7 @@ namespace vxtest {
 struct DayCounter {
   int32_t year = 1582, month = 1, day = 1, day_of_year = 1, week_day = 5;
 
-  bool leap() const {
-    if (year % 4000 == 0) return false;
-    if (year % 400 == 0) return true;
-    if (year % 100 == 0) return false;
-    return year % 4 == 0;
-  }
+  bool leap() const { return year % 4 == 0 && (year % 100 != 0 || (year % 400 == 0 && year % 4000 != 0)); }
   bool ends_month() const {
     const int32_t lengths[] = {31, leap() ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     return day == lengths[month - 1];
@@ -23,14 +18,12 @@ struct DayCounter {
   void next() {
     week_day = (week_day + 1) % 7;
     ++day_of_year;
-    const bool same_month = !ends_month();
-    ++day;
-    if (same_month) return;
-    day = 1;
-    if (++month <= 12) return;
-    month = 1;
+    const bool is_last = ends_month();
+    day = is_last ? 1 : day + 1;
+    month += is_last;
+    if (month <= 12) return;
     ++year;
-    day_of_year = 1;
+    month = day_of_year = 1;
   }
 };
 

@@ -23,9 +23,8 @@ class GuardedBuffer {
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     inner_ = (most * sizeof(T) + page - 1) / page * page;
     whole_ = inner_ + 2 * page;
-    void* const memory = mmap(nullptr, whole_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) std::abort();
-    memory_ = static_cast<uint8_t*>(memory);
+    memory_ = static_cast<uint8_t*>(mmap(nullptr, whole_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    if (memory_ == MAP_FAILED) std::abort();
     begin_ = memory_ + page;
     if (mprotect(begin_, inner_, PROT_READ | PROT_WRITE) != 0) std::abort();
   }
