@@ -110,14 +110,12 @@ class Writer {
   Written check(const Call& c) {
     const Written expected = units_.format(c.value, c.width, c.decimals, c.flags, c.size);
     const bool one = convention_.point < 0x80 && convention_.separator < 0x80;
-    const auto shown = [&] {
-      return testing::Message() << std::hexfloat << c.value << std::defaultfloat << " = " << c.value << " width "
-                                << c.width << " decimals " << c.decimals << " flags " << std::hex << c.flags << " size "
-                                << std::dec << c.size;
-    };
-    EXPECT_EQ(write<VXChar>(c), expected) << shown();
-    EXPECT_EQ(write<uint8_t>(c), one ? expected : bytes_.format(c.value, c.width, c.decimals, c.flags, c.size))
-        << shown();
+    const Written expected_bytes = one ? expected : bytes_.format(c.value, c.width, c.decimals, c.flags, c.size);
+    const Written units = write<VXChar>(c), bytes = write<uint8_t>(c);
+    EXPECT_TRUE(units == expected && bytes == expected_bytes)
+        << std::hexfloat << c.value << " width " << c.width << " decimals " << c.decimals << " flags " << std::hex
+        << c.flags << " size " << std::dec << c.size << "\nwritten " << units << bytes << "\nmodel   " << expected
+        << expected_bytes;
     return expected;
   }
 
@@ -165,20 +163,18 @@ double any_value(std::mt19937_64& random) {
   return below(3) == 0 ? -value : value;
 }
 
+constexpr uint32_t fixed = NLS_FORMAT_FIXED, in_plain = NLS_FORMAT_PLAIN, exponential = 0x0020, plus = NLS_FORMAT_PLUS,
+                   blank = NLS_FORMAT_BLANK, left = NLS_FORMAT_LEFT, pad = NLS_FORMAT_ZERO_PAD,
+                   groups = NLS_FORMAT_GROUP, octal = NLS_FORMAT_OCTAL, octal_0 = NLS_FORMAT_OCTAL_PREFIX,
+                   lower = NLS_FORMAT_HEX_LOWER, upper = NLS_FORMAT_HEX_UPPER, prefix = NLS_FORMAT_HEX_PREFIX;
+
 /// Five million fixed fields, and a million numbers in free mode: in room for just the text, in more and in less.
 TEST(DoubleFormat, AgreesWithTheModel) {
-  constexpr uint32_t fields[] = {NLS_FORMAT_FIXED, NLS_FORMAT_BEST, NLS_FORMAT_FIXED_EXPONENT, NLS_FORMAT_SIGNIFICANT};
-  constexpr uint32_t free_forms[] = {0,
-                                     NLS_FORMAT_GENERAL,
-                                     NLS_FORMAT_PLAIN,
-                                     NLS_FORMAT_PLAIN,
-                                     NLS_FORMAT_FRACTION,
-                                     0x0020,
-                                     NLS_FORMAT_KEEP_ZEROS,
-                                     NLS_FORMAT_INTEGER,
-                                     0x0400};
-  constexpr uint32_t options[] = {NLS_FORMAT_GROUP, NLS_FORMAT_PLUS, NLS_FORMAT_LEFT, NLS_FORMAT_ZERO_PAD,
-                                  NLS_FORMAT_BLANK};
+  constexpr uint32_t fields[] = {fixed, NLS_FORMAT_BEST, NLS_FORMAT_FIXED_EXPONENT, NLS_FORMAT_SIGNIFICANT};
+  constexpr uint32_t free_forms[] = {0,          0x0400,   NLS_FORMAT_GENERAL,  NLS_FORMAT_KEEP_ZEROS,
+                                     in_plain,   in_plain, NLS_FORMAT_FRACTION, NLS_FORMAT_INTEGER,
+                                     exponential};
+  constexpr uint32_t options[] = {groups, plus, left, pad, blank};
   std::mt19937_64 random(20240611);
   const auto one_of = [&](const auto& from) { return from[random() % std::size(from)]; };
   const auto between = [&](int low, int high) {
@@ -205,18 +201,17 @@ TEST(DoubleFormat, AgreesWithTheModel) {
 
 // What is wanted of single numbers, of the model as well.
 TEST(DoubleFormat, Texts) {
-  constexpr uint32_t fixed = NLS_FORMAT_FIXED, plain = NLS_FORMAT_PLAIN;
   const struct {
     Call call;
     VXStatus status;
     const char* text;
   } rows[] = {
       {{-3.14159, 0, 2, NLS_FORMAT_FRACTION}, 0, "-0.14"},
-      {{12.5, 8, 1, plain | NLS_FORMAT_LEFT | NLS_FORMAT_ZERO_PAD}, 0, "12.5    "},
-      {{12.5, 8, 1, plain | NLS_FORMAT_BLANK | NLS_FORMAT_ZERO_PAD}, 0, "000012.5"},
-      {{12.5, 2, 1, plain | NLS_FORMAT_BLANK}, 0, " 12.5"},  // a width is the least
-      {{1234567.5, 10, 1, plain | NLS_FORMAT_GROUP}, VX_E_GROUPING, " 1234567.5"},
-      {{1.5, 9, 1, plain, 4}, VX_E_TRUNCATED, "****"},
+      {{12.5, 8, 1, in_plain | left | pad}, 0, "12.5    "},
+      {{12.5, 8, 1, in_plain | blank | pad}, 0, "000012.5"},
+      {{12.5, 2, 1, in_plain | blank}, 0, " 12.5"},  // a width is the least
+      {{1234567.5, 10, 1, in_plain | groups}, VX_E_GROUPING, " 1234567.5"},
+      {{1.5, 9, 1, in_plain, 4}, VX_E_TRUNCATED, "****"},
       {{5e-324, 0, 350, NLS_FORMAT_EXPONENT}, VX_E_DIRECTIVE, ""},
       {{1.0 / 3, 0, 0, NLS_FORMAT_BEST}, 0, "0.333333333333"},
       {{0.285, 8, 2, fixed}, 0, "    0.29"},
@@ -226,7 +221,7 @@ TEST(DoubleFormat, Texts) {
       {{-0.3, 1, 0, fixed}, 0, "0"},
       {{-0.7, 1, 0, fixed}, VX_E_TRUNCATED, "*"},
       {{9007199254740993.0, 20, 2, fixed}, 0, " 9007199254740992.00"},
-      {{1234567.891, 11, 2, fixed | NLS_FORMAT_GROUP}, VX_E_GROUPING, " 1234567.89"},
+      {{1234567.891, 11, 2, fixed | groups}, VX_E_GROUPING, " 1234567.89"},
       {{3.7, 5, 0, NLS_FORMAT_SIGNIFICANT}, 0, "    4"},
       {{1, 6, 0, NLS_FORMAT_FIXED_EXPONENT}, VX_E_WIDTH, "******"},
       {{qmMissVal('_'), 10, 3, fixed}, 0, "      _   "},  // where the units digit stands
@@ -296,9 +291,6 @@ TEST(DoubleFormat, PercentagesAndCurrency) {
   }
 }
 
-constexpr uint32_t plus = NLS_FORMAT_PLUS, blank = NLS_FORMAT_BLANK, left = NLS_FORMAT_LEFT, pad = NLS_FORMAT_ZERO_PAD,
-                   groups = NLS_FORMAT_GROUP, octal = NLS_FORMAT_OCTAL, octal_0 = NLS_FORMAT_OCTAL_PREFIX,
-                   lower = NLS_FORMAT_HEX_LOWER, upper = NLS_FORMAT_HEX_UPPER, prefix = NLS_FORMAT_HEX_PREFIX;
 constexpr uint32_t signed_flags[] = {
     0, plus, blank, groups, left | plus, pad, pad | blank | groups, pad | left | groups, octal | octal_0};
 constexpr uint32_t unsigned_flags[] = {0,
