@@ -88,7 +88,8 @@ vxnls: --pattern "60 zeros"...: it has 61 characters, at most 60 are possible
 ! vxnls: --pattern "%Y%?": at byte 2: the pattern ends within a directive; "%%" writes a percent sign
 = 0 0 0 0 0 0 0 0 0 0 2 0 2 0 0 2 2 2 2 2 2
 $ printf '\357\273\2770\r\nx\n\n2026-02-30\0\n1' | vxnls format date -l en_GB
-> (head -c 65536 /dev/zero; echo; head -c 200000 /dev/zero) | tr '\0' 1 | vxnls format date 2>&1 | sed 's/1\{60\}/.../'
+> z=/dev/zero; (head -c 65536 $z; echo; head -c 65537 $z; echo; head -c 200000 $z) | tr '\0' 1 |
+>   vxnls format date 2>&1 | sed 's/1\{60\}/.../'
 > printf '0\nx\377\n' | vxnls format date -l en_GB --json
 01/01/1960
 
@@ -98,6 +99,8 @@ $ printf '\357\273\2770\r\nx\n\n2026-02-30\0\n1' | vxnls format date -l en_GB
 vxnls: line 1: "..."...: a day number is -138061 (1582-01-01) to 6589335 (20000-12-31)
 
 vxnls: line 2: "..."...: longer than 65536 bytes
+
+vxnls: line 3: "..."...: longer than 65536 bytes
 
 {"value":"0","text":"01/01/1960","date":"1960-01-01","day":0,"offset":"+00:00","locale":"en_GB","zone":"Etc/UTC"}
 {"value":"x�","line":2,"error":"a date is 2026-11-21, a day number or now"}
