@@ -45,28 +45,15 @@ using Rules = std::vector<Rule>;
 constexpr Outcome done = {true, 0}, without_status = {false, 0}, passed_on = {false, the_fault},
                   no_memory = {false, VX_E_MEMORY}, no_zone = {false, VX_E_ZONE};
 
-const Rules zone_lookup = {{"*normalise_zone*", no_zone},
-                           {"*acquire*", no_zone},
-                           {"*open_zone*", no_zone},
-                           {"*allocate*", no_zone},
-                           {"*insert*", no_zone}};
-const Rules creation = {{"normalise_zone*", passed_on},  // of the options
-                        {"acquire creation*", passed_on},
+const char* const zone_calls = "*( )@(normalise_zone|acquire|open_zone|allocate|insert)*";
+const Rules zone_lookup = {{zone_calls, no_zone}};
+const Rules creation = {{"@(normalise_zone|acquire creation)*", passed_on},  // of the options
                         {" lookup_locale*", passed_on, {VX_W_SUBSTITUTE}},
-                        {" allocate pool 1016*", no_memory},
-                        {" allocate pool 49248*", no_memory},
                         {" load_extension*", {false, the_lookups}},
                         {" fill*", passed_on, {VX_W_FILL}},
-                        {" create_lock*", without_status},
-                        {" create_track*VXMSG*", without_status},
-                        {" set_destroy*VXMSG*", without_status},
-                        {" create_track*VXETZ*", no_memory},
-                        {" set_destroy*VXETZ*", no_memory},
-                        {" normalise_zone*", no_zone},
-                        {" acquire*VXZ*", no_zone},
-                        {"  open_zone*", no_zone},
-                        {"  allocate*", no_zone},
-                        {"  insert*", no_zone},
+                        {" @(create_lock|create_track*VXMSG|set_destroy*VXMSG)*", without_status},
+                        {" @(allocate|create_track*VXETZ|set_destroy*VXETZ)*", no_memory},
+                        {" @(normalise_zone|acquire*VXZ| open_zone| allocate| insert)*", no_zone},
                         {" insert VXNLS Locale track*", passed_on},
                         {"os_zone*", no_zone, {VX_E_ROOM, VX_E_ZONE}, true}};
 const Rules known_creation = [] {
@@ -77,7 +64,7 @@ const Rules known_creation = [] {
 
 Outcome documented(const Rules& rules, const Outcome& undisturbed, const Calls& failures, VXStatus fault) {
   const auto matches = [](const char* pattern, const std::string& call) {
-    return fnmatch(pattern, call.c_str(), 0) == 0;
+    return fnmatch(pattern, call.c_str(), FNM_EXTMATCH) == 0;
   };
   for (const bool later : {false, true}) {
     for (const std::string& call : failures) {
@@ -194,12 +181,7 @@ Outcome read_in_zone(Stage& stage) {
   return {status == 0, status != 0 ? status : static_cast<int64_t>(value)};
 }
 constexpr int64_t midnight = 21915 * 86400;
-const Rules no_match = [] {
-  Rules rules = zone_lookup;
-  for (Rule& rule : rules) rule.outcome.second = VX_E_NOMATCH;
-  rules.push_back({"zone_offset*Asia/Kolkata*", {true, midnight}, {}, true});
-  return rules;
-}();
+const Rules no_match = {{zone_calls, {false, VX_E_NOMATCH}}, {"zone_offset*Asia/Kolkata*", {true, midnight}, {}, true}};
 
 /// One thing that a host has the library do.
 const struct Scenario {
@@ -233,15 +215,6 @@ const struct Scenario {
      {}},
     {"class of a letter the host knows", load_module, testing_letter(0xE9), {true, 1}, by_tables},
     {"class of a letter the host does not know", load_module, testing_letter(0x410), {true, 0}, by_tables},
-    {"lower case in place",
-     load_module,
-     [](Stage&) {
-       uint8_t text[] = {large_e[0], large_e[1]};
-       vxzsu8Lower(text, 2);
-       return Outcome{true, text[1]};
-     },
-     {true, small_e[1]},
-     {{"lower*", {true, large_e[1]}}}},
     {"upper case elsewhere",
      load_module,
      [](Stage&) {
@@ -283,10 +256,6 @@ const struct Scenario {
 struct Fault {
   VXStatus status;
   bool lasting, rubbish;
-  friend std::ostream& operator<<(std::ostream& out, const Fault& f) {
-    return out << " failing with " << f.status << (f.lasting ? ", and all after it" : "")
-               << (f.rubbish ? ", rubbish" : "");
-  }
 };
 
 /// Calls `sweep(k, fault)` for k = 1, 2, ... until it says that no call failed, with every fault there is; gives how
@@ -298,9 +267,11 @@ int64_t with_every_fault(Sweep sweep) {
     for (const bool lasting : {false, true}) {
       for (const bool rubbish : {false, true}) {
         if (rubbish && status != VX_E_MEMORY && status != undocumented) continue;
-        for (int64_t k = 1; sweep(k, Fault{status, lasting, rubbish}); ++k, ++injected) {
+        for (int64_t k = 1;; ++k, ++injected) {
+          SCOPED_TRACE(testing::Message() << "call " << k << (lasting ? " and all after it fail" : " fails") << " with "
+                                          << status << (rubbish ? ", leaving rubbish" : ""));
           if (k > 1000) ADD_FAILURE() << "the sweep does not end";
-          if (testing::Test::HasFailure()) return injected;
+          if (!sweep(k, Fault{status, lasting, rubbish}) || testing::Test::HasFailure()) break;
         }
       }
     }
@@ -311,7 +282,7 @@ int64_t with_every_fault(Sweep sweep) {
 /// One run with the k-th call failing; false when no call failed, so that the sweep is over. `left` is what an
 /// undisturbed run leaves behind; `seen` gathers what has failed.
 bool run(const Scenario& scenario, int64_t k, const Fault& fault, const Holdings& left, std::set<std::string>* seen) {
-  SCOPED_TRACE(testing::Message() << scenario.name << ", call " << k << fault);
+  SCOPED_TRACE(scenario.name);
   Stage stage;
   FailingHost& host = stage.host;
   scenario.prepare(stage);
@@ -330,7 +301,7 @@ bool run(const Scenario& scenario, int64_t k, const Fault& fault, const Holdings
   EXPECT_EQ(scenario.act(stage), scenario.undisturbed) << "the next try";
   EXPECT_EQ(host.holdings(), left) << "after the next try";
   // A refused zone option releases the lock before it was taken.
-  const bool refused_option = !outcome.first && failures[0].starts_with("normalise_zone") && scenario.rules.size() > 9;
+  const bool refused_option = !outcome.first && failures[0].starts_with("normalise_zone") && scenario.rules.size() > 8;
   host.close();
   EXPECT_EQ(host.holdings(), Holdings{});
   EXPECT_EQ(host.complaints, refused_option ? Calls{"released but not held: creation"} : Calls{});
@@ -363,7 +334,6 @@ TEST(FaultSweep, EveryCallOfEveryScenario) {
 // results, and together they leave exactly the locales that were made.
 TEST(FaultSweep, TwoLocalesAtOnce) {
   const int64_t injected = with_every_fault([](int64_t k, const Fault& fault) {
-    SCOPED_TRACE(testing::Message() << "call " << k << fault);
     Stage stage;
     make_cache(stage);
     Holdings without = stage.host.holdings();

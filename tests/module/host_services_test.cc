@@ -306,6 +306,9 @@ TEST(HostileHost, ZonesOfAnyNameAndAnyDistanceFromUtc) {
       why.size = sizeof why;
       EXPECT_EQ(vxnlsExplain(locale.get(), VX_EXPLAIN_DATETIME, 0, bytes, n, &why), 0u);
     }
+    vxnls::host::ZoneState state;
+    vxnls::host::describe_zone(&locale.locale, 0, &state);
+    EXPECT_EQ(state.offset, given.status != 0 || given.offset == unwritten ? 0 : given.offset);
     // Without a zone, a service or a host there is nothing to ask.
     for (int lacking = 0; lacking < 3; ++lacking) {
       HostContext context = locale.context;
@@ -313,7 +316,7 @@ TEST(HostileHost, ZonesOfAnyNameAndAnyDistanceFromUtc) {
       if (lacking == 0) context.zones = nullptr;
       asking.host = lacking == 1 ? nullptr : &context;
       if (lacking == 2) asking.timeZone = nullptr;
-      vxnls::host::ZoneState state = {{}, 9, 9};
+      state = {{}, 9, 9};
       vxnls::host::describe_zone(&asking, 0, &state);
       EXPECT_TRUE(state.name_length == 0 && state.offset == 0) << lacking;
       EXPECT_EQ(vxnls::host::zone_offset(&asking, asking.timeZone, VX_ZONE_FROM_UTC, 0), 0) << lacking;
