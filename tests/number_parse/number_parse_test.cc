@@ -152,6 +152,7 @@ TEST_F(Readers, Texts) {
       {english, any_double, 0, U"1.2 .", VX_FAULT_TEXT_AFTER, 4, 1},
       {english, any_double, 0, U"1\0002"sv, VX_FAULT_TEXT_AFTER, 1, 1},
       {english, any_double, 0, U"1 E2", VX_FAULT_TEXT_AFTER, 2, 1},
+      {english, any_double, 0, U"1e5.5", VX_FAULT_TEXT_AFTER, 3, 1},
       {english, any_double, 0, U"1e-,5", VX_FAULT_EXPONENT_WITHOUT_DIGITS, 3, 1},
       {english, any_double, 0, U" 1e-30801 ", VX_FAULT_EXPONENT_RANGE, 4, 5},
       {english, any_double, 0, U"0E99999999999999999999999999x", VX_FAULT_EXPONENT_RANGE, 2, 26},
