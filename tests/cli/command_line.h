@@ -2,8 +2,6 @@
 #ifndef VXNLS_TESTS_CLI_COMMAND_LINE_H
 #define VXNLS_TESTS_CLI_COMMAND_LINE_H
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -20,26 +18,6 @@ inline ProcessResult run_line(const std::string& line, std::string_view input = 
     if (const char* value = std::getenv(name); value != nullptr) variables.emplace_back(name, value);
   }
   return run_shell(line, input, variables);
-}
-
-/// What a line of the shell prints and how it ends.
-struct CommandCase {
-  const char* line;
-  const char* out;
-  const char* err = "";
-  int code = 0;
-  std::string_view input = {};
-};
-
-template <size_t N>
-void expect(const CommandCase (&cases)[N]) {
-  for (const CommandCase& c : cases) {
-    SCOPED_TRACE(c.line);
-    const auto result = run_line(c.line, c.input);
-    EXPECT_EQ(result.out, c.out);
-    EXPECT_EQ(result.err, c.err);
-    EXPECT_EQ(result.code, c.code);
-  }
 }
 
 }  // namespace vxtest

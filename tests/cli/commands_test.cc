@@ -346,6 +346,8 @@ $ vxnls normalise -c when:date,amount:number --rejects rejects -q < orders > out
 > vxnls normalise --format lines -c 1:date --sample 1 -q f | paste -sd,
 > head -n 1 f | vxnls recognise --format lines --emit-profile p > out
 > tail -n 2 f | vxnls normalise --format lines --profile p -q | paste -sd,
+> (echo 12/25/21; head -n 2 f; echo 03/04/21) | vxnls normalise --format lines -c 1:date --rejects r -q > out
+> grep -o '"value[^,]*,"outcome[^,]*' r
 > tail -n 1 f | vxnls normalise --format lines 2>&1 | fold -sw 100
 > (tail -n 1 f; head -n 1 f) > g; vxnls normalise --format lines --sample all -q g | paste -sd,
 > for o in --day-first --month-first -len_GB; do echo 03/04/21 | vxnls normalise --format lines $o -q; done | paste -sd,
@@ -357,6 +359,7 @@ nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 
 ","position":0,"length":1,"expected":"\"x\" stands where a digit is wanted","status":"0x803fe810"}
 2021-12-25,12/25/21,2021-04-03
 12/25/21,2021-04-03
+"value":"03/04/21","outcome":"ambiguous"
 03/04/21
 vxnls: note: 1: date, locale en_US (LANG); 0 read, 1 ambiguous; the first on line 1, byte 0: 
 "03/04/21": it reads differently with the day and with the month first, and nothing in the column 
@@ -364,7 +367,7 @@ decides; --day-first or --month-first does
 2021-04-03,2021-12-25
 2021-04-03,2021-03-04,2021-04-03
 1.234,1234
-= 1 0 1 0 1 0 1 0 1 1 0 0 0 0 0 0
+= 1 0 1 0 1 0 1 0 1 1 1 0 0 0 0 0 0
 $ vxnls normalise orders; vxnls normalise -c wen orders; vxnls normalise -c when --day-first --month-first orders
 > printf 'note\nhello\nworld\n' | vxnls normalise -c note; printf 'a\n1\n' > f; vxnls normalise -c a f >> f; wc -l < f
 > vxnls normalise -c a /nowhere; vxnls normalise -c id --rejects /nowhere/r orders
@@ -424,6 +427,10 @@ old
 
 TEST(Commands, Recognise) {
   expect(R"~(
+$ for v in '5. März 2021' '6 août 2021' '1 de enero de 2021' '5 marca 2021' 12/25/2021 '2021년 3월 5일 오후 2:05'; do
+>   echo "$v" | vxnls recognise --format lines -l auto | grep -o 'locale [^ ]*'
+> done | paste -sd,
+locale de_DE,locale fr_FR,locale es_ES,locale pl_PL,locale en_US,locale ko_KR
 $ printf '"n\0a\033[31m\n"\n1\n"1\0"\n' | vxnls recognise --format csv
 standard input: csv, 2 records
 
