@@ -223,13 +223,20 @@ TEST(Values, DatesAndTimesComeBackInEveryForm) {
 }
 
 TEST(Values, InstantsHaveFractionsAndFollowTheZone) {
-  const auto fine = host().locale("en_US", "UTC", {.datetime = "%Y %m %d %H:%M:%S.%s"}).value();
+  const auto fine =
+      host()
+          .locale("en_US", "UTC", {.time = "%H:%M:%S.%s", .short_time = "%Hh%M", .datetime = "%Y %m %d %H:%M:%S.%s"})
+          .value();
+  EXPECT_EQ(fine.format(14h + 5min, form::short_time).value(), "14h05");
+  EXPECT_EQ(fine.parse<milliseconds>("10:30:15.123").value(), 10h + 30min + 15123ms);
+  EXPECT_EQ(fine.parse<seconds>("10:30:15.999").value(), 10h + 30min + 15s);
   const auto late = sys_days{2026y / 11 / 21} + 23h + 59min + 59s;
   EXPECT_EQ(fine.parse<sys_time<milliseconds>>("2026 11 21 23:59:59.999").value(), late + 999ms);
   EXPECT_EQ(fine.parse<sys_seconds>("2026 11 21 23:59:59.999").value(), late);
   // The last nanosecond of a day is not rounded into the next one, and before 1960 time does not run backwards.
   EXPECT_EQ(locale_of("de_DE").format(late + 999999999ns).value(), "21.11.2026 23:59:59");
   EXPECT_EQ(locale_of("de_DE").format(sys_days{1959y / 12 / 31} - 1ns).value(), "30.12.1959 23:59:59");
+  EXPECT_EQ(locale_of("de_DE").format(999ms).value(), "00:00:00");
   for (const char* zone : {"Europe/Berlin", "Asia/Kathmandu", "Australia/Lord_Howe"}) {
     const auto locale = host().locale("de_DE", "UTC", vxnls::patterns{}).value();
     EXPECT_EQ(locale.set_zone(zone), 0u);
@@ -237,6 +244,8 @@ TEST(Values, InstantsHaveFractionsAndFollowTheZone) {
       const local_seconds local{at.time_since_epoch() + host().zone_at(zone, at).value().offset};
       EXPECT_EQ(locale.to_local(at), local);
       EXPECT_EQ(locale.format(at).value(), locale.format(local).value());
+      const sys_seconds back = locale.to_sys(local);  // earlier, when the local time comes twice
+      EXPECT_TRUE(back <= at && locale.to_local(back) == local);
     }
   }
   const auto berlin = locale_of("de_DE", "Europe/Berlin");
@@ -279,7 +288,9 @@ TEST(Values, RefusesWhatIsNoMoment) {
     EXPECT_EQ(status(time), VX_E_RANGE);
     EXPECT_EQ(status(sys_seconds{time}), time == -1s || time == 86400s ? 0 : VX_E_RANGE);
   }
-  for (const sys_days day : {sys_days::min(), sys_days::max()}) EXPECT_EQ(status(day), VX_E_RANGE);
+  for (const sys_days day : {sys_days::min(), sys_days::max(), sys_days{1581y / 12 / 31}}) {
+    EXPECT_EQ(status(day), VX_E_RANGE);
+  }
   EXPECT_EQ(status(hours::max()), VX_E_RANGE);
   EXPECT_EQ(status(duration<double>(NAN)), VX_E_RANGE);
   EXPECT_EQ(status(sys_days{1582y / 1 / 1} - 1s), VX_E_RANGE);
@@ -290,10 +301,9 @@ TEST(Values, RefusesWhatIsNoMoment) {
   }
   // All of a text, or what stands before more of it.
   static const std::tuple<const char*, form, bool, size_t> cases[] = {
-      {"  12/25/2020  ", form::main, true, 12},
-      {"12/25/2020x", form::any, false, 10},
-      {"Q3 2021 ", form::quarter, true, 7},
-      {"Q3 2021x", form::quarter, false, 0},
+      {"  12/25/2020  ", form::main, true, 12}, {"12/25/2020x", form::any, false, 10},
+      {"Q3 2021 ", form::quarter, true, 7},     {"Q3 2021x", form::quarter, false, 0},
+      {"M7 2022", form::month, true, 7},
   };
   for (const auto& [text, as, whole, consumed] : cases) {
     EXPECT_EQ(locale.parse<year_month_day>(text, as).ok(), whole) << text;
@@ -312,6 +322,9 @@ void expect_written(T value, const number_style& style, const std::string& text,
 
 TEST(Values, NumbersAreWrittenAsAsked) {
   expect_written(1234.5, {.decimals = 1, .width = -10}, "1234,5    ");
+  expect_written(1234.5, {.decimals = 1, .width = 10, .zero_pad = true}, "00001234,5");
+  expect_written(0, {.zero_pad = true}, "0");
+  expect_written(42, {.width = -6}, "42    ");
   expect_written(1234.5, {.decimals = 0, .plus = true}, "+1235");
   expect_written(123456., {.decimals = 2, .flags = NLS_FORMAT_EXPONENT}, "1,23E+05");
   expect_written(1.5f, {}, "1,5");
@@ -344,6 +357,8 @@ TEST(Values, NumbersAreReadAsTheTypeAskedFor) {
   expect_read<unsigned>("-1", 0, VX_E_NOTNUMBER);
   expect_read<uint64_t>("18,446,744,073,709,551,615", UINT64_MAX);
   expect_read<int>("12.0", 12, 0, {.fraction = true});
+  expect_read<int>("12.50", 12, VX_E_TRUNCATED, {.fraction = true});
+  expect_read<unsigned>("ff", 255, 0, {.hex = true});
   expect_read<int>({"12\0", 3}, 0, VX_E_NOTNUMBER);
   expect_read<int>("12 kg", 0, VX_E_NOTNUMBER);
   for (const char* text : {"12 kg", " 1,2kg", "+12"}) expect_read(text, 12, 0, {.prefix = true});
