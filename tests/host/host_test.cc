@@ -100,6 +100,17 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
     EXPECT_EQ(vxhostLocale(host, "de_DE", bytes.c_str(), 0, &made), bytes == "Asia/Tokyo" ? 0 : VX_E_ZONE);
     EXPECT_EQ(made != nullptr, bytes == "Asia/Tokyo");
   }
+  // What is written is the offset in force.
+  own->localeData->datetimePattern = {5, {'%', 'z', ' ', '%', 'Z'}};
+  static constexpr VXChar japan[] = {'j', 'A', 'p', 'a', 'n'};
+  for (const char* const wanted : {"+0100 Europe/Berlin", "+0200 Europe/Berlin", "+0900 Asia/Tokyo"}) {
+    uint8_t text[60];
+    int64_t length = 0;
+    const double value = wanted[2] == '2' ? 2098000000.0 : 2110896000.0;  // summer and autumn of 2026
+    EXPECT_EQ(wanted[2] == '9' ? own->ops.NLSSetTimezoneId(own, japan, 5) : 0, 0u);
+    EXPECT_EQ(own->ops.NLSDatetimeFormatU(own, 0, text, sizeof text, &length, value), 0u);
+    EXPECT_EQ(std::string(text, text + length), wanted);
+  }
   // Kept on purpose: for a new locale in an unknown zone the library releases a lock that it never took.
   const int64_t strays = vxhostStrayReleases();
   VXLocale* made = nullptr;

@@ -104,7 +104,8 @@ TEST_F(Objects, Options) {
     EXPECT_TRUE(service.set("VX_A", 3));
     EXPECT_EQ(read(service, "VX_A"), 3);
     EXPECT_EQ(read(service, "VX_A", 2), 7);
-    for (const std::string none : {"", "HOST_A", "VX_a"}) {
+    for (const std::string& none :
+         {std::string(), std::string("HOST_A"), std::string("VX_a"), std::string(1000, 'V')}) {
       EXPECT_FALSE(service.set(none, 1)) << none;
       EXPECT_EQ(read(service, none), 7) << none;
     }
