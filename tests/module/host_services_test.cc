@@ -217,9 +217,9 @@ TEST(HostileHost, ConversionsThatClaimAnyLength) {
           SCOPED_TRACE(testing::Message() << length << " of " << size << ", status " << status);
           for (const auto write : {&NLSDoubleFormat, &NLSPercentFormat, &NLSCurrencyFormat}) {
             const int64_t added = write == &NLSDoubleFormat ? 0 : 2;  // "%", parentheses or "$", counted in any case
-            int64_t written = -1;
+            int64_t written = 0;
             EXPECT_EQ(write(locale, 9, 2, 1, wide, size, &written, -0.5), status);
-            EXPECT_TRUE(written >= -1 && written <= size + added) << written;
+            EXPECT_TRUE(written >= 0 && written <= size + added) << written;
             if (write == &NLSPercentFormat && status == 0 && length >= 0 && length <= size - 2) {
               EXPECT_EQ(wide[length + 1], VXChar{')'});  // "%)" stands right behind what was claimed
             }

@@ -122,18 +122,16 @@ VXStatus fault_of(Host& host, const char* operation, Arguments... arguments) {
 
 // Operations: what all have in common, and then what each does
 
-/// What a failing operation may have written to an out argument. Texts have room for more.
+/// Gives an out argument the status of the failing operation, or what it may have left there. Texts have room for more.
 template <class Argument>
-void leave_rubbish(Argument out) {
-  if constexpr (std::is_same_v<Argument, int64_t*> || std::is_same_v<Argument, int32_t*> ||
-                std::is_same_v<Argument, uint64_t*> || std::is_same_v<Argument, VXChar*> ||
-                std::is_same_v<Argument, const VXLocaleRecord**> || std::is_same_v<Argument, VXLocaleData*>) {
-    std::memset(out, 0xA5, sizeof *out);
+void fail(Argument out, VXStatus status, bool rubbish) {
+  if constexpr (std::is_same_v<Argument, VXStatus*>) {
+    *out = status;
+  } else if constexpr (std::is_same_v<Argument, int64_t*> || std::is_same_v<Argument, int32_t*> ||
+                       std::is_same_v<Argument, uint64_t*> || std::is_same_v<Argument, VXChar*> ||
+                       std::is_same_v<Argument, const VXLocaleRecord**> || std::is_same_v<Argument, VXLocaleData*>) {
+    if (rubbish) std::memset(out, 0xA5, sizeof *out);
   }
-}
-template <class Argument>
-void set_status(Argument out, VXStatus status) {
-  if constexpr (std::is_same_v<Argument, VXStatus*>) *out = status;
 }
 
 template <size_t size>
@@ -172,8 +170,7 @@ struct Operation {
       else return result;
     }
     // Nobody looks at the status of read_option, so what it leaves is meant.
-    if (host.rubbish && !name.is_one_of({"read_option"})) (leave_rubbish(arguments), ...);
-    (set_status(arguments, fault), ...);
+    (fail(arguments, fault, host.rubbish && !name.is_one_of({"read_option"})), ...);
     if constexpr (name.is_one_of({"lower", "upper"})) return std::get<1>(std::tie(arguments...));
     else if constexpr (std::is_same_v<Result, VXStatus>) return fault;
     else return Result{};
@@ -279,13 +276,6 @@ constexpr VXUnicodeDatabaseOps unicode_database_ops = {
       return code_point == 0xE9 && (bits & 2) != 0;
     })};
 
-/// An extension under its own table: all tables begin with destroy, and the library takes the object for what it asked.
-const void* extension_table(const std::string& name) {
-  if (name == "vxemsg") return &message_ops;
-  if (name == "vxnlsldb") return &locale_database_ops;
-  return name == "vxnlsudb" ? &unicode_database_ops : nullptr;
-}
-
 template <class Made, class Ops>
 auto* made(Host& host, const Ops& ops, const char* name) {
   auto* const object = own::make<Made>();
@@ -302,24 +292,26 @@ constexpr VXHandleOps handle_ops = {
         [](Host& host, auto*, auto*, auto*, const char* name) { return made<own::Track>(host, track_ops, name); }),
     operation<"create_journal">([](Host& host, auto...) { return &host.journal; }),
     operation<"load_extension">([](Host& host, auto*, const VXChar* name, int64_t length, auto) {
-      const auto* const table = static_cast<const VXExtensionOps*>(extension_table(told(name, length)));
-      return table != nullptr ? taken(host, new VXExtension{table}, told(name, length)) : nullptr;
+      // All tables begin with destroy, and the library takes the object for what it asked.
+      const std::string asked = told(name, length);
+      const void* const table = asked == "vxemsg"     ? static_cast<const void*>(&message_ops)
+                                : asked == "vxnlsldb" ? static_cast<const void*>(&locale_database_ops)
+                                                      : &unicode_database_ops;
+      return taken(host, new VXExtension{static_cast<const VXExtensionOps*>(table)}, asked);
     }),
 };
 
 struct Zone {
-  std::string_view id, name;
+  std::string_view name;
   int32_t offset;
 };
-constexpr Zone zones_known[] = {{"America/New_York", "America/New_York", -18000},
-                                {"Etc/UTC", "Etc/UTC", 0},
-                                {"UTC", "Etc/UTC", 0},
-                                {"Asia/Kolkata", "Asia/Kolkata", 19800}};
+constexpr Zone zones_known[] = {{"America/New_York", -18000}, {"Etc/UTC", 0}, {"Asia/Kolkata", 19800}};
 
 const Zone* find_zone(std::string id) {
   id.erase(id.find_last_not_of(' ') + 1);
+  if (strcasecmp(id.c_str(), "utc") == 0) id = "Etc/UTC";
   for (const Zone& zone : zones_known) {
-    if (strcasecmp(zone.id.data(), id.c_str()) == 0) return &zone;
+    if (strcasecmp(zone.name.data(), id.c_str()) == 0) return &zone;
   }
   return nullptr;
 }
