@@ -1,4 +1,6 @@
-// Records as a whole: every byte defined, names and numbers as ICU's own formatters have them.
+// Records as a whole: every byte defined, names, numbers and blocks as ICU's own formatters have them; and the
+// extension as a host meets it.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <unicode/dcfmtsym.h>
 #include <unicode/decimfmt.h>
@@ -9,53 +11,54 @@
 #include <span>
 #include <thread>
 
+#include "host/extension.h"
 #include "host/locale_database/text.h"
+#include "host/locale_database_ops.h"
 #include "tests/locale_database/every_locale.h"
+#include "tests/support/plain_locale.h"
 #include "vxnls/locale_blocks.h"
 
 using namespace vxnlsldb;
 
-TEST(Record, EveryByteIsDefined) {
-  auto a = std::make_unique<VXLocaleData>(), b = std::make_unique<VXLocaleData>();
-  for (const auto& locale : vxtest::every_locale()) {
-    std::memset(static_cast<void*>(a.get()), 0xA5, sizeof *a);
-    std::memset(static_cast<void*>(b.get()), 0x5A, sizeof *b);
-    fill_record(locale.name.c_str(), a.get(), nullptr);
-    fill_record(locale.name.c_str(), b.get(), nullptr);
-    EXPECT_EQ(std::memcmp(a.get(), b.get(), sizeof *a), 0) << locale.name;
-    EXPECT_EQ(std::memcmp(a.get(), locale.data.get(), sizeof *a), 0) << locale.name;
-  }
+namespace {
+
+template <class Block>
+Block block_of(const void* at) {
+  Block block;
+  std::memcpy(&block, at, sizeof block);
+  return block;
 }
 
-TEST(Record, TheLocaleOfTheProcessDoesNotMatter) {
+std::string text(const NLSName& name) { return utf8(text_of(name)); }
+
+bool same(const VXLocaleData& a, const VXLocaleData& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+}  // namespace
+
+// Four threads, while the process lives in another locale, over memory full of rubbish.
+TEST(Record, EveryByteIsDefinedByTheNameAlone) {
+  std::vector<vxtest::FilledLocale> others;
+  for (const char* const name : {"root", "qqq", "qqq_JP", "de_QQ"}) others.push_back(vxtest::filled(name));
+  std::vector<const vxtest::FilledLocale*> all;
+  for (const auto& locale : vxtest::every_locale()) all.push_back(&locale);
+  for (const auto& locale : others) all.push_back(&locale);
   const std::string before = uloc_getDefault();
-  std::vector<std::string> names = vxtest::available_locales();
-  names.insert(names.end(), {"root", "qqq", "qqq_JP", "de_QQ"});
-  for (const std::string& name : names) {
-    UErrorCode status = U_ZERO_ERROR;
-    uloc_setDefault("en_US", &status);
-    const auto english = vxtest::filled(name);
-    uloc_setDefault("ja_JP", &status);
-    const auto japanese = vxtest::filled(name);
-    EXPECT_EQ(std::memcmp(english.data.get(), japanese.data.get(), sizeof *english.data), 0) << name;
-    uloc_setDefault(before.c_str(), &status);
-  }
-}
-
-TEST(Record, ThreadsFillTheSame) {
-  std::vector<std::thread> threads;
+  UErrorCode status = U_ZERO_ERROR;
+  uloc_setDefault("ja_JP", &status);
   std::vector<int> differences(4);
-  for (int& different : differences) {
-    threads.emplace_back([&different] {
-      auto record = std::make_unique<VXLocaleData>();
-      for (size_t i = 0; i < vxtest::every_locale().size(); i += 8) {
-        const auto& locale = vxtest::every_locale()[i];
-        fill_record(locale.name.c_str(), record.get(), nullptr);
-        different += std::memcmp(record.get(), locale.data.get(), sizeof *record) != 0;
+  std::vector<std::thread> threads;
+  for (size_t first = 0; first < 4; ++first) {
+    threads.emplace_back([&, first] {
+      const auto record = std::make_unique<VXLocaleData>();
+      for (size_t i = first / 2; i < all.size(); i += 2) {
+        std::memset(static_cast<void*>(record.get()), first % 2 == 0 ? 0xA5 : 0x5A, sizeof *record);
+        fill_record(all[i]->name.c_str(), record.get(), nullptr);
+        differences[first] += !same(*record, *all[i]->data);
       }
     });
   }
   for (std::thread& thread : threads) thread.join();
+  uloc_setDefault(before.c_str(), &status);
   EXPECT_EQ(differences, std::vector<int>(4, 0));
 }
 
@@ -70,101 +73,183 @@ TEST(Record, LocalesWithoutDataOfTheirOwn) {
       {"qqq", "root", VX_W_FILL}, {"qqq_QQ", "root", VX_W_FILL},  // never the locale that the process runs in
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
     const auto got = vxtest::filled(c.name), like = vxtest::filled(c.like);
-    EXPECT_EQ(got.status, c.status);
-    EXPECT_EQ(utf8(text_of(got.data->localeName)), c.name);
+    EXPECT_EQ(got.status, c.status) << c.name;
+    EXPECT_EQ(text(got.data->localeName), c.name);
     const size_t patterns = offsetof(VXLocaleData, quarterPattern2), days = offsetof(VXLocaleData, dayNames);
-    EXPECT_EQ(std::memcmp(got.data->dayNames, like.data->dayNames, patterns - days), 0);
+    EXPECT_EQ(std::memcmp(got.data->dayNames, like.data->dayNames, patterns - days), 0) << c.name;
   }
 }
 
-namespace {
-
-void expect_list(std::span<const NLSName> stored, const icu::UnicodeString* icu_names, int32_t count,
-                 const std::string& what) {
-  ASSERT_EQ(static_cast<size_t>(count), stored.size());
-  for (size_t i = 0; i < stored.size(); ++i) {
-    EXPECT_EQ(utf8(text_of(stored[i])), utf8(clean(utf32(icu_names[i])))) << what << ' ' << i;
-  }
-}
-
-bool fell_back(const vxtest::FilledLocale& locale, uint32_t entry) {
-  VXLocaleDataVersion version;
-  std::memcpy(&version, &locale.data->block7, sizeof version);
-  return (version.fallbacks & entry) != 0;
-}
-
-}  // namespace
-
-TEST(Record, NamesAreIcus) {
-  using Symbols = icu::DateFormatSymbols;
-  for (const auto& locale : vxtest::every_locale()) {
-    UErrorCode status = U_ZERO_ERROR;
-    const Symbols symbols(icu::Locale(locale.name.c_str()), status);
-    ASSERT_TRUE(U_SUCCESS(status));
-    const VXLocaleData& data = *locale.data;
-    int32_t count = 0;
-    const auto weekdays = [&](Symbols::DtWidthType width) {
-      const icu::UnicodeString* const names = symbols.getWeekdays(count, Symbols::FORMAT, width);
-      --count;  // the first one is empty: ICU counts from 1
-      return names + 1;
-    };
-    const auto months = [&](Symbols::DtWidthType width) { return symbols.getMonths(count, Symbols::FORMAT, width); };
-    const icu::UnicodeString* names = weekdays(Symbols::WIDE);
-    expect_list(data.dayNames, names, count, locale.name);
-    names = weekdays(Symbols::ABBREVIATED);
-    expect_list(data.altDayNames, names, count, locale.name);
-    names = months(Symbols::WIDE);
-    expect_list(data.monthNames, names, count, locale.name);
-    names = months(Symbols::ABBREVIATED);
-    expect_list(data.altMonthNames, names, count, locale.name);
-    if (!fell_back(locale, VX_ENTRY_QUARTER_NAMES)) {
-      names = symbols.getQuarters(count, Symbols::FORMAT, Symbols::ABBREVIATED);
-      expect_list(data.quarterNames, names, count, locale.name);
-    }
-    names = symbols.getQuarters(count, Symbols::FORMAT, Symbols::WIDE);
-    expect_list(data.names14336, names, count, locale.name);
-    if (!fell_back(locale, VX_ENTRY_MARKERS)) {
-      names = symbols.getAmPmStrings(count);
-      expect_list({&data.amMarker, 2}, names, count, locale.name);
-    }
-  }
-}
-
-TEST(Record, NumbersAreIcus) {
+TEST(Record, NamesNumbersAndWeeksAreIcus) {
+  using Dates = icu::DateFormatSymbols;
+  using Numbers = icu::DecimalFormatSymbols;
   for (const auto& locale : vxtest::every_locale()) {
     SCOPED_TRACE(locale.name);
+    const VXLocaleData& data = *locale.data;
+    const auto version = block_of<VXLocaleDataVersion>(&data.block7);
+    EXPECT_TRUE(version.layout == 1 && version.cldr >= 42);
+    EXPECT_EQ(version.fallbacks == 0, locale.fallbacks.empty());
+    const auto own = [&](uint32_t entry) { return (version.fallbacks & entry) == 0; };
     UErrorCode status = U_ZERO_ERROR;
+    const Dates dates(icu::Locale(locale.name.c_str()), status);
+    ASSERT_TRUE(U_SUCCESS(status));
+    // ICU counts days from 1.
+    const auto expect_names = [&](std::span<const NLSName> stored, const icu::UnicodeString* names,
+                                  int32_t skipped = 0) {
+      for (const NLSName& name : stored)
+        EXPECT_EQ(text(name), utf8(clean(utf32(names[skipped + (&name - stored.data())]))));
+    };
+    int32_t n = 0;
+    expect_names(data.dayNames, dates.getWeekdays(n, Dates::FORMAT, Dates::WIDE), 1);
+    expect_names(data.altDayNames, dates.getWeekdays(n, Dates::FORMAT, Dates::ABBREVIATED), 1);
+    expect_names(data.monthNames, dates.getMonths(n, Dates::FORMAT, Dates::WIDE));
+    EXPECT_EQ(n, 12);
+    expect_names(data.altMonthNames, dates.getMonths(n, Dates::FORMAT, Dates::ABBREVIATED));
+    expect_names(data.names14336, dates.getQuarters(n, Dates::FORMAT, Dates::WIDE));
+    if (own(VX_ENTRY_QUARTER_NAMES)) {
+      expect_names(data.quarterNames, dates.getQuarters(n, Dates::FORMAT, Dates::ABBREVIATED));
+    }
+    if (own(VX_ENTRY_MARKERS)) expect_names({&data.amMarker, 2}, dates.getAmPmStrings(n));
+
     const icu::Locale latin((locale.name + "@numbers=latn").c_str());
     const std::unique_ptr<icu::NumberFormat> format(icu::NumberFormat::createInstance(latin, UNUM_DECIMAL, status));
     const auto* const decimal = dynamic_cast<const icu::DecimalFormat*>(format.get());
     ASSERT_NE(decimal, nullptr);
-    const icu::DecimalFormatSymbols& symbols = *decimal->getDecimalFormatSymbols();
-    const auto symbol = [&](icu::DecimalFormatSymbols::ENumberFormatSymbol which) {
-      const std::u32string text = utf32(symbols.getConstSymbol(which));
-      return text == U"\u202F" ? std::u32string(U"\u00A0") : text;
+    const auto symbol = [&](Numbers::ENumberFormatSymbol which) {
+      const std::u32string sign = utf32(decimal->getDecimalFormatSymbols()->getConstSymbol(which));
+      return sign == U"\u202F" ? std::u32string(U"\u00A0") : sign;
     };
-    const VXLocaleData& data = *locale.data;
-    EXPECT_EQ(std::u32string(1, data.decimalPoint), symbol(icu::DecimalFormatSymbols::kDecimalSeparatorSymbol));
-    EXPECT_EQ(std::u32string(1, data.groupSeparator), symbol(icu::DecimalFormatSymbols::kGroupingSeparatorSymbol));
-    if (!fell_back(locale, VX_ENTRY_GROUPING_PATTERN)) {
-      const int32_t first = decimal->getGroupingSize(), second = decimal->getSecondaryGroupingSize();
-      const std::string sizes =
-          second == 0 || second == first ? std::to_string(first) : std::to_string(first) + ';' + std::to_string(second);
-      EXPECT_EQ(utf8(text_of(data.groupingPattern)), sizes);
-    }
-    VXLocaleIdentity identity;
-    std::memcpy(&identity, data.block2, sizeof identity);
-    if (fell_back(locale, VX_ENTRY_CURRENCY_SYMBOL)) continue;
+    EXPECT_EQ(std::u32string(1, data.decimalPoint), symbol(Numbers::kDecimalSeparatorSymbol));
+    EXPECT_EQ(std::u32string(1, data.groupSeparator), symbol(Numbers::kGroupingSeparatorSymbol));
+    const int32_t first = decimal->getGroupingSize(), second = decimal->getSecondaryGroupingSize();
+    const bool alike = second == 0 || second == first;
+    const std::string sizes = std::to_string(first) + (alike ? "" : ';' + std::to_string(second));
+    EXPECT_TRUE(!own(VX_ENTRY_GROUPING_PATTERN) || text(data.groupingPattern) == sizes);
+
+    const auto identity = block_of<VXLocaleIdentity>(data.block2);
     icu::Locale likely(identity.canonical);  // an alias has the money of what it stands for
     likely.addLikelySubtags(status);
-    const std::unique_ptr<icu::NumberFormat> money(icu::NumberFormat::createInstance(
-        icu::Locale((std::string(likely.getName()) + "@numbers=latn").c_str()), UNUM_CURRENCY, status));
-    icu::UnicodeString text;
+    const icu::Locale here((std::string(likely.getName()) + "@numbers=latn").c_str());
+    const std::unique_ptr<icu::NumberFormat> money(icu::NumberFormat::createInstance(here, UNUM_CURRENCY, status));
+    icu::UnicodeString amount;
     money->setMaximumFractionDigits(0);
-    money->format(int32_t{1}, text);
-    EXPECT_NE(clean(utf32(text)).find(text_of(data.currencySymbol)), std::u32string::npos)
-        << utf8(text_of(data.currencySymbol)) << " in " << utf8(utf32(text));
+    money->format(int32_t{1}, amount);
+    EXPECT_TRUE(!own(VX_ENTRY_CURRENCY_SYMBOL) ||
+                clean(utf32(amount)).find(text_of(data.currencySymbol)) != std::u32string::npos)
+        << text(data.currencySymbol);
+
+    if (identity.region[0] == 0) continue;
+    const std::unique_ptr<icu::Calendar> calendar(
+        icu::Calendar::createInstance(icu::Locale(identity.canonical), status));
+    const auto customs = block_of<VXLocaleCustoms>(data.block6);
+    EXPECT_EQ(customs.firstWeekDay, calendar->getFirstDayOfWeek(status));
+    EXPECT_EQ(customs.minimalDays, calendar->getMinimalDaysInFirstWeek());
+    EXPECT_EQ(text(data.weekPattern1) == "W%U %Y", customs.firstWeekDay == 1);
+    for (int32_t day = 1; day <= 7; ++day) {
+      const bool behind = day >= customs.weekendFirst, before = day <= customs.weekendLast;
+      const bool stored = customs.weekendFirst <= customs.weekendLast ? behind && before : behind || before;
+      EXPECT_EQ(stored, calendar->getDayOfWeekType(static_cast<UCalendarDaysOfWeek>(day), status) != UCAL_WEEKDAY)
+          << day;
+    }
   }
+}
+
+// Of the blocks that the library does not read.
+TEST(Record, BlocksWhereLocalesDiffer) {
+  const auto serbian = vxtest::filled("sr_Latn_RS");
+  const VXLocaleData& data = *serbian.data;
+  const auto identity = block_of<VXLocaleIdentity>(data.block2);
+  const auto texts = block_of<VXLocaleTexts>(data.block9);
+  const std::pair<std::string, const char*> entries[] = {{identity.language, "sr"},
+                                                         {identity.script, "Latn"},
+                                                         {identity.region, "RS"},
+                                                         {identity.languageTag, "sr-Latn-RS"},
+                                                         {identity.canonical, "sr_Latn_RS"},
+                                                         {identity.language3, "srp"},
+                                                         {identity.region3, "SRB"},
+                                                         {text(data.block1), "Serbian (Latin, Serbia)"},
+                                                         {text(data.block3Names[1]), "srpski dinar"},
+                                                         {text(data.names14336[0]), "prvi kvartal"},
+                                                         {text(texts.ownName), "srpski (latinica, Srbija)"},
+                                                         {text(texts.cldrDatePatterns[3]), "d.M.yy."},
+                                                         {text(texts.quotation[0]), "„"}};
+  for (const auto& [entry, wanted] : entries) EXPECT_EQ(entry, wanted);
+  // Currency and its decimals, digits, calendar, numbering, right to left, clock, order of dates, paper, measures.
+  const std::pair<const char*, const char*> cases[] = {
+      {"en_US", "USD 2 0123456789 gregorian latn 0 12 1 279 1"},
+      {"en_GB", "GBP 2 0123456789 gregorian latn 0 24 0 297 2"},
+      {"ar_EG", "EGP 2 ٠١٢٣٤٥٦٧٨٩ gregorian arab 1 12 0 297 0"},
+      {"fa_IR", "IRR 0 ۰۱۲۳۴۵۶۷۸۹ persian arabext 1 24 2 297 0"},
+      {"hi_IN", "INR 2 ०१२३४५६७८९ gregorian latn 0 12 0 297 0"},
+      {"th_TH", "THB 2 ๐๑๒๓๔๕๖๗๘๙ buddhist latn 0 24 0 297 0"},
+      {"ja_JP", "JPY 0 0123456789 gregorian latn 0 24 2 297 0"},
+      {"sv", "SEK 2 0123456789 gregorian latn 0 24 2 297 0"},
+      {"eo", "XXX 2 0123456789 gregorian latn 0 24 2 297 0"},
+      {"sh", "RSD 0 0123456789 gregorian latn 0 24 0 297 0"}};  // an alias of sr_Latn
+  for (const auto& [name, wanted] : cases) {
+    const auto locale = vxtest::filled(name);
+    const VXLocaleData& record = *locale.data;
+    const auto customs = block_of<VXLocaleCustoms>(record.block6);
+    std::ostringstream told;
+    told << text(record.block3Names[0]) << ' ' << block_of<VXLocaleCurrencyForm>(record.block3Rest).fractionDigits
+         << ' ' << text(record.block4Name) << ' ' << customs.calendar << ' ' << customs.numbering << ' '
+         << block_of<VXLocaleIdentity>(record.block2).rightToLeft << ' '
+         << block_of<VXLocaleClock>(&record.word11848).hourCycle << ' ' << customs.dateOrder << ' '
+         << customs.paperHeight << ' ' << customs.measurementSystem;
+    EXPECT_EQ(told.str(), wanted) << name;
+  }
+}
+
+// One symbol, a table of operations, C at the border.
+TEST(Extension, FillsRefusesAndTells) {
+  void* const library = dlopen(VXNLSLDB_FILE, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(library, nullptr) << dlerror();
+  const auto* const description = static_cast<const VXHostExtension*>(dlsym(library, "vxhost_extension"));
+  ASSERT_NE(description, nullptr);
+  EXPECT_EQ(description->version, VXHOST_EXTENSION_VERSION);
+  EXPECT_STREQ(description->name, "vxnlsldb");
+  static int closed = 0;
+  VXHostExtensionOwner owner{nullptr, [](VXHostExtensionOwner*) { ++closed; }};
+  VXExtension* const extension = description->open(&owner);
+  auto* const database = reinterpret_cast<VXLocaleDatabase*>(extension);
+  const auto& ops = *reinterpret_cast<const VXHostLocaleDatabaseOps*>(database->ops);
+  const auto record = std::make_unique<VXLocaleData>();
+  const auto fill = [&](const std::u32string& name) {
+    return ops.base.fill(database, record.get(), reinterpret_cast<const VXChar*>(name.data()),
+                         static_cast<int64_t>(name.size()));
+  };
+  EXPECT_EQ(fill(U"pl_PL"), 0u);
+  EXPECT_TRUE(same(*record, *vxtest::filled("pl_PL").data));
+  EXPECT_EQ(fill(U"pl_XX"), VX_W_FILL);
+  EXPECT_EQ(text(record->localeName), "pl_XX");
+  for (const std::u32string& name :
+       {std::u32string(61, U'a'), std::u32string(), std::u32string(U"pl/PL"), std::u32string(U"pl.UTF-8"),
+        std::u32string(U"../pl"), std::u32string(U"pł"), std::u32string(U"pl PL")}) {
+    EXPECT_EQ(fill(name), VX_E_NOMATCH) << utf8(name);
+  }
+  const VXChar unit = 'p';
+  EXPECT_EQ(ops.base.fill(database, record.get(), &unit, INT64_MIN), VX_E_NOMATCH);
+  EXPECT_EQ(ops.base.fill(database, record.get(), nullptr, 1), VX_E_NULL);
+  EXPECT_EQ(ops.base.fill(database, nullptr, &unit, 1), VX_E_NULL);
+
+  std::string told;
+  const auto hear = [](void* user, const char* a, const char* b, const char* c) {
+    ((((*static_cast<std::string*>(user) += a) += ' ') += b) += ' ') += std::string(c).substr(0, 4);
+    return 0;
+  };
+  EXPECT_EQ(ops.for_each_fallback(database, "vi_VN", hear, &told), 0u);
+  EXPECT_EQ(told.substr(0, 26), "datePattern1 %d/%m/%Y R6: ");
+  told.clear();
+  vxtest::PlainLocale plain;
+  EXPECT_EQ(ops.check(database, &plain.data, hear, &told), 0u);
+  EXPECT_EQ(told, "");
+  plain.data.pmMarker.length = 0;
+  EXPECT_EQ(ops.check(database, &plain.data, hear, &told), 0u);
+  EXPECT_EQ(told.substr(0, 12), "R3 amMarker ");
+  EXPECT_EQ(ops.check(database, nullptr, hear, &told), VX_E_NULL);
+  EXPECT_EQ(ops.for_each_fallback(database, nullptr, hear, &told), VX_E_NULL);
+  EXPECT_EQ(extension->ops->destroy(extension), 0u);
+  EXPECT_EQ(closed, 1);
+  dlclose(library);
 }
