@@ -345,9 +345,9 @@ $ vxnls normalise -c when:date,amount:number --rejects rejects -q < orders > out
 > printf '25/12/21\n12/25/21\n03/04/21\n' > f
 > vxnls normalise --format lines -c 1:date --sample 1 -q f | paste -sd,
 > head -n 1 f | vxnls recognise --format lines --emit-profile p > out
-> tail -n 2 f | vxnls normalise --format lines --profile p -q | paste -sd,
+> tail -n 2 f | vxnls normalise --format lines --profile p --rejects q -q | paste -sd,
 > (echo 12/25/21; head -n 2 f; echo 03/04/21) | vxnls normalise --format lines -c 1:date --rejects r -q > out
-> grep -o '"value[^,]*,"outcome[^,]*' r
+> grep -ho '"value[^,]*,"outcome[^,]*' q r
 > tail -n 1 f | vxnls normalise --format lines 2>&1 | fold -sw 100
 > (tail -n 1 f; head -n 1 f) > g; vxnls normalise --format lines --sample all -q g | paste -sd,
 > for o in --day-first --month-first -len_GB; do echo 03/04/21 | vxnls normalise --format lines $o -q; done | paste -sd,
@@ -359,6 +359,7 @@ nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 
 ","position":0,"length":1,"expected":"\"x\" stands where a digit is wanted","status":"0x803fe810"}
 2021-12-25,12/25/21,2021-04-03
 12/25/21,2021-04-03
+"value":"12/25/21","outcome":"contradicts"
 "value":"03/04/21","outcome":"ambiguous"
 03/04/21
 vxnls: note: 1: date, locale en_US (LANG); 0 read, 1 ambiguous; the first on line 1, byte 0: 
