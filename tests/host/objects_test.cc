@@ -84,6 +84,30 @@ TEST_F(Objects, TracksRefuse) {
   }
 }
 
+TEST_F(Objects, TracksAndPoolsServeThreads) {
+  VXPool* const pool = new vxhost::Pool;
+  VXTrack* const track = new vxhost::Track;
+  std::atomic<int> inserted{0};
+  {
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 8; ++t) {
+      threads.emplace_back([&] {
+        for (int i = 0; i < 5000; ++i) {
+          pool->ops->free(pool, pool->ops->allocate(pool, i % 100, 0));
+          VXStatus status = 0;
+          VXTrackEntry* entry = track->ops->insert(track, VX_TRACK_INSERT, 0, nullptr, 0, &i, sizeof i, &status);
+          if (entry != nullptr) ++inserted;
+          else entry = track->ops->find(track, VX_TRACK_FIND, 0, &i, sizeof i);
+          EXPECT_EQ(track->ops->release(track, entry), 0u);
+        }
+      });
+    }
+  }
+  EXPECT_EQ(inserted, 5000);
+  pool->ops->destroy(pool);
+  track->ops->destroy(track);
+}
+
 // What a call sets, what the environment presets once, and what stays untouched.
 TEST_F(Objects, Options) {
   const auto read = [](VXOptionService& service, const std::string& name, uint32_t kind = VX_OPTION_INTEGER) {
