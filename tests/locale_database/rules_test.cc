@@ -5,7 +5,9 @@
 #include <cstring>
 #include <functional>
 
+#include "host/locale_database/cldr_pattern.h"
 #include "host/locale_database/rules.h"
+#include "host/locale_database/text.h"
 #include "tests/locale_database/every_locale.h"
 #include "tests/support/plain_locale.h"
 
@@ -91,6 +93,32 @@ TEST(Rules, EachBrokenInTurn) {
     const std::vector<std::string> rules = broken_rules(record);
     EXPECT_NE(std::find(rules.begin(), rules.end(), c.expected), rules.end())
         << (rules.empty() ? "nothing" : rules.front());
+  }
+}
+
+// What no locale has, or not where it would be seen.
+TEST(Rules, PatternsBeyondTheDataOfCldr) {
+  const std::pair<const char32_t*, const char32_t*> translations[] = {{U" d\u00A0 'o''clock' y''", U"%#d o'clock %Y'"},
+                                                                      {U"d '100%' y G", U"%#d 100%% %Y n. %%Chr."},
+                                                                      {U"LL.y H:m:s", U"%m.%Y %#H:%#M:%S"},
+                                                                      {U"hh a", U"%I %p"}};
+  for (const auto& [cldr, stored] : translations) {
+    const Translation got = translate(cldr, Padding::as_cldr, U"n. %Chr.");
+    EXPECT_EQ(utf8(got.stored), utf8(stored));
+    EXPECT_EQ(got.obstacle, "");
+  }
+  for (const char32_t* const cldr : {U"", U"B h:mm", U"K:mm a", U"k:mm", U"EEEE d", U"d. MMMMM", U"LLLL", U"yyyyy"}) {
+    EXPECT_NE(translate(cldr, Padding::as_cldr, U"").obstacle, "") << utf8(cldr);
+  }
+  for (const char32_t* broken : {U"%", U"100%", U"%#", U"%1", U"%#%", U"%?d", U"%%%"}) {
+    EXPECT_FALSE(take_apart(broken)) << utf8(broken);
+  }
+  const std::tuple<const char32_t*, const char32_t*, Overlap> overlaps[] = {
+      {U"%d DE %b", U"%d de %B", Overlap::none},      {U"%d.%m.%Y g", U"%d.%m.%Y", Overlap::none},
+      {U"%d. %m. %Y", U"%#d.%m.%Y", Overlap::blanks}, {U"%d %b %Y", U"%d %B %Yg", Overlap::part},
+      {U"%Y/%m/%d", U"%Y/%d/%m", Overlap::order},     {U"%Y/%m/%d", U"%d/%m/%Y", Overlap::none}};
+  for (const auto& [earlier, later, wanted] : overlaps) {
+    EXPECT_EQ(overlap(*take_apart(earlier), *take_apart(later)), wanted) << utf8(earlier) << " before " << utf8(later);
   }
 }
 
