@@ -139,6 +139,7 @@ auto reads(VXStatus (*f)(VXLocale*, const Unit*, int32_t, double*, int64_t*)) {
 }
 
 auto rows_of(VXChar) {
+  static VXChar out[3];
   const auto to_utf8 = [](auto* t, int64_t n, uint8_t* out, int64_t room, int64_t* written) {
     return ConvertFromUTF32(reinterpret_cast<uint8_t*>(t), 4 * n, out, room, written, &UTF32_UTF8, &Byte2DWord);
   };
@@ -152,7 +153,11 @@ auto rows_of(VXChar) {
         ROW(quick, writes, to_utf8, 1, 0), ROW(slow, ends_in, vxzstlo, 'x'), ROW(slow, ends_in, vxzstup, 'X'),
         ROW(slow, ends_in, vxzstmax, 'x'), ROW(slow, ends_in, vxzstmin, 'X'), ROW(slow, sets, qmzMemSet),
         ROW(slow, moves, qmzMemMove), ROW(slow, reverses, vxztchrv)}},
-      {'a', "\0"sv, {ROW(slow, measures, qmzStrLen)}},
+      {'a',
+       "\0"sv,
+       {ROW(slow, measures, qmzStrLen),
+        {"vxzscat", quick,
+         [](VXChar* t, int64_t n) { return vxzscat(out, 3, 0xFFFF, 1, t, n) == std::min<int64_t>(n, 3); }}}},
       {' ',
        "7",
        {ROW(slow, reads, NLSBufToIntmax), ROW(slow, reads, NLSBufToUintmax), ROW(slow, reads, NLSBufToDouble)}},
@@ -160,6 +165,8 @@ auto rows_of(VXChar) {
 }
 
 auto rows_of(Utf8) {
+  static Utf8 out[64];
+  static int64_t characters, bytes;
   const auto face = [](Utf8* t, int64_t n) {
     const auto read = vxnls::locale(plain()).parse<double>({reinterpret_cast<char*>(t), size_t(n)});
     return n > INT32_MAX ? read.status() == VX_E_NOTNUMBER : *read == 7;
@@ -208,10 +215,17 @@ auto rows_of(Utf8) {
         {"vxzsu8ByteLength", slow, [](Utf8* t, int64_t n) { return vxzsu8ByteLength(t, n - 1) == n; }},
         {"vxzsu8Index", slow, [](Utf8* t, int64_t n) { return vxzsu8Index(t, n, 0xE9) == n - 2; }},
         {"vxzsu8Upper", quick, [](Utf8* t, int64_t n) { return vxzsu8Upper(t, n), t[n - 1] == 0x89; }},
+        {"vxzsu8Copy", quick, [](Utf8* t, int64_t n) { return vxzsu8Copy(t, n, out, 64) == std::min<int64_t>(n, 64); }},
+        {"vxzsu8Lower2, measuring", quick,
+         [](Utf8* t, int64_t n) { return vxzsu8Lower2(t, n, nullptr, 0, &bytes) == 0 && bytes == n; }},
         {"vxzsu8Lower, cut", quick, [](Utf8* t, int64_t n) { return vxzsu8Lower(t, n - 1), t[n - 2] == 0xC3; }}}},
       {'a',
        "\0"sv,
-       {ROW(slow, measures, UTF8_SLEN),
+       {{"vxzsu8Lengths", quick,
+         [](Utf8* t, int64_t n) {
+           return vxzsu8Lengths(t, &characters, &bytes), characters == n - 1 && bytes == n - 1;
+         }},
+        ROW(slow, measures, UTF8_SLEN),
         ROW(quick, measures, UTF8_BLEN),
         ROW(quick, writes, ConvertToUTF32, 4, 0, &UTF8_UTF32, &COPY_UTF32_SWAP),
         {"qmStrLen", quick, [](Utf8* t, int64_t n) { return qmStrLen(reinterpret_cast<char*>(t)) == n - 1; }}}},
