@@ -92,7 +92,7 @@ TEST_F(Objects, TracksAndPoolsServeThreads) {
     std::vector<std::jthread> threads;
     for (int t = 0; t < 8; ++t) {
       threads.emplace_back([&] {
-        for (int i = 0; i < 5000; ++i) {
+        for (int i = 0; i < 100000; ++i) {
           pool->ops->free(pool, pool->ops->allocate(pool, i % 100, 0));
           VXStatus status = 0;
           VXTrackEntry* entry = track->ops->insert(track, VX_TRACK_INSERT, 0, nullptr, 0, &i, sizeof i, &status);
@@ -103,7 +103,7 @@ TEST_F(Objects, TracksAndPoolsServeThreads) {
       });
     }
   }
-  EXPECT_EQ(inserted, 5000);
+  EXPECT_EQ(inserted, 100000);
   pool->ops->destroy(pool);
   track->ops->destroy(track);
 }
