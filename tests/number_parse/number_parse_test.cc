@@ -451,6 +451,12 @@ TEST(Conversion, AsManyDigitsAsATextCanHave) {
       EXPECT_EQ(value_of(digits, whole), value_of(30, whole)) << digits << " digits, " << whole << " before the point";
 }
 
+TEST(Conversion, LimitsOfTheMantissa) {
+  const std::string largest = std::to_string(DBL_MAX);  // all its digits
+  for (size_t n = 293; n <= 308; ++n)
+    EXPECT_EQ(vxnls::mantissa_limit(static_cast<int64_t>(n)), std::stoull(largest.substr(0, 309 - n))) << n;
+}
+
 TEST(Conversion, AnyArguments) {
   double value = 0;
   for (const int32_t digits : {INT32_MIN, -1, 0, 15, 16, 31, INT32_MAX})
