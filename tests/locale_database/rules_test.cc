@@ -61,9 +61,11 @@ TEST(Rules, EachBrokenInTurn) {
       {"R5 datetimePattern", [](auto& r) { set_name(r.datetimePattern, U"%m/%d/%Y, %I:%M:%S %p"); }},
       {"R6 datePattern2", [](auto& r) { set_name(r.monthNames[11], U"januarye"); }},
       {"R6 datePattern1", [](auto& r) { set_name(r.altMonthNames[11], U"JANA"); }},
+      {"R6 datePattern1", [](auto& r) { set_name(r.altMonthNames[4], U"May."); }},  // full names are tried first
       {"R6 datePattern2",
        [](auto& r) { set_name(r.datePattern2, U"%A, %B %#d, %Y"), set_name(r.dayNames[6], U"Sundays"); }},
       {"R6 datePattern2", [](auto& r) { set_name(r.datePattern2, U"%d%B, %Y"), set_name(r.monthNames[3], U"4月"); }},
+      {"R6 datePattern2", [](auto& r) { set_name(r.datePattern2, U"%B %#d1, %Y"); }},
       {"R6 quarterNames", [](auto& r) { set_name(r.quarterNames[1], U"q11"); }},
       {"R7 datePattern1", [](auto& r) { set_name(r.datePattern1, U"%m / %d / %Y"); }},
       {"R7 datePattern1", [](auto& r) { set_name(r.datePattern1, U"%m/%d/%Y."); }},
