@@ -266,14 +266,21 @@ class LocaleForms {
     return false;
   }
 
+  /// The first form that reads a date. One that does so only with the year first yields to a later one that does not:
+  /// the reader tries that, too, where no year stands in front.
   bool dated(std::string_view text, std::string_view weekday, bool names, Recognised& found) {
     const size_t count = names ? forms.dates.size() : forms.numeric_dates;
+    const FormKey start = found.form;
+    std::optional<Recognised> year_first;
     for (size_t i = 0; i < count; ++i) {
+      found.form = start;
       if (!one_date(forms.dates[i], text, weekday, names, found)) continue;
       found.form.date = static_cast<uint8_t>(i + 1);
-      return true;
+      if ((found.bits & (day_bit | month_bit | year_bit)) != year_bit) return true;
+      if (!year_first) year_first = found;
     }
-    return false;
+    if (year_first) found = *year_first;
+    return year_first.has_value();
   }
 
   bool one_date(const DateForm& form, std::string_view text, std::string_view weekday, bool names, Recognised& found) {

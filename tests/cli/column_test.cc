@@ -65,6 +65,7 @@ TEST(ColumnProfile, Decisions) {
       {env, {"21/03/04", "21/03/25", "21/04/26"}, "date none nothing", "0 3 0 0"},
       {env, {"04/03/21", "25/03/21", "26/04/21"}, "date day-first evidence", "3 0 0 0"},
       {options_of("ja_JP", true), {"21/03/04"}, "date year-first locale", "1 0 0 0"},
+      {options_of("ru_RU", true), {"25.12.04", "5. 6. 04", "21.10.\t04"}, "date day-first evidence", "3 0 0 0"},
       {env, {"5 Mar 2021", "March 5, 2021"}, "date none nothing", "2 0 0 0"},  // names need no order
       {env, {"2021-03-04", "x", ""}, "date none nothing", "1 0 0 1"},          // half is enough
       {env, {"2021-03-04", "x", "y"}, "text none nothing", "3 0 0 0"},
