@@ -92,7 +92,7 @@ TEST(Lengths, OfEveryString) {
   expect_of_every_string(0, check);
   const auto expected = [](int n, int64_t s3, int64_t s4) {
     const int64_t three = 2588672 + s3;
-    return n == 1 ? 128 : n == 2 ? 18304 : n == 3 ? three : 128 * three + 1920 * 18304 + 128 * s3 + s4;
+    return n == 1 ? 128 : n == 2 ? 18304 : n == 3 ? three : 128 * three + INT64_C(1920) * 18304 + 128 * s3 + s4;
   };
   for (int n = 1; n <= (is_long_run() ? 4 : 3); ++n) {
     EXPECT_EQ(found.valid[n], expected(n, 65536, 1310720)) << n;

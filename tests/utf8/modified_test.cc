@@ -34,10 +34,10 @@ std::string surrogates_of(std::string_view s) {
 void encode(std::string_view text, uint32_t options, Pieces& out) {
   for (; !text.empty(); text.remove_prefix(next(text, Step::checking).size())) {
     const std::string_view s = next(text, Step::checking);
-    if (!is_whole(s) || is_surrogate(s) || (s.size() == 1 && !begins(s[0]))) out.replace();
-    else if (s.size() != 4 || !begins(s[0])) out.put(s[0] == 0 && options % 2 == 1 ? "\xC0\x80"sv : s);
-    else if (options == 4) out.replace();
-    else out.put(surrogates_of(s));
+    const bool is_supplementary = s.size() == 4 && begins(s[0]), is_stray = s.size() == 1 && !begins(s[0]);
+    if (!is_whole(s) || is_surrogate(s) || is_stray || (is_supplementary && options == 4)) out.replace();
+    else if (is_supplementary) out.put(surrogates_of(s));
+    else out.put(s[0] == 0 && options % 2 == 1 ? "\xC0\x80"sv : s);
   }
 }
 
