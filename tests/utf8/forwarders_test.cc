@@ -16,15 +16,6 @@ struct Case {
   int64_t integer, room = 0;
   uint32_t option = 0;
 };
-const Case cases[] = {{"", 0, 0},
-                      {"12", 45296, INT64_MIN},
-                      {"-1,234.5e1 ", -1, INT64_MAX},
-                      {"99999999999999999999", 1e300, INT32_MIN},
-                      {"03/07/2024", -1234567.891, INT32_MAX},
-                      {"3 Mar 2024", qmMissVal('.'), -1},
-                      {"2:05 PM", 86399.5, 1234567},
-                      {"03/07/2024 14:05:09", 0.5, UINT32_MAX},
-                      {".A", qmMissVal('B'), -1234567}};
 
 /// Everything that a call leaves behind. What it does not write keeps what it held.
 struct Trace {
@@ -42,6 +33,15 @@ struct Trace {
 template <class Function, class Call>
 void expect_same(const char* name, Function* forwarder, std::type_identity_t<Function>* entry_point, Call call) {
   static vxtest::PlainLocale english;
+  static const Case cases[] = {{"", 0, 0},
+                               {"12", 45296, INT64_MIN},
+                               {"-1,234.5e1 ", -1, INT64_MAX},
+                               {"99999999999999999999", 1e300, INT32_MIN},
+                               {"03/07/2024", -1234567.891, INT32_MAX},
+                               {"3 Mar 2024", qmMissVal('.'), -1},
+                               {"2:05 PM", 86399.5, 1234567},
+                               {"03/07/2024 14:05:09", 0.5, UINT32_MAX},
+                               {".A", qmMissVal('B'), -1234567}};
   int succeeded = 0, failed = 0;
   for (Case c : cases) {
     for (const int64_t room : {0, 3, 64}) {
