@@ -47,6 +47,7 @@ struct Form {
   VXDecoder decoder = nullptr, decode_step = nullptr;
   ByOrder<ToUtf32Body> Transcoders::*from = nullptr;
 };
+// NOLINTNEXTLINE(cert-err58-cpp): addresses of functions throw nothing
 const Form forms[] = {
     {utf8_of, 1, UTF32_UTF8, encode_one<Utf8Sink>, &Transcoders::to_utf8, UTF8_UTF32, decode_one<Utf8Source>,
      &Transcoders::from_utf8},
