@@ -80,15 +80,17 @@ struct Row {
   const char* name;
   Speed speed;
   std::function<bool(Unit* text, int64_t n)> is_right;
+  Row(const char* called, Speed how, auto check) : name(called), speed(how), is_right(check) {}
 };
 template <class Unit>
 struct Table {
   char body;
   std::string_view tail;
   std::vector<Row<Unit>> rows;
+  Table(char filling, std::string_view end, auto... given) : body(filling), tail(end), rows{given...} {}
 };
-#define ROW(speed, check, ...) \
-  { #__VA_ARGS__, speed, check(__VA_ARGS__) }
+#define ROW(speed, check, ...) Row<Unit>(#__VA_ARGS__, speed, check(__VA_ARGS__))
+#define CASE(name, speed, ...) Row<Unit>(name, speed, [](Unit* t, int64_t n) { return __VA_ARGS__; })
 
 // What is right for functions of one kind, over a text whose last unit alone is an x, a NUL or a digit.
 constexpr auto counts = [](auto f) { return [=](auto* t, int64_t n) { return f(t, n) == n; }; };
@@ -139,111 +141,79 @@ auto reads(VXStatus (*f)(VXLocale*, const Unit*, int32_t, double*, int64_t*)) {
 }
 
 auto rows_of(VXChar) {
+  using Unit = VXChar;
   static VXChar out[3];
   const auto to_utf8 = [](auto* t, int64_t n, uint8_t* out, int64_t room, int64_t* written) {
     return ConvertFromUTF32(reinterpret_cast<uint8_t*>(t), 4 * n, out, room, written, &UTF32_UTF8, &Byte2DWord);
   };
   const auto order = [](auto* a, int64_t n, auto* b, int64_t m) { return NLSSSOrderCompare(nullptr, a, n, b, m, 0); };
-  return std::vector<Table<VXChar>>{
-      {' ',
-       "x",
-       {ROW(slow, strips, vxzstrp), ROW(quick, counts, GET_UTF8_LEN_FROM_VXCHAR), ROW(slow, finds_x, vxzspos),
-        ROW(slow, finds_x, qmzMemScan), ROW(slow, finds_last, vxzsndx), ROW(slow, compares, vxzseqn, 1, 0),
-        ROW(slow, compares, vxzsncmp, 0, -2), ROW(slow, compares, order, 0, -1), ROW(quick, equals, qmzMemCmp),
-        ROW(quick, writes, to_utf8, 1, 0), ROW(slow, ends_in, vxzstlo, 'x'), ROW(slow, ends_in, vxzstup, 'X'),
-        ROW(slow, ends_in, vxzstmax, 'x'), ROW(slow, ends_in, vxzstmin, 'X'), ROW(slow, sets, qmzMemSet),
-        ROW(slow, moves, qmzMemMove), ROW(slow, reverses, vxztchrv)}},
-      {'a',
-       "\0"sv,
-       {ROW(slow, measures, qmzStrLen),
-        {"vxzscat", quick,
-         [](VXChar* t, int64_t n) { return vxzscat(out, 3, 0xFFFF, 1, t, n) == std::min<int64_t>(n, 3); }}}},
-      {' ',
-       "7",
-       {ROW(slow, reads, NLSBufToIntmax), ROW(slow, reads, NLSBufToUintmax), ROW(slow, reads, NLSBufToDouble)}},
-      {'0', "7", {ROW(slow, reads, NLSBufToInt)}}};
+  return std::vector{
+      Table<Unit>(' ', "x", ROW(slow, strips, vxzstrp), ROW(quick, counts, GET_UTF8_LEN_FROM_VXCHAR),
+                  ROW(slow, finds_x, vxzspos), ROW(slow, finds_x, qmzMemScan), ROW(slow, finds_last, vxzsndx),
+                  ROW(slow, compares, vxzseqn, 1, 0), ROW(slow, compares, vxzsncmp, 0, -2),
+                  ROW(slow, compares, order, 0, -1), ROW(quick, equals, qmzMemCmp), ROW(quick, writes, to_utf8, 1, 0),
+                  ROW(slow, ends_in, vxzstlo, 'x'), ROW(slow, ends_in, vxzstup, 'X'), ROW(slow, ends_in, vxzstmax, 'x'),
+                  ROW(slow, ends_in, vxzstmin, 'X'), ROW(slow, sets, qmzMemSet), ROW(slow, moves, qmzMemMove),
+                  ROW(slow, reverses, vxztchrv)),
+      Table<Unit>('a', "\0"sv, ROW(slow, measures, qmzStrLen),
+                  CASE("vxzscat", quick, vxzscat(out, 3, 0xFFFF, 1, t, n) == std::min<int64_t>(n, 3))),
+      Table<Unit>(' ', "7", ROW(slow, reads, NLSBufToIntmax), ROW(slow, reads, NLSBufToUintmax),
+                  ROW(slow, reads, NLSBufToDouble)),
+      Table<Unit>('0', "7", ROW(slow, reads, NLSBufToInt))};
 }
 
 auto rows_of(Utf8) {
+  using Unit = Utf8;
   static Utf8 out[64];
   static int64_t characters, bytes;
+  static uint32_t month, day, year;
+  static VXNumberReading reading;
   const auto face = [](Utf8* t, int64_t n) {
     const auto read = vxnls::locale(plain()).parse<double>({reinterpret_cast<char*>(t), size_t(n)});
     return n > INT32_MAX ? read.status() == VX_E_NOTNUMBER : *read == 7;
   };
-  const auto date = [](Utf8* t, int64_t n) {
-    uint32_t month, day, year;
-    int64_t consumed;
-    return NLSBufToDateU(plain(), t, n, 4, &month, &day, &year, &consumed) == 0 && year == 2020 && month == 3 &&
-           day == 4 && consumed == n;
-  };
-  const auto explained = [](Utf8* t, int64_t n) {
-    VXNumberReading reading;
-    return vxnlsExplainNumber(plain(), t, n, VX_NUMBER_DOUBLE, 0, &reading) == 0 && reading.value.number == 7 &&
-           reading.consumed == n;
-  };
-  return std::vector<Table<Utf8>>{
-      {' ',
-       "x",
-       {ROW(slow, counts, UTF8_SLENB),
-        ROW(quick, counts, UTF8_BLENB),
-        ROW(quick, counts, vxzsu8NumChars),
-        ROW(slow, strips, vxzsu8StripBlanks),
-        ROW(quick, finds_x, vxzsu8Index),
-        ROW(quick, finds_x, qmMemScan),
-        ROW(quick, finds_last, vxzsu8Find),
-        ROW(quick, compares, vxzsu8Compare, 0, -1),
-        ROW(slow, compares, vxzsu8NormCompare, 0, -2),
-        ROW(slow, compares, vxzsu8NormEqual, 1, 0),
-        ROW(quick, equals, qmMemCmp),
-        ROW(quick, writes, vxzsu8Upper2, 1, VX_E_ROOM),
-        ROW(quick, writes, vxzsu8Encode, 1, VX_E_ROOM, 0u),
-        ROW(quick, writes, vxzsu8Decode, 1, VX_E_ROOM, 0u),
-        ROW(quick, writes, COPY_UTF, 1, VX_E_ROOM),
-        ROW(quick, ends_in, vxzsu8Lower, 'x'),
-        ROW(quick, ends_in, vxzsu8Upper, 'X'),
-        ROW(quick, begins_with, vxzsu8LeftJustify, 'X'),
-        ROW(slow, ends_in, vxzsu8RightJustify, 'X'),
-        ROW(quick, sets, qmMemSet),
-        ROW(quick, moves, qmMemMove),
-        ROW(slow, reverses, vxzbytrv)}},
-      {'a',
-       "\xC3\xA9",  // two bytes, a character
-       {{"vxzsu8NumChars", quick, [](Utf8* t, int64_t n) { return vxzsu8NumChars(t, n) == n - 1; }},
-        {"UTF8_SLENB", slow, [](Utf8* t, int64_t n) { return UTF8_SLENB(t, n) == n - 1; }},
-        {"UTF8_BLENB", quick, [](Utf8* t, int64_t n) { return UTF8_BLENB(t, n - 1) == n - 2; }},
-        {"vxzsu8ByteLength", slow, [](Utf8* t, int64_t n) { return vxzsu8ByteLength(t, n - 1) == n; }},
-        {"vxzsu8Index", slow, [](Utf8* t, int64_t n) { return vxzsu8Index(t, n, 0xE9) == n - 2; }},
-        {"vxzsu8Upper", quick, [](Utf8* t, int64_t n) { return vxzsu8Upper(t, n), t[n - 1] == 0x89; }},
-        {"vxzsu8Copy", quick, [](Utf8* t, int64_t n) { return vxzsu8Copy(t, n, out, 64) == std::min<int64_t>(n, 64); }},
-        {"vxzsu8Lower2, measuring", quick,
-         [](Utf8* t, int64_t n) { return vxzsu8Lower2(t, n, nullptr, 0, &bytes) == 0 && bytes == n; }},
-        {"vxzsu8Lower, cut", quick, [](Utf8* t, int64_t n) { return vxzsu8Lower(t, n - 1), t[n - 2] == 0xC3; }}}},
-      {'a',
-       "\0"sv,
-       {{"vxzsu8Lengths", quick,
-         [](Utf8* t, int64_t n) {
-           return vxzsu8Lengths(t, &characters, &bytes), characters == n - 1 && bytes == n - 1;
-         }},
-        ROW(slow, measures, UTF8_SLEN),
-        ROW(quick, measures, UTF8_BLEN),
-        ROW(quick, writes, ConvertToUTF32, 4, 0, &UTF8_UTF32, &COPY_UTF32_SWAP),
-        {"qmStrLen", quick, [](Utf8* t, int64_t n) { return qmStrLen(reinterpret_cast<char*>(t)) == n - 1; }}}},
-      {' ',
-       "7",
-       {ROW(slow, reads, NLSBufToIntmaxU),
-        ROW(quick, reads, NLSBufToUIntU),
-        ROW(slow, reads, NLSBufToDoubleU),
-        {"vxnls::locale", quick, face},
-        {"vxnlsExplainNumber", slow, explained}}},
-      {' ', "2020-03-04", {{"NLSBufToDateU", slow, date}}}};
+  return std::vector{
+      Table<Unit>(' ', "x", ROW(slow, counts, UTF8_SLENB), ROW(quick, counts, UTF8_BLENB),
+                  ROW(quick, counts, vxzsu8NumChars), ROW(slow, strips, vxzsu8StripBlanks),
+                  ROW(quick, finds_x, vxzsu8Index), ROW(quick, finds_x, qmMemScan), ROW(quick, finds_last, vxzsu8Find),
+                  ROW(quick, compares, vxzsu8Compare, 0, -1), ROW(slow, compares, vxzsu8NormCompare, 0, -2),
+                  ROW(slow, compares, vxzsu8NormEqual, 1, 0), ROW(quick, equals, qmMemCmp),
+                  ROW(quick, writes, vxzsu8Upper2, 1, VX_E_ROOM), ROW(quick, writes, vxzsu8Encode, 1, VX_E_ROOM, 0u),
+                  ROW(quick, writes, vxzsu8Decode, 1, VX_E_ROOM, 0u), ROW(quick, writes, COPY_UTF, 1, VX_E_ROOM),
+                  ROW(quick, ends_in, vxzsu8Lower, 'x'), ROW(quick, ends_in, vxzsu8Upper, 'X'),
+                  ROW(quick, begins_with, vxzsu8LeftJustify, 'X'), ROW(slow, ends_in, vxzsu8RightJustify, 'X'),
+                  ROW(quick, sets, qmMemSet), ROW(quick, moves, qmMemMove), ROW(slow, reverses, vxzbytrv)),
+      // The last character has two bytes.
+      Table<Unit>('a', "\xC3\xA9", CASE("vxzsu8NumChars", quick, vxzsu8NumChars(t, n) == n - 1),
+                  CASE("UTF8_SLENB", slow, UTF8_SLENB(t, n) == n - 1),
+                  CASE("UTF8_BLENB", quick, UTF8_BLENB(t, n - 1) == n - 2),
+                  CASE("vxzsu8ByteLength", slow, vxzsu8ByteLength(t, n - 1) == n),
+                  CASE("vxzsu8Index", slow, vxzsu8Index(t, n, 0xE9) == n - 2),
+                  CASE("vxzsu8Upper", quick, vxzsu8Upper(t, n), t[n - 1] == 0x89),
+                  CASE("vxzsu8Copy", quick, vxzsu8Copy(t, n, out, 64) == std::min<int64_t>(n, 64)),
+                  CASE("vxzsu8Lower2", quick, vxzsu8Lower2(t, n, nullptr, 0, &bytes) == 0 && bytes == n),
+                  CASE("vxzsu8Lower", quick, vxzsu8Lower(t, n - 1), t[n - 2] == 0xC3)),
+      Table<Unit>(
+          'a', "\0"sv, ROW(slow, measures, UTF8_SLEN), ROW(quick, measures, UTF8_BLEN),
+          ROW(quick, writes, ConvertToUTF32, 4, 0, &UTF8_UTF32, &COPY_UTF32_SWAP),
+          CASE("qmStrLen", quick, qmStrLen(reinterpret_cast<char*>(t)) == n - 1),
+          CASE("vxzsu8Lengths", quick, vxzsu8Lengths(t, &characters, &bytes), characters == n - 1 && bytes == n - 1)),
+      Table<Unit>(' ', "7", ROW(slow, reads, NLSBufToIntmaxU), ROW(quick, reads, NLSBufToUIntU),
+                  ROW(slow, reads, NLSBufToDoubleU), Row<Unit>("vxnls::locale", quick, face),
+                  CASE("vxnlsExplainNumber", slow,
+                       vxnlsExplainNumber(plain(), t, n, VX_NUMBER_DOUBLE, 0, &reading) == 0 &&
+                           reading.value.number == 7 && reading.consumed == n)),
+      Table<Unit>(' ', "2020-03-04",
+                  CASE("NLSBufToDateU", slow,
+                       NLSBufToDateU(plain(), t, n, 4, &month, &day, &year, &bytes) == 0 &&
+                           (year * 100 + month) * 100 + day == 20200304 && bytes == n))};
 }
 
 template <class Unit>
 int64_t check(int64_t n, bool with_slow) {
   int64_t calls = 0;
   static const auto tables = rows_of(Unit());
-  for (const Table<Unit>& table : tables) {
+  for (const auto& table : tables) {
     if (n < static_cast<int64_t>(table.tail.size())) continue;
     const Text<Unit> text(n, table.body, table.tail);
     for (const Row<Unit>& row : table.rows) {
@@ -307,56 +277,44 @@ struct HostileRecord : testing::Test {
     const auto write = [&](auto function) {
       Unit* const out = memory.at(static_cast<size_t>(std::min<int64_t>(room, 600)));
       int64_t n = 0;
-      const auto status = static_cast<VXStatus>(function(out, &n));
+      const auto status = static_cast<VXStatus>(function(out, room, &n));
       take(status, {n});
       ASSERT_TRUE(n >= 0 && n <= room) << n;
       answers.insert(answers.end(), out, out + n);
     };
     for (int32_t style = 0; style < 3; ++style) {
-      write([=](Unit* out, int64_t* n) {
-        return pick<Unit>(NLSDateFormatU, NLSDateFormat)(l, 12, 25, 2020, style, out, room, n);
-      });
-      write([=](Unit* out, int64_t* n) {
-        return pick<Unit>(NLSTimeFormatU, NLSTimeFormat)(l, style, out, room, n, 70000);
-      });
+      write([=](auto... to) { return pick<Unit>(NLSDateFormatU, NLSDateFormat)(l, 12, 25, 2020, style, to...); });
+      write([=](auto... to) { return pick<Unit>(NLSTimeFormatU, NLSTimeFormat)(l, style, to..., 70000); });
     }
     // A day of each month of 2020, on every day of the week, in the morning and in the evening.
     for (int month = 0; month < 12; ++month) {
-      write([=](Unit* out, int64_t* n) {
-        const double moment = (21915 + 31 * month) * 86400.0 + (month % 2 != 0 ? 70000 : 10000);
-        return pick<Unit>(NLSDatetimeFormatU, NLSDatetimeFormat)(l, 0, out, room, n, moment);
-      });
+      const double moment = (21915 + 31 * month) * 86400.0 + (month % 2 != 0 ? 70000 : 10000);
+      write([=](auto... to) { return pick<Unit>(NLSDatetimeFormatU, NLSDatetimeFormat)(l, 0, to..., moment); });
     }
     constexpr uint32_t group = NLS_FORMAT_GROUP;
     for (const uint32_t flags :
          {0u, group, group | NLS_FORMAT_PLAIN, group | NLS_FORMAT_FIXED, NLS_FORMAT_EXPONENT | 0u}) {
-      write([=](Unit* out, int64_t* n) {
-        return pick<Unit>(NLSDoubleFormatUWithExOpts, NLSDoubleFormatWithExOpts)(l, 25, 3, flags, out, room, n, nullptr,
-                                                                                 -123456789.5);
-      });
+      constexpr auto format = pick<Unit>(NLSDoubleFormatUWithExOpts, NLSDoubleFormatWithExOpts);
+      write([=](auto... to) { return format(l, 25, 3, flags, to..., nullptr, -123456789.5); });
     }
     for (const uint32_t flags : {0u, group, NLS_FORMAT_LEFT | 0u, NLS_FORMAT_ZERO_PAD | 0u}) {
-      write([=](Unit* out, int64_t* n) {
-        return pick<Unit>(NLSLongFormatU, NLSLongFormat)(l, INT64_MIN, flags == group ? 0 : 40, 0, flags, out, room, n);
-      });
+      constexpr auto format = pick<Unit>(NLSLongFormatU, NLSLongFormat);
+      write([=](auto... to) { return format(l, INT64_MIN, flags == group ? 0 : 40, 0, flags, to...); });
     }
     if constexpr (sizeof(Unit) > 1) {
       for (const auto amount : {NLSCurrencyFormat, NLSPercentFormat}) {
-        write([=](Unit* out, int64_t* n) {
-          const VXStatus status = amount(l, 90, 2, 0, out, room, n, 1234567.5);
-          if (status != 0) *n = 0;  // they count what they did not write
-          return status;
+        write([=](Unit* out, int64_t size, int64_t* n) {
+          const VXStatus status = amount(l, 90, 2, 0, out, size, n, 1234567.5);
+          return status != 0 ? *n = 0, status : status;  // they count what they did not write
         });
       }
-      if (room >= 600) write([=](Unit* out, int64_t* n) { return vxzIDblToBuff(1e300, out, room, n, nullptr); });
+      if (room >= 600) write([=](auto... to) { return vxzIDblToBuff(1e300, to..., nullptr); });
     } else if (room >= 600) {  // texts, whatever the record is
       const auto text = [&](auto function, auto... more) {
         static constexpr Utf8 in[] = {'A', 0xC3, 0xA9, 0, 0xF0, 0x9F, 0x98, 0x80};
-        write([=](Unit* out, int64_t* n) { return function(in, 8, out, room, n, more...); });
+        write([=](auto... to) { return function(in, 8, to..., more...); });
       };
-      text(vxzsu8Upper2);
-      text(vxzsu8Encode, 1u);
-      text(COPY_UTF);
+      text(vxzsu8Upper2), text(vxzsu8Encode, 1u), text(COPY_UTF);
       text(ConvertToUTF32, &UTF8_UTF32, &COPY_UTF32_SWAP);
       text(ConvertFromUTF32, &UTF32_UTF16s, &Byte2DWord);
     }
@@ -366,7 +324,7 @@ struct HostileRecord : testing::Test {
       const auto n = static_cast<int64_t>(text.size());
       int64_t used = 0;
       double value = 0;
-      const auto consumed = [&](VXStatus status, double read) {
+      const auto consumed = [&](VXStatus status, const double& read) {  // which the call writes
         take(status, {used, std::bit_cast<int64_t>(read)});
         EXPECT_TRUE(used >= 0 && used <= n) << used;
         used = 0;
@@ -378,13 +336,10 @@ struct HostileRecord : testing::Test {
         if (kind > 8) continue;
         for (const auto read :
              {pick<Unit>(NLSBufToTimeU, NLSBufToTime), pick<Unit>(NLSBufToDatetimeU, NLSBufToDatetime)}) {
-          const VXStatus time_status = read(l, in, n, kind, &value, &used);
-          consumed(time_status, value);
+          consumed(read(l, in, n, kind, &value, &used), value);
         }
       }
-      const VXStatus status =
-          pick<Unit>(NLSBufToDoubleU, NLSBufToDouble)(l, in, static_cast<int32_t>(n), &value, &used);
-      consumed(status, value);
+      consumed(pick<Unit>(NLSBufToDoubleU, NLSBufToDouble)(l, in, static_cast<int32_t>(n), &value, &used), value);
     }
   }
   void take(VXStatus status, std::initializer_list<int64_t> values) {
