@@ -66,27 +66,25 @@ $ for l in ja_JP ar_EG hi_IN fr_CA; do vxnls format datetime 2026-11-21T14:05:09
 2026-11-21 08:35 -0330,2026-11-21 10:35 -0330
 02:30 +0200 +0200 Europe/Berlin
 02:30 +0100 +0100 Europe/Berlin
-$ for s in short main medium 1 long 2; do vxnls format date 2026-11-05 -l en_GB --style $s; done | paste -sd,
-> for s in medium main short 1 long; do vxnls format time 09:05:07 -l en_US --style $s; done | paste -sd,
+$ for s in short medium 2 long; do vxnls format date 2026-11-05 -l en_GB --style $s; done | paste -sd,
+> for s in main short long; do vxnls format time 09:05:07 -l en_US --style $s; done | paste -sd,
 > vxnls format datetime 2026-11-05T09:05:07 -l en_US --style long --time-style short
 > vxnls format date 9 --style long --pattern %Y
-> for n in 0 60 61; do vxnls format date 0 --pattern "$(printf %.${n}d 0 | head -c $n)"; done 2>&1 |
+> for n in 0 61; do vxnls format date 0 --pattern "$(printf %.${n}d 0 | head -c $n)"; done 2>&1 |
 >   sed 's/0\{60\}/60 zeros/'
-> for p in "$(printf '\377')" '日%Q' '%Y%#H' '%Y %é' '%Y%?'; do vxnls format date 0 --pattern "$p"; done
-05/11/2026,05/11/2026,5 Nov 2026,5 Nov 2026,5 November 2026,5 November 2026
-9:05:07 AM,9:05:07 AM,9:05 AM,9:05 AM
+> for p in "$(printf '\377')" '日%Q' '%Y%#H' '%Y%?'; do vxnls format date 0 --pattern "$p"; done
+05/11/2026,5 Nov 2026,5 November 2026,5 November 2026
+9:05:07 AM,9:05 AM
 November 5, 2026 9:05 AM
 
-60 zeros
 vxnls: --pattern "60 zeros"...: it has 61 characters, at most 60 are possible
 ! vxnls: --style "long": it is short, medium, main or 1
 ! vxnls: --pattern replaces the locale's patterns, so there is no style to choose
 ! vxnls: --pattern "\xFF": it is not UTF-8
 ! vxnls: --pattern "日%Q": at byte 3: "%Q" is no directive; "vxnls format datetime --help" lists them
 ! vxnls: --pattern "%Y%#H": at byte 2: "%#H" writes a time, and a date has none
-! vxnls: --pattern "%Y %é": at byte 3: "%é" is no directive; "vxnls format datetime --help" lists them
 ! vxnls: --pattern "%Y%?": at byte 2: the pattern ends within a directive; "%%" writes a percent sign
-= 0 0 0 0 0 0 0 0 0 0 2 0 2 0 0 2 2 2 2 2 2
+= 0 0 0 0 0 0 2 0 2 0 2 2 2 2 2
 $ printf '\357\273\2770\r\nx\n\n2026-02-30\0\n1' | vxnls format date -l en_GB
 > z=/dev/zero; (head -c 65536 $z; echo; head -c 65537 $z; echo; head -c 200000 $z) | tr '\0' 1 |
 >   vxnls format date 2>&1 | sed 's/1\{60\}/.../'
@@ -109,22 +107,19 @@ vxnls: line 3: "..."...: longer than 65536 bytes
 ! vxnls: line 4: "2026-02-30\u{0000}": at byte 10: "T" and a time, or the end is expected, not "\u{0000}"
 ! vxnls: line 2: "x\xFF": a date is 2026-11-21, a day number or now
 = 1 1 1
-$ vxnls format date 1 today ' 2026-11-1' 2026-02-29 20261121 6589336 -138062 1.5
+$ vxnls format date 1 today ' 2026-11-1' 2026-02-29 20261121 6589336 -138062
 > vxnls format time 2026-11-21 10:00Z
-> vxnls format datetime 10:00Z 569318630400 99999999999999999999999999 @-99999999999999999999 1582-01-01T00:30+01 @x
+> vxnls format datetime 10:00Z 99999999999999999999999999 1582-01-01T00:30+01 @x
 ! vxnls: "today": a date is 2026-11-21, a day number or now
 ! vxnls: " 2026-11-1": at byte 9: a day of two digits is expected, not "1"
 ! vxnls: "2026-02-29": 2026-02 has 28 days
 ! vxnls: "20261121": too large for a day number; the date is written 2026-11-21
 ! vxnls: "6589336": a day number is -138061 (1582-01-01) to 6589335 (20000-12-31)
 ! vxnls: "-138062": a day number is -138061 (1582-01-01) to 6589335 (20000-12-31)
-! vxnls: "1.5": a day number is an integer
 ! vxnls: "2026-11-21": a date without a time; write 2026-11-21T14:05
 ! vxnls: "10:00Z": an offset without a date; write 2026-11-21T10:00Z
 ! vxnls: "10:00Z": a time without a date; write 2026-11-21T10:00Z
-! vxnls: "569318630400": outside of 1582-01-01 to 20000-12-31
 ! vxnls: "99999999999999999999999999": outside of 1582-01-01 to 20000-12-31
-! vxnls: "@-99999999999999999999": outside of 1582-01-01 to 20000-12-31
 ! vxnls: "1582-01-01T00:30+01": outside of 1582-01-01 to 20000-12-31
 ! vxnls: "@x": digits are expected behind "@": seconds since 1970-01-01 00:00 UTC
 = 1 1 1
@@ -141,7 +136,7 @@ $ for settings in A=0 LANG=de_DE.UTF-8 'LC_TIME=fr_CA LANG=de_DE' 'LC_ALL=ja_JP 
 > done
 > VXNLS_LOCALE=de_DE vxnls format date 0 -l ja-JP; LANG=xyzzy_YY TZ=xyzzy vxnls locale list de_DE
 > vxnls format date 0 -l de_US; vxnls -q format date 0 -l de_US; LANG=xyzzy_YY vxnls format date 0
-> vxnls format date 0 -l ''; vxnls zone UTC 0 -l qq_DE; LC_NUMERIC=xyzzy vxnls format percent 1
+> vxnls format date 0 -l ''; LC_NUMERIC=xyzzy vxnls format percent 1
 01/01/1960 1.5 locale en_US (LANG)
 01.01.1960 1,5 locale de_DE (LANG)
 1960-01-01 1,5 locale fr_CA (LC_TIME)
@@ -156,22 +151,21 @@ de_DE
 ! vxnls: note: there is no locale "de_US"; de stands in for it
 ! vxnls: LANG: there is no locale "xyzzy_YY"; "vxnls locale list" lists them
 ! vxnls: there is no locale ""; "vxnls locale list" lists them
-! vxnls: there is no locale "qq_DE"; "vxnls locale list" lists them
 ! vxnls: LC_NUMERIC: there is no locale "xyzzy"; "vxnls locale list" lists them
-= 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 2 2 2 2
+= 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 2 2 2
 $ zone() { echo $(vxnls $* zone | head -n 1); }
 > (zone; export TZ=:Asia/Tokyo; zone; export VXNLS_ZONE=europe/berlin; zone; zone -z Asia/Calcutta) | paste -sd,
 > vxnls format date 0 -z Berlin; VXNLS_ZONE=Nowhere vxnls format date 0; TZ=Asia/Tokio vxnls format date 0
 > # Names are looked up and never opened, and what a file says never reaches the terminal as it stands.
-> vxnls zone ../../etc/passwd; vxnls format date -z /usr/share/zoneinfo/UTC 0; TZ=Europe/../UTC vxnls format date 0
+> vxnls format date -z /usr/share/zoneinfo/UTC 0; TZ=Europe/../UTC vxnls format date 0
 > vxnls locale show ../de; vxnls recognise "$(printf 'no\033[2Jthing')"
 > a=$(printf %010000d 0); (vxnls format date -l $a 0; vxnls zone $a) 2>&1 | sed 's/0\{60\}/.../'
-> vxnls zone Europe/Berlin 2026-03-29T02:30 | grep note; vxnls zone Asia/Tokyo 2026-07-01Z; vxnls zone list tokio
+> vxnls zone Europe/Berlin 2026-03-29T02:30 | grep note; vxnls zone list tokio
 > vxnls zone list > list; sort -c list; [ $(wc -l < list) -gt 500 ] && echo many
-> vxnls locale list qqq; vxnls locale show de-AT | head -n 1; vxnls locale check de_DE xyzzy
+> vxnls locale list qqq; vxnls locale show de-AT | head -n 1
 > vxnls locale show pl_PL --json | grep -E 'ownName|weekPattern1|isoCode|firstWeekDay' | tr -d '\n '; echo
 > vxnls locale check > checked; sed -n 's/^[0-9][0-9][0-9]* \(.*\), [0-9]* have/\1/p' checked; grep BROKEN checked
-> vxnls calendar 2000-02-29 1582-01-01 1582-01-10 20000-12-31
+> vxnls calendar 1582-01-01 1582-01-10 20000-12-31
 > printf '2000060\n2001366\n' | vxnls calendar --from julian 2>&1 | cut -c 1-80
 > vxnls calendar --from day 2000-02-29; vxnls calendar --from date 14669
 > vxnls --version | grep -Eo '^vxnls 6.1.0 .libvxnlsloc V0601R0D|; (ICU|CLDR|Unicode|tz) ' | tr -d '\n'
@@ -183,7 +177,6 @@ many
 de_AT  German (Austria)
 "ownName":"polski(Polska)","weekPattern1":"W%V%Y","isoCode":"PLN","firstWeekDay":"Monday",
 locales checked: 0 break a rule entries that fell back
-2000-02-29	14669	2000060	60	3	Tuesday
 1582-01-01	-138061	1582001	1	-1	Friday
 1582-01-10	-138052	1582010	10	1	Sunday
 20000-12-31	6589335	20000365	365	3	Tuesday
@@ -194,18 +187,15 @@ vxnls 6.1.0 (libvxnlsloc V0601R0D; ICU ; CLDR ; Unicode ; tz <end>
 ! vxnls: there is no time zone "Berlin"; did you mean Europe/Berlin?
 ! vxnls: VXNLS_ZONE: there is no time zone "Nowhere"; "vxnls zone list" lists them
 ! vxnls: TZ: there is no time zone "Asia/Tokio"; did you mean Asia/Tokyo?
-! vxnls: there is no time zone "../../etc/passwd"; "vxnls zone list" lists them
 ! vxnls: there is no time zone "/usr/share/zoneinfo/UTC"; "vxnls zone list" lists them
 ! vxnls: TZ: there is no time zone "Europe/../UTC"; "vxnls zone list" lists them
 ! vxnls: there is no locale "../de"; "vxnls locale list" lists them
 ! vxnls: no\u{001B}[2Jthing: No such file or directory
-! vxnls: "2026-07-01Z": at byte 10: "T" and a time, or the end is expected, not "Z"
 ! vxnls: no time zone has "tokio" in its name
 ! vxnls: no locale has "qqq" in its name; with --details the names of languages and regions are searched, too
-! vxnls: there is no locale "xyzzy"; "vxnls locale list" lists them
 ! vxnls: "2000-02-29": a day number is an integer
 ! vxnls: "14669": a date is written 2000-02-29
-= 0 0 0 0 2 2 2 2 2 2 2 3 2 2 0 1 2 0 2 0 2 0 0 0 1 1 1 0
+= 0 0 0 0 2 2 2 2 2 2 3 2 2 0 2 0 2 0 0 0 0 1 1 1 0
 )~");
 }
 
@@ -215,11 +205,10 @@ $ (vxnls parse date '3月 2022' --as month -l ja_JP; vxnls parse date 'Week1 202
 >  vxnls parse date 'Dec 31, 2021' --style medium --to-locale ja_JP
 >  vxnls parse time 10:30:15.250 --pattern '%H:%M:%S.%s'
 >  vxnls parse datetime '2021-03-28 03:30:00 +0000' -z Europe/Berlin --pattern '%Y-%m-%d %H:%M:%S %z') | paste -sd,
-> vxnls parse date 2021-13-05 2021-02-31 --lenient; vxnls parse date 5/ --pattern %d/%m/%Y
+> vxnls parse date 2021-02-31 --lenient; vxnls parse date 5/ --pattern %d/%m/%Y
 > vxnls parse date '31.12.2021 x' 31.12. -l de_DE; vxnls parse time '13:00 pm' -l en_US --lenient
 > vxnls parse date 1 --pattern %Q; vxnls parse date 1 --pattern %d --as month
 2022-03-01,2021-01-03,2021/12/31,10:30:15.250,2021-03-28T05:30:00
-! vxnls: "2021-13-05": at byte 5: "13" is not a month (1 to 12), reading %m
 ! vxnls: "2021-02-31": there is no day 2021-02-31
 ! vxnls: "5/": at byte 0: "5" stands where %d wants 2 positions; %#d takes one
 ! vxnls: "31.12.2021 x": at byte 10: " x" follows what was read; --rest allows it
@@ -236,38 +225,35 @@ e,"others":[{"pattern":"%m/%d/%Y","source":"a common form of dates","lenient":tr
 :2021,"month":3,"day":4},"text":"2021-03-04"}],"locale":"en_GB","zone":"Etc/UTC"}
 "ambiguous":false,"others":[]
 $ vxnls format number 0.1 .A . inf -- -inf | paste -sd,
-> (vxnls format number 3.14159 --decimals 2 --width 10 --zero-pad --plus
->  vxnls format number 1.5 --flags 0x1000 --width 8 --decimals 3; vxnls format number 0.00012345 --best --width 12
+> (vxnls format number 3.14159 --decimals 2 --width 10 --zero-pad --plus; vxnls format number 0.00012345 --best --width 12
+>  vxnls format number 1.5 --flags 0x1000 --width 8 --decimals 3
 >  vxnls format number 12345.678 --exponent --decimals 3) | paste -sd,
 > (vxnls format integer 18446744073709551615 --group; vxnls format integer -- -9223372036854775808
 >  vxnls parse number .A ._; vxnls parse integer 0xFF --hex
 >  vxnls parse integer 18446744073709551615 --type uint64) | paste -sd,
-> vxnls parse number 1.2,3 12abc 1e999; vxnls parse integer 2147483648 --type int32; vxnls parse integer 1.5 -l en_US
-> vxnls format number abc; for w in '' '--width x' '--width 513'; do vxnls format number 1 --fixed $w; done
+> vxnls parse number 12abc; vxnls parse integer 2147483648 --type int32; vxnls parse integer 1.5 -l en_US
+> vxnls format number abc; for w in '' '--width 513'; do vxnls format number 1 --fixed $w; done
 0.1,A,.,Inf,-Inf
-+000003.14,   1.500,  0.00012345,1.235E+04
++000003.14,  0.00012345,   1.500,1.235E+04
 18,446,744,073,709,551,615,-9223372036854775808,.A,._,255,18446744073709551615
-! vxnls: "1.2,3": at byte 3: a group separator after the decimal point
 ! vxnls: "12abc": at byte 2: "a" follows the number
-! vxnls: "1e999": at byte 0: "1e999" is too large
 ! vxnls: "2147483648": at byte 0: "2147483648" is too large
 ! vxnls: "1.5": at byte 1: a decimal point in a whole number; --fraction drops what follows it
 ! vxnls: "abc": not a number as 1234567.891, 1e6, inf, or a missing value as . or .A
 ! vxnls: a fixed field wants --width, 1 to 32
-! vxnls: --width "x": a number from 0 to 512 is wanted
 ! vxnls: --width "513": a number from 0 to 512 is wanted
-= 0 0 0 0 0 0 0 0 0 0 1 1 1 1 2 2 2
+= 0 0 0 0 0 0 0 0 0 0 1 1 1 1 2 2
 )~");
 }
 
 TEST(Commands, Texts) {
   expect(R"~(
-$ bytes() { od -An -tx1; }; vxnls transcode --to UTF_7; printf a | vxnls transcode --bom write --to UTF-16LE | bytes
+$ bytes() { od -An -tx1; }; printf a | vxnls transcode --bom write --to UTF-16LE | bytes
 > printf '\357\273\277a' > bom; vxnls transcode --bom drop bom | bytes; vxnls transcode bom | bytes
-> printf 'abc\377x' | vxnls transcode; printf 'a\377\303' | vxnls transcode --on-error replace
+> printf 'a\377\303' | vxnls transcode --on-error replace
 > printf 'a\377z' | vxnls transcode --on-error skip -q; vxnls transcode /no/file; vxnls transcode /dev/null > /dev/full
 > vxnls compare abc 'abc  ' --mode code-points; vxnls compare é é --mode normalised
-> vxnls compare grün grüz | tail -n 1; vxnls compare a; vxnls chars ß | cut -c 1-40 | tail -n 1
+> vxnls compare grün grüz | tail -n 1; vxnls compare a
 > printf 'straße\n\377\n' | vxnls case upper
 > yes 'Grüße 😀 日' | head -n 100000 > text; from=utf-8
 > for to in utf-16le modified-utf-8 utf-32be utf-16be utf-32le utf-8; do
@@ -275,22 +261,19 @@ $ bytes() { od -An -tx1; }; vxnls transcode --to UTF_7; printf a | vxnls transco
 > done; sort -u text; wc -l < text
  61
  ef bb bf 61
-abca��az-1
+a��az-1
 0
 they part at character 4 (byte 4): U+006E "n" and U+007A "z"
-U+00DF      ß  LATIN SMALL LETTER SHARP
 STRAßE
 
 Grüße 😀 日
 100000
-! vxnls: --to "UTF_7": it is utf-8, modified-utf-8, utf-16le, utf-16be, utf-32le or utf-32be
 ! vxnls: --to "UTF-16LE": it is utf-8, modified-utf-8, utf-16le, utf-16be, utf-32le or utf-32be
-! vxnls: standard input: at byte 3: FF is no utf-8
 ! vxnls: note: standard input: 2 places that are no utf-8, the first at byte 1: replaced by U+FFFD
 ! vxnls: /no/file: No such file or directory
 ! vxnls: "vxnls compare" wants B: UTF-8
 ! vxnls: line 2: "\xFF": it is not UTF-8
-= 2 2 0 0 1 1 1 3 0 0 0 0 2 0 1 0 0 0 0 0 0
+= 2 0 0 1 1 3 0 0 0 0 2 1 0 0 0 0 0 0
 )~");
 }
 
@@ -306,7 +289,6 @@ $ vxnls normalise -c when:date,amount:number -q < orders
 > vxnls normalise -c when:date,amount:number --invalid fail -q -j 2 changed | tail -n 1
 > printf '{"n":"1.234,5", "w" :"25\\/12\\/21"}\n[1]\n{"n":1.500,"w":null}\n' > n
 > vxnls normalise -q --format jsonl -c n:number,w:date n
-> vxnls normalise -q --format jsonl -c n:number --to-locale de_DE n
 > printf 'a\tb\nx\\ty\t25/12/21\n' | vxnls normalise --format tsv-escaped -c b:date -q
 > printf 'd\n2020-01-02\n2020-01-0\0003\n' | vxnls normalise -q --format csv -c 1:date | tr '\0' @
 id,when,amount\r
@@ -327,18 +309,15 @@ id,when,amount\r
 {"n":"1234.5", "w" :"2021-12-25"}
 [1]
 {"n":1.500,"w":null}
-{"n":"1.234,5", "w" :"25\/12\/21"}
-[1]
-{"n":"1,500","w":null}
 a	b
 x\ty	2021-12-25
 d
 2020-01-02
 2020-01-0@3
 ! vxnls: changed: line 5, byte 93: amount: "x": "x" stands where a digit is wanted
-= 1 1 1 1 1 1 1 1 0 1
+= 1 1 1 1 1 1 1 0 1
 $ vxnls normalise -c when:date,amount:number --rejects rejects -q < orders > out; fold -w 118 rejects
-> for limit in --max-unread=2 --max-unread=1 --max-unread=29% --max-unread=28% --ok-unread; do
+> for limit in --max-unread=2 --max-unread=1 --max-unread=29% --max-unread=28%; do
 >   vxnls normalise -c when:date,amount:number -q $limit orders > out
 > done
 > # A decision is held: what comes later and contradicts stays as it is.
@@ -348,7 +327,6 @@ $ vxnls normalise -c when:date,amount:number --rejects rejects -q < orders > out
 > tail -n 2 f | vxnls normalise --format lines --profile p --rejects q -q | paste -sd,
 > (echo 12/25/21; head -n 2 f; echo 03/04/21) | vxnls normalise --format lines -c 1:date --rejects r -q > out
 > grep -ho '"value[^,]*,"outcome[^,]*' q r
-> tail -n 1 f | vxnls normalise --format lines 2>&1 | fold -sw 100
 > (tail -n 1 f; head -n 1 f) > g; vxnls normalise --format lines --sample all -q g | paste -sd,
 > for o in --day-first --month-first -len_GB; do echo 03/04/21 | vxnls normalise --format lines $o -q; done | paste -sd,
 > for o in comma point; do echo 1,234 | vxnls normalise --format lines -c 1:number --decimal $o -q; done | paste -sd,
@@ -361,24 +339,18 @@ nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 
 12/25/21,2021-04-03
 "value":"12/25/21","outcome":"contradicts"
 "value":"03/04/21","outcome":"ambiguous"
-03/04/21
-vxnls: note: 1: date, locale en_US (LANG); 0 read, 1 ambiguous; the first on line 1, byte 0: 
-"03/04/21": it reads differently with the day and with the month first, and nothing in the column 
-decides; --day-first or --month-first does
 2021-04-03,2021-12-25
 2021-04-03,2021-03-04,2021-04-03
 1.234,1234
-= 1 0 1 0 1 0 1 0 1 1 1 0 0 0 0 0 0
-$ vxnls normalise orders; vxnls normalise -c wen orders; vxnls normalise -c when --day-first --month-first orders
+= 1 0 1 0 1 1 0 1 1 0 0 0 0 0 0
+$ vxnls normalise orders; vxnls normalise -c wen orders
 > printf 'note\nhello\nworld\n' | vxnls normalise -c note; printf 'a\n1\n' > f; vxnls normalise -c a f >> f; wc -l < f
-> vxnls normalise -c a /nowhere; vxnls normalise -c id --rejects /nowhere/r orders
-> vxnls recognise --html /dev/full orders; vxnls recognise -l autto orders
+> vxnls normalise -c id --rejects /nowhere/r orders; vxnls recognise --html /dev/full orders
 > printf 'when,2,amount,amount,\n1,2,3,4,5\n' > f; names() { vxnls recognise --json $* | grep '"column"'; }
 > (names -c 4,when,2 f; names --no-header -c 7,1 f; names --format lines -c 1 f
 > names --format jsonl -c any,1 f) | tr -d '\n '; echo
 > for c in amount when,1 6 0; do vxnls recognise -c $c f; done; vxnls recognise --no-header -c when f
-> for s in '' ';;' '"' a; do vxnls recognise --separator "$s" f; done 2>&1 | cut -c 1-40; vxnls recognise --format cvs f
-> cp f A.Tsv; cp f a.csv.ndjson; vxnls recognise A.Tsv | head -n 1; vxnls recognise a.csv.ndjson | head -n 1
+> vxnls recognise --separator ';;' f; cp f A.Tsv; vxnls recognise A.Tsv | head -n 1
 > printf '\377\376,' | vxnls recognise --format csv
 > # A record may have any length.
 > (printf 'when,n\n1.2.2022,"'; yes 'x""' | head -n 700000; printf '"\n3.4.2022,5') > f
@@ -388,12 +360,7 @@ $ vxnls normalise orders; vxnls normalise -c wen orders; vxnls normalise -c when
 > stat -c '%N %a' old link; wc -l < old; vxnls normalise -q -c when:date --rejects new out > out2; stat -c %a new
 2
 "column":"amount","column":"when","column":"2","column":"7","column":"1","column":"1","column":"any","column":"1",
-vxnls: no separator "": one byte of ASCI
-vxnls: no separator ";;": one byte of AS
-vxnls: no separator """: one byte of ASC
-vxnls: no separator "a": one byte of ASC
 A.Tsv: tsv, 1 record
-a.csv.ndjson: jsonl, 2 records
 2022-04-03,5
  700002 2800033
 'old' 640
@@ -402,21 +369,18 @@ a.csv.ndjson: jsonl, 2 records
 600
 ! vxnls: say which columns with -c, as -c when:date,amount:number, or with --profile
 ! vxnls: no column "wen"; did you mean when?
-! vxnls: --day-first and --month-first exclude each other
 ! vxnls: column "note": most of its values are neither dates nor numbers; say what it should be, as -c note:date
 ! vxnls: f is both the input and the output
-! vxnls: /nowhere: No such file or directory
 ! vxnls: /nowhere/r: No such file or directory
 ! vxnls: cannot write /dev/full: No space left on device
-! vxnls: there is no locale "autto"; "vxnls locale list" lists them
 ! vxnls: 2 columns are named "amount": give its number
 ! vxnls: column "1" is given twice
 ! vxnls: no column "6"
 ! vxnls: no column "0"
 ! vxnls: no column "when"; without a header line columns have numbers, from 1
-! vxnls: --format "cvs": it is csv, tsv, tsv-escaped, jsonl or lines
+! vxnls: no separator ";;": one byte of ASCII, or \t; no quote, line end, letter or digit
 ! vxnls: standard input is in UTF-16: convert it to UTF-8 first
-= 2 2 2 2 3 3 3 3 2 0 1 0 1 2 2 2 2 2 2 2 2 2 2 0 1 2 0 1 1
+= 2 2 2 3 3 3 0 1 0 1 2 2 2 2 2 2 0 2 0 1 1
 $ echo old > f; mkfifo pipe; $VXNLS normalise -q -c a:date --sample 1 --rejects f < pipe > out & exec 3> pipe
 > printf 'a\nx\ny\n' >&3; until [ $(ls | wc -l) = 5 ]; do sleep 0.02; done
 > kill -TERM $!; wait $! 2> /dev/null; echo $?; echo *; cat f
@@ -441,6 +405,81 @@ n\u{0000}a\u{001B}[31m\n  integer, locale en_US (LANG)
 unread
   line 4  byte 14  "1\u{0000}"  "\u{0000}" follows the number
 = 1
+)~");
+}
+
+TEST(Commands, WrongWords) {
+  expect(R"~(
+$ for w in '' format fromat datetime 'xyz date' 'format date --patern x' 'format date -x' '--from day calendar 1' \
+>   'format date --pattern' 'calendar --json=maybe' 'calendar 1 -z' 'calendar --from dya' 'locale show C de' \
+>   'parse number --chunk-header 1' 'parse number --unread x --json'; do vxnls $w; done 2>&1 | cut -c 1-118
+vxnls: "vxnls" wants a command: format, parse, recognise, normalise, locale, calendar, zone, transcode, case, compare,
+vxnls: "vxnls format" wants a command: date, time, datetime, number, percent, currency or integer
+vxnls: "vxnls" has no command "fromat"; did you mean format?
+vxnls: "vxnls" has no command "datetime"; did you mean "vxnls format datetime" or "vxnls parse datetime"?
+vxnls: "vxnls" has no command "xyz"
+vxnls: "vxnls format date" has no option "--patern"; did you mean --pattern?
+vxnls: "vxnls format date" has no option "-x"; "vxnls format date --help" lists its options
+vxnls: option --from belongs to "vxnls calendar" or "vxnls transcode" and stands behind the command
+vxnls: option --pattern wants a value: --pattern PATTERN
+vxnls: option --json takes no value
+vxnls: option --zone wants a value: --zone NAME
+vxnls: --from "dya": it is date, day or julian
+vxnls: "vxnls locale show" takes no "de" behind LOCALE
+vxnls: --chunk-header goes with standard input, not with values
+vxnls: --json and --unread exclude each other
+= 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2
+)~");
+}
+
+/// What engines that run the command as a filter count on: one line out for each line in, nothing kept from line to
+/// line, output flushed when the input pauses, and an exit code that tells the truth.
+TEST(Commands, Filters) {
+  expect(R"~(
+$ printf '31.12.2021\n3. März 2021\n\nheute\n31.02.2021\r\n1.1.70 \n' > lines
+> filter() { $VXNLS parse date -l de_DE --lenient --unread '\N' $*; }
+> filter < lines 2> /dev/null; echo $?; filter --ok-unread < lines > whole 2> /dev/null; echo $?; filter < /dev/null
+> while IFS= read -r line; do echo "$line" | filter 2> /dev/null; done < lines | cmp - whole
+> for b in '0\n0\n' '1\n2\n1\n3' '2\n5\n' '1\n5\nx\n' '1 \n5\n' '-1\n5\n' '99999999999999999999\n'; do
+>   printf -- "$b" | vxnls parse number --chunk-header; echo .; done 2>&1 |
+>   sed 's/.*input: line //; s/the.*wanted, //' | paste -sd ' '
+2021-12-31
+2021-03-03
+\N
+\N
+\N
+1970-01-01
+1
+0
+. 2 3 . 5 vxnls: standard input ends 1 values before its last block does . 5 3: not "x" . 1: not "1 " . 1: not "-1" . 1: not "99999999999999999999" .
+= 0 0 3 3 3 3 3
+$ # The lines of a block are wanted before the next one is sent.
+> mkfifo in out; seq 20000 | sed 's/$/,5/; s/^3/x3/' > all; sed 's/,/./; s/^x.*/\\N/' all > read
+> for header in --chunk-header --quiet; do
+>   $VXNLS parse number -l de_DE --unread '\N' --ok-unread $header < in > out 2> /dev/null & exec 3> in 4< out
+>   first=1; for size in 1 0 3 5000 1 2 0 500; do
+>     [ $header = --quiet ] || echo $size >&3
+>     tail -n +$first all | head -n $size >&3; head -n $size <&4 >> got; first=$((first + size))
+>   done
+>   exec 3>&-; cat <&4; wait $!; echo $?
+> done
+> head -n 5507 read > half; cat half half | cmp - got
+0
+0
+$ # And so are records, by the decisions of a profile: 3/4/2021 alone could be either day.
+> mkfifo in out; printf '1,3/4/21\n2,13/4/21\n' | vxnls recognise --format csv --no-header --emit-profile p > report
+> for threads in 1 2 4; do
+>   $VXNLS normalise --format csv --no-header --profile p -q --ok-unread -j $threads < in > out & exec 3> in 4< out
+>   for i in 1 2 3 4 5 6 7 8 9; do
+>     printf 7,3/ >&3; printf '4/21\r\n' >&3; head -n 1 <&4; printf '1,"Feber\n21"\n' >&3; head -n 2 <&4
+>   done | paste -d ' ' - - - | uniq -c; exec 3>&-; cat <&4; wait $!; echo $?
+> done
+      9 7,2021-04-03\r 1,"Feber 21"
+0
+      9 7,2021-04-03\r 1,"Feber 21"
+0
+      9 7,2021-04-03\r 1,"Feber 21"
+0
 )~");
 }
 

@@ -53,35 +53,6 @@ TEST(Arguments, OptionsBeforeAndBehindTheCommand) {
   EXPECT_TRUE(Arguments({"calendar", "--from", "nothing", "--help"}).has(options::help));  // which wants nothing else
 }
 
-TEST(Arguments, Refusals) {
-  static const std::pair<Words, const char*> cases[] = {
-      {{}, R"("vxnls" wants a command: )"},
-      {{"format"}, R"("vxnls format" wants a command: )"},
-      {{"fromat"}, R"("vxnls" has no command "fromat"; did you mean format?)"},
-      {{"datetime"},
-       R"("vxnls" has no command "datetime"; did you mean "vxnls format datetime" or "vxnls parse datetime"?)"},
-      {{"xyz", "date"}, R"("vxnls" has no command "xyz")"},
-      {{"format", "date", "--patern", "x"}, R"("vxnls format date" has no option "--patern"; did you mean --pattern?)"},
-      {{"format", "date", "-x"}, R"("vxnls format date" has no option "-x"; "vxnls format date --help" lists)"},
-      {{"--from", "day", "calendar", "1"}, R"(option --from belongs to "vxnls calendar")"},
-      {{"format", "date", "--pattern"}, "option --pattern wants a value: --pattern PATTERN"},
-      {{"calendar", "--json=maybe"}, "option --json takes no value"},
-      {{"calendar", "1", "-z"}, "option --zone wants a value: --zone NAME"},
-      {{"calendar", "--from", "dya"}, R"(--from "dya": it is date, day or julian)"},
-      {{"locale", "show", "C", "de"}, R"("vxnls locale show" takes no "de" behind LOCALE)"},
-  };
-  for (const auto& [words, message] : cases) {
-    SCOPED_TRACE(testing::PrintToString(words));
-    try {
-      const Arguments arguments(words);
-      ADD_FAILURE() << "accepted";
-    } catch (const Failure& failure) {
-      EXPECT_EQ(failure.code(), ExitCode::usage);
-      EXPECT_TRUE(std::string_view(failure.what()).starts_with(message)) << failure.what();
-    }
-  }
-}
-
 TEST(Suggest, NearestOnly) {
   EXPECT_EQ(edit_distance("de_DE", "de-de"), 0U);
   EXPECT_EQ(edit_distance("abcd", "badc"), 2U);
