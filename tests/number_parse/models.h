@@ -1,52 +1,24 @@
-// Second readers of numbers, slow and plain, to hold the library's against: in characters, run by run. The arithmetic
-// of doubles is MPFR's.
+// Second readers of numbers, slow and plain, to hold the library's against: in characters, run by run.
 #ifndef VXNLS_TESTS_NUMBER_PARSE_MODELS_H
 #define VXNLS_TESTS_NUMBER_PARSE_MODELS_H
-
-#include <mpfr.h>
 
 #include <algorithm>
 #include <bit>
 #include <cfloat>
+#include <cstdlib>
 #include <limits>
 #include <ostream>
 #include <string>
-#include <vector>
 
+#include "number_parse/soft_extended.h"
 #include "vxnls/vxnls.h"
 
 namespace vxtest {
 
-/// A positive number of 64 bits. Every operation rounds to nearest, ties to even.
-class Real {
- public:
-  Real() { mpfr_init2(value_, 64); }
-  explicit Real(std::floating_point auto value) : Real() { mpfr_set_ld(value_, value, MPFR_RNDN); }
-  Real(uint64_t whole, int32_t exponent) : Real() { mpfr_set_ui_2exp(value_, whole, exponent, MPFR_RNDN); }
-  Real(const Real& other) : Real() { mpfr_set(value_, other.value_, MPFR_RNDN); }
-  Real& operator=(const Real& other) { return mpfr_set(value_, other.value_, MPFR_RNDN), *this; }
-  ~Real() { mpfr_clear(value_); }
+/// A positive number of 64 bits, in integers. Every operation rounds to nearest, ties to even.
+using Real = vxnls::SoftExtended;
 
-  friend Real operator*(Real a, const Real& b) { return mpfr_mul(a.value_, a.value_, b.value_, MPFR_RNDN), a; }
-  friend Real operator/(Real a, const Real& b) { return mpfr_div(a.value_, a.value_, b.value_, MPFR_RNDN), a; }
-  friend Real operator+(Real a, const Real& b) { return mpfr_add(a.value_, a.value_, b.value_, MPFR_RNDN), a; }
-  friend bool operator>(const Real& a, const Real& b) { return mpfr_greater_p(a.value_, b.value_) != 0; }
-  friend bool operator==(const Real& a, const Real& b) { return mpfr_equal_p(a.value_, b.value_) != 0; }
-  explicit operator double() const { return mpfr_get_d(value_, MPFR_RNDN); }
-
-  /// 10^n, rounded once.
-  static const Real& power_of_ten(int64_t n) {
-    static const std::vector<Real> powers = [] {
-      std::vector<Real> all(309);
-      for (unsigned long i = 0; i < 309; ++i) mpfr_ui_pow_ui(all[i].value_, 10, i, MPFR_RNDN);
-      return all;
-    }();
-    return powers[static_cast<size_t>(n)];
-  }
-
- private:
-  mpfr_t value_;
-};
+inline const Real& power_of_ten(int64_t n) { return vxnls::soft_powers_of_ten.entry[n]; }
 
 struct Signs {
   char32_t point, separator;
@@ -74,35 +46,30 @@ struct Decimal {
 };
 
 inline VXStatus value_of(Decimal& decimal, double& value) {
-  const auto count = static_cast<int64_t>(decimal.digits.size());
-  int64_t exponent = decimal.exponent;
+  const auto count = static_cast<int64_t>(decimal.digits.size()), used = std::min<int64_t>(count, 30);
+  const int64_t exponent = decimal.exponent + count - used;
   if (count == 0) {
     value = decimal.is_negative && -22 <= exponent && exponent <= 22 ? -0.0 : 0.0;
     return 0;
   }
-  Real mantissa(decimal.part(0), 0);
-  const int64_t used = std::min<int64_t>(count, 30);
-  if (count > 15) mantissa = mantissa * Real::power_of_ten(used - 15) + Real(decimal.part(15), 0);
-  exponent += count - used;
+  Real result(decimal.part(0));
+  if (count > 15) result = result * power_of_ten(used - 15) + Real(decimal.part(15));
   if (exponent < -616) return VX_E_UNDERFLOW;
   if (exponent > 308) return VX_E_OVERFLOW;
-  if (exponent > 292 && mantissa > Real(DBL_MAX) / Real::power_of_ten(exponent)) return VX_E_OVERFLOW;
-  Real result = mantissa;
-  if (exponent < -308) result = result / Real::power_of_ten(308);
-  if (exponent < 0) result = result / Real::power_of_ten(exponent < -308 ? -exponent - 308 : -exponent);
-  if (exponent >= 0) {
-    const int64_t at_once = std::min(exponent, 307 - used);
-    result = result * Real::power_of_ten(at_once);
-    for (int64_t i = at_once; i < exponent; ++i) {
-      if (result > Real(DBL_MAX / 10)) return VX_E_OVERFLOW;
-      result = result * Real::power_of_ten(1);
-    }
+  if (exponent > 292 && result > Real(DBL_MAX) / power_of_ten(exponent)) return VX_E_OVERFLOW;
+  if (exponent < -308) result = result / power_of_ten(308);
+  if (exponent < 0) result = result / power_of_ten(exponent < -308 ? -exponent - 308 : -exponent);
+  const int64_t at_once = std::min(exponent, 307 - used);
+  if (exponent >= 0) result = result * power_of_ten(at_once);
+  for (int64_t i = at_once; i < exponent; ++i) {
+    if (result > Real(DBL_MAX / 10)) return VX_E_OVERFLOW;
+    result = result * power_of_ten(1);
   }
   const auto magnitude = static_cast<double>(result);
   if (magnitude == 0) return VX_E_UNDERFLOW;
   // All roundings together move the result by far less than 2^-60 of it.
-  decimal.is_near_tie =
-      static_cast<double>(result * Real(1 + 0x1p-60L)) != static_cast<double>(result * Real(1 - 0x1p-60L));
+  const auto moved = [&](uint64_t factor) { return static_cast<double>(result * Real::rounded(factor, -60, false)); };
+  decimal.is_near_tie = moved((uint64_t{1} << 60) + 1) != moved((uint64_t{1} << 60) - 1);
   value = decimal.is_negative ? -magnitude : magnitude;
   return 0;
 }
