@@ -1,9 +1,10 @@
 #include "tests/host/failing_new.h"
 
-#include <unwind.h>
+#include <execinfo.h>
 
 #include <cstdlib>
 #include <new>
+#include <string_view>
 
 namespace {
 
@@ -14,22 +15,11 @@ int64_t spared_ones;
 bool keeps_failing;
 vxtest::Ways* known_ways;
 
-struct Walk {
-  int left;
-  uint64_t hash = 0;
-};
-
-_Unwind_Reason_Code add_frame(_Unwind_Context* context, void* to) {
-  auto& walk = *static_cast<Walk*>(to);
-  walk.hash = (walk.hash ^ _Unwind_GetIP(context)) * 0x9E3779B97F4A7C15;
-  walk.hash ^= walk.hash >> 32;
-  return --walk.left > 0 ? _URC_NO_REASON : _URC_END_OF_STACK;
-}
-
 bool is_new_way() {
-  Walk walk{known_ways->callers()};
-  _Unwind_Backtrace(add_frame, &walk);
-  return known_ways->add(walk.hash);
+  void* callers[32];
+  const int depth = backtrace(callers, known_ways->callers());
+  const std::string_view way(reinterpret_cast<const char*>(callers), static_cast<size_t>(depth) * sizeof *callers);
+  return known_ways->add(std::hash<std::string_view>()(way));
 }
 
 bool fails() {
@@ -40,8 +30,6 @@ bool fails() {
   int64_t none = 0;
   return first_failed.compare_exchange_strong(none, number) || keeps_failing;
 }
-
-void* allocate(size_t bytes) { return fails() ? nullptr : std::malloc(bytes != 0 ? bytes : 1); }
 
 }  // namespace
 
@@ -71,11 +59,13 @@ int64_t stop_failing_new() {
 
 }  // namespace vxtest
 
+void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
+  return fails() ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+}
 void* operator new(size_t bytes) {
-  void* const block = allocate(bytes);
+  void* const block = operator new(bytes, std::nothrow);
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
-void* operator new(size_t bytes, const std::nothrow_t&) noexcept { return allocate(bytes); }
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, size_t) noexcept { std::free(block); }

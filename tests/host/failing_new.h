@@ -11,7 +11,7 @@ namespace vxtest {
 /// The ways, by the nearest callers, that led to allocations that failed.
 class Ways {
  public:
-  explicit Ways(int callers) : callers_(callers) {}
+  explicit Ways(int callers) : callers_(callers) {}  // at most 32
   int callers() const { return callers_; }
   /// False when it was there before.
   bool add(uint64_t way);
