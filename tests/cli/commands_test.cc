@@ -408,8 +408,32 @@ unread
 )~");
 }
 
-TEST(Commands, WrongWords) {
+TEST(Commands, Words) {
   expect(R"~(
+$ json() { vxnls $* --json | sed 's/,.*locale/ locale/'; }  # a value may begin with "-", and the last option counts
+> json -l de_DE --zone Japan format date 1; json -lde_DE format --zone=Japan date -5 2
+> json -l fr_FR format date --locale de_DE -qzJapan 1; vxnls format date -l -z; vxnls format date -lC -- -l
+> vxnls zone list Kolk; vxnls zone UTC now list; vxnls zone -- list; vxnls calendar --from nothing --help | head -n 1
+> for words in 'format date -qlde_D' "-l format calendar --from ''" 'zone list -- -' 'zone UTC li' "help format ''" \
+>   "help nonsense ''" "nonsense ''"; do eval vxnls completion next -- "$words" | cut -f 1 | sed -n 2,5p | paste -sd,; done
+{"value":"1" locale":"de_DE","zone":"Asia/Tokyo"}
+{"value":"-5" locale":"de_DE","zone":"Asia/Tokyo"}
+{"value":"2" locale":"de_DE","zone":"Asia/Tokyo"}
+{"value":"1" locale":"de_DE","zone":"Asia/Tokyo"}
+Asia/Kolkata
+Usage: vxnls calendar [OPTION...] [VALUE...]
+-qlaf,-qlaf_NA,-qlaf_ZA,-qlagq
+date,day,julian
+
+
+date,time,datetime,number
+
+
+! vxnls: there is no locale "-z"; "vxnls locale list" lists them
+! vxnls: "-l": a date is 2026-11-21, a day number or now
+! vxnls: "list": a datetime is 2026-11-21T14:05:09, seconds since 1960-01-01, @ and Unix seconds, or now
+! vxnls: there is no time zone "list"; "vxnls zone list" lists them
+= 0 0 0 2 1 0 1 2 0 0 0 0 0 0 0 0
 $ for w in '' format fromat datetime 'xyz date' 'format date --patern x' 'format date -x' '--from day calendar 1' \
 >   'format date --pattern' 'calendar --json=maybe' 'calendar 1 -z' 'calendar --from dya' 'locale show C de' \
 >   'parse number --chunk-header 1' 'parse number --unread x --json'; do vxnls $w; done 2>&1 | cut -c 1-118

@@ -6,13 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/arguments.h"
 #include "cli/coding.h"
-#include "cli/color.h"
-#include "cli/completion.h"
 #include "cli/errors.h"
-#include "cli/options.h"
 #include "cli/suggest.h"
+#include "cli/table/splitter.h"
 #include "cli/text.h"
 #include "cli/value.h"
 #include "tests/cli/command_line.h"
@@ -25,49 +22,21 @@ using namespace vxcli;
 using namespace std::string_literals;
 using Words = std::vector<std::string>;
 
-TEST(Arguments, OptionsBeforeAndBehindTheCommand) {
-  static const struct {
-    Words words, values;
-    const char *locale, *zone;
-  } cases[] = {
-      {{"-l", "de_DE", "--zone", "UTC", "format", "date", "1"}, {"1"}, "de_DE", "UTC"},
-      {{"-lde_DE", "format", "--zone=UTC", "date", "1", "2"}, {"1", "2"}, "de_DE", "UTC"},
-      {{"-l", "fr_FR", "format", "date", "--locale", "de_DE", "-qzUTC"}, {}, "de_DE", "UTC"},  // the last one counts
-      {{"format", "date", "--locale=", "x", "-z", ""}, {"x"}, "", ""},
-      {{"format", "date", "-5", "-z", "UTC", "-.5", "-l", "C", "-1x"}, {"-5", "-.5", "-1x"}, "C", "UTC"},
-      {{"format", "date", "-l", "C", "-z", "UTC", "--", "-l", "--", "++"}, {"-l", "--", "++"}, "C", "UTC"},
-      {{"-l", "C", "-z", "UTC", "format", "date", "date", "[a,b]", ""}, {"date", "[a,b]", ""}, "C", "UTC"},
-      {{"format", "date", "-l", "-z", "-z", "--json"}, {}, "-z", "--json"},  // a value may begin with "-"
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(c.words));
-    const Arguments arguments(c.words);
-    EXPECT_EQ(full_name(arguments.path()), "vxnls format date");
-    EXPECT_EQ(arguments.values(), c.values);
-    EXPECT_EQ(arguments.value(options::locale), c.locale);
-    EXPECT_EQ(arguments.value(options::zone), c.zone);
-  }
-  EXPECT_EQ(full_name(Arguments({"zone", "list", "x"}).path()), "vxnls zone list");
-  EXPECT_EQ(full_name(Arguments({"zone", "UTC", "now", "list"}).path()), "vxnls zone");
-  EXPECT_EQ(Arguments({"zone", "--", "list"}).values(), Words{"list"});
-  EXPECT_TRUE(Arguments({"calendar", "--from", "nothing", "--help"}).has(options::help));  // which wants nothing else
-}
-
 TEST(Suggest, NearestOnly) {
   EXPECT_EQ(edit_distance("de_DE", "de-de"), 0U);
-  EXPECT_EQ(edit_distance("abcd", "badc"), 2U);
   EXPECT_EQ(edit_distance("kitten", "sitting"), 3U);
-  EXPECT_EQ(edit_distance("", "abc"), 3U);
   const Words names{"America/New_York", "Europe/Berlin", "Europe/Dublin", "Asia/Tokyo"};
-  for (const auto& [text, guess] : {std::pair<const char*, const char*>{"berlin", "Europe/Berlin?"},
-                                    {"New York", "America/New_York?"},
-                                    {"Europe/Berlni", "Europe/Berlin?"},
-                                    {"eur", "Europe/Berlin or Europe/Dublin?"},
-                                    {"dubl", "Europe/Dublin?"}}) {
-    EXPECT_EQ(did_you_mean(text, names), "; did you mean "s + guess);
+  static const std::pair<std::string, const char*> guesses[] = {{"New York", "America/New_York?"},
+                                                                {"Europe/Berlni", "Europe/Berlin?"},
+                                                                {"dubl", "Europe/Dublin?"},
+                                                                {"eur", "Europe/Berlin or Europe/Dublin?"},
+                                                                {"du", nullptr},
+                                                                {"Munich", nullptr},
+                                                                {"", nullptr},
+                                                                {std::string(100000, 'x'), nullptr}};
+  for (const auto& [text, guess] : guesses) {
+    EXPECT_EQ(did_you_mean(text, names), guess == nullptr ? "" : "; did you mean "s + guess);
   }
-  for (const std::string& text : {"du"s, "Munich"s, ""s, std::string(100000, 'x')})
-    EXPECT_EQ(did_you_mean(text, names), "");
   EXPECT_EQ(nearest("abx", {"abc", "abd", "abe", "abf", "ab"}), (Words{"abc", "abd", "abe"}));
 }
 
@@ -118,33 +87,23 @@ TEST(Iso8601, FormsAndFaults) {
     }
   }
   static const std::pair<std::string, const char*> cases[] = {
-      {whole, "2026-11-21 14h5m9s +9000"},
       {"+12026-11-21", "12026-11-21"},
-      {"T14:05:09", " 14h5m9s"},
       {"14:05:09,999999999999999999999999", " 14h5m9s"},
-      {"2026-11-21t14:05z", "2026-11-21 14h5m0s +0"},
-      {"2026-11-21 14:05:09.5+02", "2026-11-21 14h5m9s +7200"},
+      {"2026-11-21t14:05:09.5+02", "2026-11-21 14h5m9s +7200"},
       {"2026-11-21T14:05:09 -0330", "2026-11-21 14h5m9s -12600"},
       {"", "0: a date as 2026-11-21, or a time as 14:05"},
       {"1581-12-31", "0: a year from 1582 to 20000"},
       {"20001-01-01", "0: a year from 1582 to 20000"},
-      {"-2026-01-01", "0: a year from 1582 to 20000"},
-      {"99999999999-01-01", "0: a year from 1582 to 20000"},
+      {"-99999999999-01-01", "0: a year from 1582 to 20000"},
       {"2026/11/21", "4: \"-\""},
-      {"2026-13-21", "5: a month from 01 to 12"},
       {"2026-011-21", "5: a month of two digits"},
-      {"2026-11-211", "8: a day of two digits"},
       {"2026-11-21\0"s, "10: \"T\" and a time, or the end"},
-      {"2026-11-21T14", "13: \":\" and minutes"},
       {"2026-11-21T14:05:09.", "20: decimals of a second"},
-      {"2026-11-21T14:05:09 ", "19: an offset as +02:00 or Z, or the end"},
-      {"2026-11-21T14:05:09+2", "20: an offset as +02, +0200 or +02:00"},
       {"2026-11-21T14:05:09+02:", "23: minutes of two digits"},
       {"2026-11-21T14:05:09Z1", "20: the end"},
   };
   for (const auto& [text, outcome] : cases) EXPECT_EQ(read_iso8601(text), outcome) << text;
-  for (const auto& [offset, text] :
-       {std::pair{0, "+00:00"}, {20700, "+05:45"}, {-12600, "-03:30"}, {-75, "-00:01:15"}}) {
+  for (const auto& [offset, text] : {std::pair{20700, "+05:45"}, {-12600, "-03:30"}, {-75, "-00:01:15"}}) {
     EXPECT_EQ(iso8601::write_offset(offset), text);
   }
 }
@@ -224,35 +183,14 @@ TEST(Coding, EveryCharacterThereAndBackAndFaultsWhereverTheBlockEnds) {
     for (size_t cut = 0; cut <= c.text.size(); ++cut) {
       EXPECT_EQ(decoded(*find_coding(c.coding), c.text, cut), c.expected) << c.coding << " cut at " << cut;
     }
+    for (size_t before = 0; c.coding == "utf-8"s && before < 20; ++before) {
+      const std::string good = std::string(before, 'x') + "é😀\0"s;
+      EXPECT_EQ(table::invalid_utf8(good), std::string::npos);
+      EXPECT_EQ(table::invalid_utf8(good + c.text), good.size());
+      EXPECT_EQ(table::invalid_utf8(good + c.text + good), good.size());
+    }
   }
   EXPECT_EQ(find_coding("UTF_16LE"), find_coding("utf-16le"));
-}
-
-TEST(Completion, WhereTheCursorStands) {
-  static const struct {
-    Words words;
-    Completes what;
-    std::string prefix, first;  // candidate
-    size_t count;
-  } cases[] = {
-      {{"format", "date", "-qlde"}, Completes::locales, "-ql", "", 0},
-      {{"format", "date", "-ql", "de"}, Completes::locales, "", "", 0},
-      {{"-l", "format", "calendar", "--from", ""}, Completes::choices, "", "date", 3},  // "format" is a locale here
-      {{"calendar", "x", "list", ""}, Completes::nothing, "", "", 0},
-      {{"zone", "list", "--", "-"}, Completes::nothing, "", "", 0},
-      {{"zone", "UTC", "li"}, Completes::nothing, "", "", 0},
-      {{"help", "format", ""}, Completes::commands, "", "date", 7},
-      {{"help", "nonsense", ""}, Completes::commands, "", "", 0},
-      {{"nonsense", ""}, Completes::nothing, "", "", 0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(c.words));
-    const Completion completion = complete(c.words);
-    EXPECT_EQ(completion.what, c.what);
-    EXPECT_EQ(completion.prefix, c.prefix);
-    EXPECT_EQ(completion.candidates.size(), c.count);
-    EXPECT_EQ(completion.candidates.empty() ? "" : completion.candidates[0].word, c.first);
-  }
 }
 
 vxtest::Environment terminal_environment(const std::string& home, const char* terminal) {
@@ -312,14 +250,11 @@ TEST(Terminal, ShowsColors) {
       {"vxnls --color always nonsense 2>&1 | cat", "E[1;31mvxnls:E[0m \"vxnls\" has no command"},
       {"vxnls --color=never nonsense", "vxnls: \"vxnls\" has no command"},
       {"NO_COLOR=1 vxnls format date x", "vxnls: \"x\": "},
-      {"NO_COLOR=1 CLICOLOR_FORCE=1 vxnls --color auto -h", "Usage: vxnls"},
       {"NO_COLOR=1 vxnls --color always -h", "E[1mUsage:E[0m vxnls"},
       {"CLICOLOR_FORCE=1 NO_COLOR= vxnls -h | cat", "E[1mUsage:E[0m vxnls"},
-      {"CLICOLOR_FORCE=0 vxnls -h | cat", "Usage: vxnls"},
       {"CLICOLOR_FORCE=1 vxnls --color never -h", "Usage: vxnls"},
       {"TERM=dumb vxnls -h", "Usage: vxnls"},
       {"vxnls format date 0 -l de_US", "vxnls: E[1;36mnote:E[0m there is no locale"},
-      {"vxnls parse date 03/04/2021 -l en_US --explain | grep ambig", "  ambiguous  2021-04-03"},
       {"vxnls parse date 03/04/2021 -l en_US --explain --color always | grep 2021-04",
        "  E[33mambiguousE[0m  2021-04-03"},
   };
