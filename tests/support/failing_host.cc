@@ -59,6 +59,12 @@ void forget(Host& host, const void* owner, Free free) {
 
 std::string told(const VXChar* text, int64_t length) { return utf8(std::u32string(text, text + length)); }
 
+// Attributes, which operations are given by pointers to constants.
+template <class Argument>
+constexpr bool is_structure = false;
+template <class Pointee>
+constexpr bool is_structure<const Pointee*> = std::is_class_v<Pointee>;
+
 struct Line {
   const Host& host;
   std::ostringstream out;
@@ -72,10 +78,7 @@ struct Line {
       out << " [" << *first << ']';
     } else if constexpr (std::is_arithmetic_v<First>) {
       out << ' ' << (std::is_unsigned_v<First> ? std::hex : std::dec) << first << std::dec;
-    } else if constexpr (std::is_same_v<First, const VXPoolAttributes*> ||
-                         std::is_same_v<First, const VXLockAttributes*> ||
-                         std::is_same_v<First, const VXTrackAttributes*> ||
-                         std::is_same_v<First, const VXJournalAttributes*>) {
+    } else if constexpr (is_structure<First>) {
       return tell(*first, rest...);
     } else if constexpr (std::is_pointer_v<First>) {
       const auto known = host.things.find(reinterpret_cast<const void*>(first));
@@ -122,14 +125,15 @@ VXStatus fault_of(Host& host, const char* operation, Arguments... arguments) {
 
 // Operations: what all have in common, and then what each does
 
-/// Gives an out argument the status of the failing operation, or what it may have left there. Texts have room for more.
+/// Leaves in an out argument what a failing operation may leave there: a status, which has the type of a unit, or
+/// rubbish. Texts have room for more.
 template <class Argument>
 void fail(Argument out, VXStatus status, bool rubbish) {
   if constexpr (std::is_same_v<Argument, VXStatus*>) {
     *out = status;
   } else if constexpr (std::is_same_v<Argument, int64_t*> || std::is_same_v<Argument, int32_t*> ||
-                       std::is_same_v<Argument, uint64_t*> || std::is_same_v<Argument, VXChar*> ||
-                       std::is_same_v<Argument, const VXLocaleRecord**> || std::is_same_v<Argument, VXLocaleData*>) {
+                       std::is_same_v<Argument, uint64_t*> || std::is_same_v<Argument, const VXLocaleRecord**> ||
+                       std::is_same_v<Argument, VXLocaleData*>) {
     if (rubbish) std::memset(out, 0xA5, sizeof *out);
   }
 }
@@ -138,12 +142,10 @@ template <size_t size>
 struct Name {
   char text[size];
   constexpr Name(const char (&name)[size]) { std::copy_n(name, size, text); }
-  constexpr bool is_one_of(std::initializer_list<std::string_view> names) const {
-    return std::any_of(names.begin(), names.end(), [this](std::string_view name) { return name == text; });
-  }
 };
 
-/// Stands for the function of any table: what the operation is, `work` does.
+/// Stands for the function of any table: what the operation is, `work` does. One that gives something back has no
+/// result, and does so also when it fails.
 template <Name name, class Work>
 struct Operation {
   template <class Result, class... Arguments>
@@ -155,13 +157,12 @@ struct Operation {
 
   template <class Result, class... Arguments>
   static Result call(Arguments... arguments) {
-    constexpr bool gives_back = name.is_one_of({"free", "destroy_pool", "release_lock", "destroy_lock", "release_entry",
-                                                "destroy_track", "destroy_extension", "close_zone"});
+    constexpr std::string_view named = name.text;
     Host& host = *current;
     const VXStatus fault = fault_of(host, name.text, arguments...);
-    const bool remarks = (name.is_one_of({"lookup_locale"}) && fault == VX_W_SUBSTITUTE) ||
-                         (name.is_one_of({"fill"}) && fault == VX_W_FILL);
-    if constexpr (gives_back) {
+    const bool remarks =
+        (named == "lookup_locale" && fault == VX_W_SUBSTITUTE) || (named == "fill" && fault == VX_W_FILL);
+    if constexpr (std::is_void_v<std::invoke_result_t<Work, Host&, Arguments...>>) {
       Work()(host, arguments...);
       return fault;
     } else if (fault == 0 || remarks) {
@@ -170,8 +171,8 @@ struct Operation {
       else return result;
     }
     // Nobody looks at the status of read_option, so what it leaves is meant.
-    (fail(arguments, fault, host.rubbish && !name.is_one_of({"read_option"})), ...);
-    if constexpr (name.is_one_of({"lower", "upper"})) return std::get<1>(std::tie(arguments...));
+    (fail(arguments, fault, host.rubbish && named != "read_option"), ...);
+    if constexpr (named == "lower" || named == "upper") return std::get<1>(std::tie(arguments...));
     else if constexpr (std::is_same_v<Result, VXStatus>) return fault;
     else return Result{};
   }
@@ -235,8 +236,8 @@ constexpr VXTrackOps track_ops = {
     }),
     operation<"destroy_track">([](Host& host, VXTrack* track) {
       if (!given_back(host, track)) return;
-      own::Track::destroy(track);
       forget(host, track, [](const void*) {});
+      own::Track::destroy(track);
     }),
 };
 
