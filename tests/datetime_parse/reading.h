@@ -12,6 +12,7 @@
 #include <string>
 
 #include "datetime_parse/walk.h"
+#include "examples/own_host/locale_file.h"
 #include "tests/support/guard_page.h"
 #include "tests/support/zoned_locale.h"
 
@@ -100,25 +101,8 @@ inline VXExplanation read_by(PlainLocale& locale, std::u32string_view pattern, s
 }
 
 /// Runs a script of statements that end with a line or ";". "datePattern %d/%m" changes that entry of the record, "date
-/// 4" says what is read, and by which kind; "TEXT = RESULT" is a case, whose result `told(what, kind, text)` has to
-/// give.
-/// "_" is a blank at the end of a text.
+/// 4" says what is read, and by which kind; "TEXT = RESULT" is a case, whose result `told` has to give. "_" is a blank.
 inline void run(ZonedLocale& locale, std::string script, auto told) {
-  using Data = VXLocaleData;
-  static const std::map<std::string, NLSName Data::*> entries = {{"datePattern", &Data::datePattern},
-                                                                 {"datePattern1", &Data::datePattern1},
-                                                                 {"datePattern2", &Data::datePattern2},
-                                                                 {"datetimePattern", &Data::datetimePattern},
-                                                                 {"timePattern", &Data::timePattern},
-                                                                 {"timePattern1", &Data::timePattern1},
-                                                                 {"quarterPattern1", &Data::quarterPattern1},
-                                                                 {"quarterPattern2", &Data::quarterPattern2},
-                                                                 {"monthYearPattern1", &Data::monthYearPattern1},
-                                                                 {"monthYearPattern2", &Data::monthYearPattern2},
-                                                                 {"weekPattern1", &Data::weekPattern1},
-                                                                 {"weekPattern2", &Data::weekPattern2},
-                                                                 {"amMarker", &Data::amMarker},
-                                                                 {"pmMarker", &Data::pmMarker}};
   static const std::map<std::string, uint32_t> kinds = {
       {"date", VX_EXPLAIN_DATE}, {"time", VX_EXPLAIN_TIME}, {"datetime", VX_EXPLAIN_DATETIME}};
   static const std::regex reading(" *(date|time|datetime) (\\w+)"), entry(" *(\\w+(?:Pattern|Marker)\\d?) ?(.*)"),
@@ -132,7 +116,9 @@ inline void run(ZonedLocale& locale, std::string script, auto told) {
     if (std::regex_match(statement, parts, reading)) {
       what = kinds.at(parts[1]), kind = static_cast<uint32_t>(std::stoul(parts[2], nullptr, 0));
     } else if (std::regex_match(statement, parts, entry)) {
-      set_name(locale.data.*entries.at(parts[1]), part(2));
+      const auto* const row = std::ranges::find(own::entries, parts[1].str(), [](auto& e) { return e.key; });
+      ASSERT_NE(row, std::end(own::entries)) << statement;
+      set_name(*reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&locale.data) + row->offset), part(2));
     } else if (std::regex_match(statement, parts, text_and_result)) {
       VXExplanation out;
       const Read got = read(what, locale.get(), part(1), kind, &out);
