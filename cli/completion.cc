@@ -109,7 +109,7 @@ Completion complete(std::span<const std::string> words) {
   for (const std::string& word : words.first(words.size() - 1)) {
     if (waiting != nullptr) {
       waiting = nullptr;
-    } else if (only_values) {
+    } else if (only_values) {  // NOLINT(bugprone-branch-clone): also what looks like an option
       values.push_back(word);
     } else if (word == end_of_options) {
       only_values = true;

@@ -9,8 +9,8 @@ namespace {
 
 void end_by(int signal) {
   vxcli::discard_unfinished_file();
-  std::signal(signal, SIG_DFL);
-  std::raise(signal);
+  static_cast<void>(std::signal(signal, SIG_DFL));
+  static_cast<void>(std::raise(signal));
 }
 
 /// First of all: constants of a library need memory before main() begins.
@@ -21,9 +21,10 @@ void end_by(int signal) {
 int main(int argc, char** argv) {
   vxcli::occupy_standard_descriptors();
   // A closed pipe is a failure to write like any other, with a message and an exit code.
-  std::signal(SIGPIPE, SIG_IGN);
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-    if (std::signal(signal, end_by) == SIG_IGN) std::signal(signal, SIG_IGN);  // as nohup(1) wants it
+    const auto before = std::signal(signal, end_by);
+    if (before == SIG_IGN) static_cast<void>(std::signal(signal, before));  // as nohup(1) wants it
   }
   return static_cast<int>(vxcli::run({argv + (argc > 0 ? 1 : 0), argv + argc}));
 }

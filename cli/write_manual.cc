@@ -18,6 +18,6 @@ int main(int argc, char** argv) try {
   });
   return 0;
 } catch (const std::exception& error) {
-  std::fprintf(stderr, "%s\n", error.what());
+  static_cast<void>(std::fprintf(stderr, "%s\n", error.what()));
   return 1;
 }

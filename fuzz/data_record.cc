@@ -71,8 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto flags = in.take<uint32_t>();
   const auto value = in.take<double>();
   const auto whole = in.take<int64_t>();
-  const auto width = static_cast<int32_t>(in.take<int8_t>());
-  const auto decimals = static_cast<int32_t>(in.take<int8_t>());
+  const int32_t width = (in.take<uint8_t>() ^ 0x80) - 0x80;  // -128 to 127
+  const int32_t decimals = (in.take<uint8_t>() ^ 0x80) - 0x80;
   const auto month = static_cast<uint32_t>(whole & 0xF), day = static_cast<uint32_t>(whole >> 4 & 0x3F);
   const auto year = static_cast<uint32_t>(whole >> 10 & 0xFFFFF);
   const int64_t room = static_cast<int64_t>(in.take<uint16_t>() % 600) - 2;

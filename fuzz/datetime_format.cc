@@ -56,7 +56,7 @@ Written<Unit> write(Call call) {
     require(std::all_of(buffer.begin() + used, buffer.end(), [](Unit u) { return u == 0x55; }));
     return Written<Unit>{status, {buffer.begin(), buffer.begin() + used}};
   };
-  const Written<Unit> whole = with_room(512);
+  Written<Unit> whole = with_room(512);
   if (whole.status != 0 && whole.status != VX_E_TRUNCATED) return whole;
   const auto length = static_cast<int64_t>(whole.text.size());
   require(with_room(length).text == whole.text);

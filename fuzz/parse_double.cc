@@ -1,9 +1,11 @@
 // The four readers of doubles, the explanation and strtod over one text.
 //   byte 0   the conventions: decimal point, group separator, and whether a space separates groups
 //   then     the text
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -42,9 +44,8 @@ struct Got {
 std::string plain(const std::string& text, VXChar point) {
   std::string result;
   for (const char c : text) {
-    if (c >= '0' && c <= '9') result += c;
+    if ((c >= '0' && c <= '9') || ((c == '-' || c == '+') && static_cast<uint8_t>(c) != point)) result += c;
     else if (static_cast<uint8_t>(c) == point) result += '.';
-    else if (c == '-' || c == '+') result += c;
     else if ((c | 0x20) == 'e' || (c | 0x20) == 'd') result += 'e';
   }
   return result;
@@ -103,7 +104,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     got.status = NLSBufToDoubleA(locale.get(), text, length, &got.value, &got.consumed, nullptr);
     require(got == utf8);
     std::vector<uint8_t> ebcdic;
-    for (int32_t i = 0; i < length; ++i) ebcdic.push_back(vxnls::a2e[text[i]]);
+    std::transform(text, text + length, std::back_inserter(ebcdic), [](uint8_t c) { return vxnls::a2e[c]; });
     got.status = NLSBufToDoubleE(locale.get(), ebcdic.data(), length, &got.value, &got.consumed, nullptr);
     require(got == utf8);
   }

@@ -9,14 +9,18 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "vxnls/vxnls.h"
 
 namespace own {
 
-/// The entries of a locale by the names that they have in locale.h; `names` is 0 for a single character.
+/// How many names there are in an entry of a record; 0 for a single character.
+template <class Entry>
+constexpr size_t names_in = std::is_integral_v<Entry> ? 0 : std::max<size_t>(std::extent_v<Entry>, 1);
+/// The entries of a locale by the names that they have in locale.h.
 #define ENTRY(member) \
-  { #member, offsetof(VXLocaleData, member), sizeof(VXLocaleData::member) / sizeof(NLSName) }
+  { #member, offsetof(VXLocaleData, member), names_in < decltype(VXLocaleData::member)> }
 constexpr struct {
   std::string_view key;
   size_t offset, names;

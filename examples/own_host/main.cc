@@ -1,5 +1,6 @@
 // Formats and parses through the example host: own_host FOLDER-OF-THIS-FILE/locales.txt
 #include <chrono>
+#include <exception>
 #include <iostream>
 
 #include "own_host.h"
@@ -8,7 +9,7 @@
 using namespace std::chrono;
 using vxnls::form;
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
   if (count != 2) {
     std::cerr << "usage: own_host LOCALES\n";
     return 2;
@@ -29,4 +30,7 @@ int main(int count, char** arguments) {
   std::cout << english.parse<year_month_day>("13/45/2026").why().message() << '\n';
   std::cout << (host.locale("en_US", "Mars/Olympus") == nullptr ? "no such zone\n" : "?\n");
   return 0;
+} catch (const std::exception& error) {
+  std::cerr << error.what() << '\n';
+  return 1;
 }

@@ -102,9 +102,9 @@ Made* make() {
 class Host : public HostContext {
  public:
   explicit Host(const std::string& file)
-      : HostContext{&context_operations, &kernel_, make<Pool>(), nullptr, nullptr,
-                    make<Lock>(),        nullptr,  nullptr,      &zones_},
+      : HostContext{&context_operations, &kernel_, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &zones_},
         data_(file) {
+    pool = make<Pool>(), creationLock = make<Lock>();
     int64_t major = 0, minor = 0;
     host = this;
     vxextver(kernel, &major, &minor);

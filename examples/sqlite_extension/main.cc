@@ -39,8 +39,8 @@ void give(sqlite3_context* context, std::string_view text) {
 void parse_date(sqlite3_context* context, sqlite3_value** values) {
   const auto day = locale_of(values[1]).parse<year_month_day>(text_of(values[0]), form::any).value();
   char iso[16];
-  std::snprintf(iso, sizeof iso, "%04d-%02u-%02u", static_cast<int>(day.year()), static_cast<unsigned>(day.month()),
-                static_cast<unsigned>(day.day()));
+  static_cast<void>(std::snprintf(iso, sizeof iso, "%04d-%02u-%02u", static_cast<int>(day.year()),
+                                  static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day())));
   give(context, iso);
 }
 void format_date(sqlite3_context* context, sqlite3_value** values) {

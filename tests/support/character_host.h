@@ -51,7 +51,10 @@ class CharacterHost {
     current = this;
     Exported_VXHandle = &handle_;
   }
-  ~CharacterHost() { Exported_VXHandle = nullptr; }
+  ~CharacterHost() {
+    Exported_VXHandle = nullptr;
+    current = nullptr;
+  }
   CharacterHost(const CharacterHost&) = delete;
   CharacterHost& operator=(const CharacterHost&) = delete;
 
