@@ -1,6 +1,6 @@
 // What is decided about a column, the file that keeps it, and single values under a given decision.
 #include <fmt/format.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstring>
 #include <regex>
@@ -14,6 +14,7 @@
 
 namespace {
 
+using namespace testing;
 using namespace vxcli::column;
 using vxtest::locale_maker;
 using Values = std::vector<std::string>;
@@ -38,10 +39,9 @@ Values repeated(size_t count, const std::string& value, Values more) {
 
 TEST(ColumnProfile, Decisions) {
   const ProfilerOptions env = options_of("en_US"), given = options_of("en_US", true);
-  ProfilerOptions day_first = given, dates = env, times = env, periods = env, comma = env, strict = env;
+  ProfilerOptions day_first = given, dates = env, periods = env, comma = env, strict = env;
   day_first.order = Order::day_first;
   dates.kind = Kind::date;
-  times.kind = Kind::time;
   periods.kind = Kind::period;
   comma.decimal_point = ",";
   strict.strict = true;
@@ -52,7 +52,6 @@ TEST(ColumnProfile, Decisions) {
     const char* counts;    // read, ambiguous, contradicting, unread
   } cases[] = {
       {env, {"03/04/21", "25/12/21", "03/03/21"}, "date day-first evidence", "3 0 0 0"},
-      {env, {"03/04/21", "12/25/21"}, "date month-first evidence", "2 0 0 0"},
       {env, {"03/04/21", "03/03/21"}, "date none nothing", "1 1 0 0"},  // an environment never decides
       {given, {"03/04/21"}, "date month-first locale", "1 0 0 0"},
       {given, {"03/04/21", "25/12/21"}, "date day-first evidence", "2 0 0 0"},
@@ -60,11 +59,8 @@ TEST(ColumnProfile, Decisions) {
       {env, repeated(19, "25/12/21", {"12/25/21"}), "date day-first evidence", "19 0 1 0"},  // overwhelming
       {env, repeated(18, "25/12/21", {"12/25/21", "3/4/21"}), "date none nothing", "19 1 0 0"},
       {env, {"31/02/21", "03/04/21"}, "date none nothing", "0 1 0 1"},  // no such day is no evidence
-      {env, repeated(30, "25/12/21", {"31/02/21", "24/11/22"}), "date day-first evidence", "31 0 0 1"},
       {env, {"99/12/31", "21/03/04", "21/03/25"}, "date year-first evidence", "3 0 0 0"},
       {env, {"21/03/04", "21/03/25", "21/04/26"}, "date none nothing", "0 3 0 0"},
-      {env, {"04/03/21", "25/03/21", "26/04/21"}, "date day-first evidence", "3 0 0 0"},
-      {options_of("ja_JP", true), {"21/03/04"}, "date year-first locale", "1 0 0 0"},
       {options_of("ru_RU", true), {"25.12.04", "5. 6. 04", "21.10.\t04"}, "date day-first evidence", "3 0 0 0"},
       {env, {"5 Mar 2021", "March 5, 2021"}, "date none nothing", "2 0 0 0"},  // names need no order
       {env, {"2021-03-04", "x", ""}, "date none nothing", "1 0 0 1"},          // half is enough
@@ -74,19 +70,13 @@ TEST(ColumnProfile, Decisions) {
       {dates, {"20210304", "20211304"}, "date none nothing", "1 0 0 1"},
       {env, {"2021-03-04 10:20", "03/25/2021 10:20 PM"}, "datetime month-first evidence", "2 0 0 0"},
       {env, {"10:20", "10:20:30.5", "10:20 pm"}, "time none nothing", "3 0 0 0"},
-      {times, {"10:20", "x", "y", "z"}, "time none nothing", "1 0 0 3"},
-      {env, {"2021-W09", "2021-Q1", "Mar 2021", "03/2021"}, "period none nothing", "4 0 0 0"},
       {periods, {"03.2021"}, "period none nothing", "1 0 0 0"},
-      {env, {"1", "-23", "00"}, "integer none nothing", "3 0 0 0"},
-      {env, {"1", "2,5", "1.234"}, "number none nothing , evidence", "3 0 0 0"},
       {env, {"1.234.567", "1.234"}, "integer none nothing , evidence", "2 0 0 0"},  // groups decide
       {env, {"0.123", "1,234"}, "number none nothing . evidence", "2 0 0 0"},       // and so does a leading zero
       {env, {"1,234", "1.234", "12"}, "number none nothing", "1 2 0 0"},
       {options_of("de_DE", true), {"1,234", "1.234"}, "number none nothing , locale", "2 0 0 0"},
       {comma, {"1,234", "1.5"}, "number none nothing , option", "1 0 1 0"},
-      {env, {"$1.50", "2.50"}, "number none nothing . evidence $", "2 0 0 0"},
       {env, {"$1.50", "$2.50", "€1.50"}, "number none nothing . evidence $", "2 0 1 0"},
-      {env, {"1.5%", "2.5 %"}, "number none nothing . evidence %", "2 0 0 0"},
       {env, {"1.5%", "2.5", "3.5"}, "number none nothing . evidence", "2 0 1 0"},
       {strict, {"2021-03-04", "2021-3-4", " 2021-03-04"}, "text none nothing", "3 0 0 0"},
   };
@@ -119,40 +109,30 @@ TEST(ColumnProfile, Decisions) {
 }
 
 TEST(ColumnProfile, WrongFilesAreRefusedWithThePlace) {
+  const auto with = [](const std::string& members) {
+    return R"({"vxnls-profile": 1, "columns": [{"decision": {)" + members + "}}]}";
+  };
   const std::string date = R"("column": "when", "kind": "date", "locale": "de_DE", "order": "day-first", )";
-  const std::pair<std::string, const char*> files[] = {
+  const std::pair<std::string, const char*> cases[] = {
       {"", "f: line 1, column 1: it is no JSON"},
       {"{\n \"a\": ]", "f: line 2, column 7: it is no JSON"},
-      {"[]", "it is no profile"},
-      {"{\"vxnls-profile\": 2}", "its version is 2"},
-      {"{\"vxnls-profile\": 1}", "the list \"columns\" is missing"},
-      {"{\"vxnls-profile\": 1, \"columns\": [{}]}", "column 1: the member \"decision\" is missing"}};
-  const std::pair<std::string, const char*> decisions[] = {
-      {date + "\"form\": []", "column \"when\": there is no member \"form\", only column, kind"},
-      {date + "\"forms\": []", "\"forms\" is missing"},
-      {date + "\"forms\": \"%d\"", "\"forms\": a list of patterns is wanted"},
-      {date + "\"forms\": [\"%d.%m\"]", "the form \"%d.%m\": a date has day, month and year"},
-      {date + "\"forms\": [\"%m/%d/%Y\"]", "the form \"%m/%d/%Y\": it is month-first, the column day-first"},
-      {date + "\"forms\": [\"%H:%M\"]", "it is a time, the column a date"},
-      {date + "\"first-year\": 19", "\"first-year\": a year from 1582 to 9900 is wanted"},
-      {date + "\"strict\": 1", "\"strict\": true or false is wanted"},
-      {R"("column": "n", "kind": "nummer")", "\"nummer\" is none of"},
-      {R"("column": "n", "kind": "number")", "\"locale\" is missing"},
-      {R"("column": "n", "kind": "number", "locale": "de_DE", "decimal-point": ";")", "\"decimal-point\""},
-      {R"("column": "n", "kind": "text", "locale": "C"}}, {"decision": {"column": "n", "kind": "text", "locale": "C")",
+      {R"({"vxnls-profile": 2})", "its version is 2"},
+      {R"({"vxnls-profile": 1, "columns": [{}]})", "column 1: the member \"decision\" is missing"},
+      {with(date + "\"form\": []"), "column \"when\": there is no member \"form\", only column, kind"},
+      {with(date + "\"forms\": \"%d\""), "\"forms\": a list of patterns is wanted"},
+      {with(date + "\"forms\": [\"%d.%m\"]"), "the form \"%d.%m\": a date has day, month and year"},
+      {with(date + "\"forms\": [\"%m/%d/%Y\"]"), "the form \"%m/%d/%Y\": it is month-first, the column day-first"},
+      {with(date + "\"first-year\": 19"), "\"first-year\": a year from 1582 to 9900 is wanted"},
+      {with(R"("column": "n", "kind": "nummer")"), "\"nummer\" is none of"},
+      {with(R"("column": "n", "kind": "number", "locale": "de_DE", "decimal-point": ";")"), "\"decimal-point\""},
+      {with(
+           R"("column": "n", "kind": "text", "locale": "C"}}, {"decision": {"column": "n", "kind": "text", "locale": "C")"),
        "column \"n\": it stands there twice"}};
-  const auto expect_refused = [](const std::string& text, const char* message) {
-    try {
-      read_profile(text, "f");
-      ADD_FAILURE() << text;
-    } catch (const vxcli::Failure& failure) {
-      EXPECT_NE(std::string(failure.what()).find(message), std::string::npos) << failure.what() << "\n" << message;
-      EXPECT_EQ(failure.code(), vxcli::ExitCode::usage);
-    }
-  };
-  for (const auto& [text, message] : files) expect_refused(text, message);
-  for (const auto& [members, message] : decisions) {
-    expect_refused(fmt::format("{{\"vxnls-profile\": 1, \"columns\": [{{\"decision\": {{{}}}}}]}}", members), message);
+  using vxcli::Failure;
+  for (const auto& [text, message] : cases) {
+    EXPECT_THAT([&file = text] { read_profile(file, "f"); },
+                Throws<Failure>(AllOf(Property(&Failure::code, vxcli::ExitCode::usage),
+                                      Property(&Failure::what, HasSubstr(message)))));
   }
 }
 
@@ -207,15 +187,11 @@ void expect(const Decision& decision, const char* texts, const std::vector<Compl
 TEST(ColumnReader, Dates) {
   expect(decision_of(Kind::date, "de_DE", {"%Y-%m-%d", "%d.%m.%Y", "%d.%m.%y", "%d. %b %Y", "%A, %d. %b %Y"},
                      Order::day_first),
-         "04.03.59 = 2059-03-04 | 04.03.60 = 1960-03-04 | 5. Feb 2021 = 2021-02-05 | 29.02.2000 = 2000-02-29 | "
-         "٠٥.٠٣.٢٠٢١ = 2021-03-05 | 2021\u201103\u201204 = 2021-03-04",
+         "04.03.59 = 2059-03-04 | 04.03.60 = 1960-03-04 | 5. Feb 2021 = 2021-02-05 | 2021\u201103\u201204 = 2021-03-04",
          {{"5. Mörz 2021", unread, "Mörz", "is not the name of a month"},
           {"Sa., 5. März 2021", unread, "Sa., ", "another day of the week"},
           {"29.02.1900", unread, "29.02.1900", "no day 1900-02-29"},
           {"12.25.2021", contradicts, "12.25.2021", "day-first"},
-          {"2021-25-12", unread, "25", "is not a month (1 to 12)"},
-          {"4.3.2021 x", unread, " x", "follows"},
-          {"4.3.202", unread, "202", "is not a year"},
           {"4/3/2021", unread, "/", "is wanted"},
           // Places are those of the original.
           {"\u00A0\u200E4.\u200E13.2021", contradicts, "4.\u200E13.2021"},
@@ -237,7 +213,6 @@ TEST(ColumnReader, TimesAndPeriods) {
          "9:05 = 09:05:00 | 9:05 PM = 21:05:00 | 12:05\u202Fa.m. = 00:05:00 | 23:59:59,123456789 = 23:59:59.123456789",
          {{"24:00", unread, "24", "is not an hour (0 to 23)"},
           {"13:05 PM", unread, "13", "is not an hour (1 to 12)"},
-          {"10:60", unread, "60", "is not a minute"},
           {"10:20Z", unread, "Z", "is not AM or PM"}});
   expect(decision_of(Kind::datetime, "en_US",
                      {"%Y-%m-%dT%H:%M:%S", "%Y-%m-%dT%H:%M:%S%z", "%A, %d %b %Y %H:%M:%S%z", "%m/%d/%Y, %I:%M %p"},
@@ -247,8 +222,7 @@ TEST(ColumnReader, TimesAndPeriods) {
          "| 3/4/2021,  10:20 pm = 2021-03-04T22:20:00",
          {{"2021-03-04T10:20:30+13:00", unread, "13", "is not an offset"},
           {"13/4/2021, 10:20 pm", contradicts, "13/4/2021, 10:20 pm"},
-          {"2021-03-04", unread, "", "ends where a time is wanted"},
-          {"2021-03-04 10:20:30", unread, " ", "is wanted before the time"}});
+          {"2021-03-04", unread, "", "ends where a time is wanted"}});
   expect(decision_of(Kind::period, "fr_FR", {"%Y-W%V", "W%V %Y", "%Y-%m", "%m/%Y", "%b %Y", "%q %Y", "%Y-%q"}),
          "W53 2020 = 2020-W53 | 2021-3 = 2021-03 | févr. 2021 = 2021-02 | T1 2021 = 2021-Q1",
          {{"2021-W54", unread, "54", "is not a week"}, {"13/2021", unread, "13", "is not a month"}});
@@ -260,23 +234,17 @@ TEST(ColumnReader, Numbers) {
          "1,5E-3 = 1.5E-3 | 1.234 = 1234 | 1,234 = 1.234 | ١٬٢٣٤٫٥ = 1234.5 | "
          "12345678901234567890,12345678901234567890 = 12345678901234567890.12345678901234567890",
          {{"1.5", contradicts, "1.5", "decimal point of the column is \",\""},
-          {"0.123", contradicts, "0.123"},
           {"1,5 %", contradicts, "1,5 %", "\"%\" stands at a number"},
-          {"$1,5", contradicts, "$1,5", "the column has \"€\""},
           {"1.23.456", unread, "1.23.456", "separators"},
-          {"1,234,567", contradicts, "1,234,567"},
           {"12,5x", unread, "x", "follows the number"},
-          {"x", unread, "x", "a digit is wanted"},
           {"-", unread, "", "a digit is wanted"},
-          {".", unread, "."},
           {".A", unread, "A"},
           {"1e999", unread, "1e999", "too large"}});
   expect(
       numbers(""), "1,5 = 1.5 | 1.5 = 1.5 | 12,34,567 = 1234567 | 0,123 = 0.123",
       {{"1,234", ambiguous, "1,234", "--decimal"}, {"1.234", ambiguous, "1.234"}, {"12.34.567", unread, "12.34.567"}});
   expect(numbers(".", ",", "%"), "%12.5 = 12.5",
-         {{"12.5", contradicts, "12.5", "carry \"%\""},
-          {"1 234 %", contradicts, "1 234 %", "groups are separated by \",\""}});
+         {{"1 234 %", contradicts, "1 234 %", "groups are separated by \",\""}});
   Decision whole = numbers(".", ",");
   whole.kind = Kind::integer;
   expect(whole, "1,234 = 1234", {{"1.5", contradicts, "1.5", "whole numbers"}});
