@@ -227,7 +227,7 @@ struct Utf16 {
   static int64_t write(const uint8_t* in, const Block& block, uint8_t* out) {
     if (block.kind == Block::plain) {
       write_plain<order>(in, out);
-      write_plain<order>(in + vector_bytes, out + 4 * 16);
+      write_plain<order>(in + vector_bytes, out + ptrdiff_t{4} * 16);
       return positions;
     }
     for (int64_t i = 0; i < 32; i += 8) {
