@@ -14,7 +14,6 @@
 #include "cli/value.h"
 #include "tests/cli/command_line.h"
 #include "tests/host/temporary_folder.h"
-#include "tests/support/terminal.h"
 
 namespace {
 
