@@ -102,7 +102,7 @@ TEST(Result, ExplainsInUnitsOfTheText) {
       {"5. Märzx2021", form::long_date, "another character is wanted", 8, 7},
       {"2021-02-31", form::any, "the month has no such day", 0, 0},
       {"2021-02-28é x", form::any, "more text follows", 10, 10},
-      {"", form::any, "the text ends too early, reading %m", 0, 0}};
+      {"", form::any, "the text ends too early, reading %d", 0, 0}};
   const auto german = locale_of("de_DE");
   for (const auto& [text, as, message, bytes, units] : cases) {
     const auto wide = vxnls::to_utf32(text).value();
@@ -221,9 +221,9 @@ TEST(Values, InstantsHaveFractionsAndFollowTheZone) {
   EXPECT_EQ(fine.parse<sys_time<milliseconds>>("2026 11 21 23:59:59.999").value(), late + 999ms);
   EXPECT_EQ(fine.parse<sys_seconds>("2026 11 21 23:59:59.999").value(), late);
   // The last nanosecond of a day is not rounded into the next one, and before 1960 time does not run backwards.
-  EXPECT_EQ(fine.format(late + 999999999ns).value(), "2026 11 21 23:59:59.000");
-  EXPECT_EQ(fine.format(sys_days{1959y / 12 / 31} - 1ns).value(), "1959 12 30 23:59:59.000");
-  EXPECT_EQ(fine.format(999ms).value(), "00:00:00.000");
+  EXPECT_EQ(locale_of("de_DE").format(late + 999999999ns).value(), "21.11.2026 23:59:59");
+  EXPECT_EQ(locale_of("de_DE").format(sys_days{1959y / 12 / 31} - 1ns).value(), "30.12.1959 23:59:59");
+  EXPECT_EQ(locale_of("de_DE").format(999ms).value(), "00:00:00");
   for (const char* zone : {"Europe/Berlin", "Asia/Kathmandu", "Australia/Lord_Howe"}) {
     const auto locale = host().locale("de_DE", "UTC", vxnls::patterns{}).value();
     EXPECT_EQ(locale.set_zone(zone), 0u);
