@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -14,24 +13,22 @@ namespace vxtest {
 
 /// Every call is answered with VX_E_NULL: with each pointer among `arguments` null, and with a locale that has no data.
 /// Pointers that may be null are bound to the function instead.
-template <class Function, class... Arguments>
-void expect_nulls_refused(const char* name, Function function, Arguments... arguments) {
-  const auto with_null = [&]<size_t at>(std::integral_constant<size_t, at>) {
-    std::tuple<Arguments...> given(arguments...);
-    auto& argument = std::get<at>(given);
-    using Argument = std::remove_reference_t<decltype(argument)>;
-    if constexpr (std::is_pointer_v<Argument>) {
-      argument = nullptr;
-      EXPECT_EQ(std::apply(function, given), VX_E_NULL) << name << ", argument " << at << " is null";
-    }
-    if constexpr (std::is_same_v<Argument, VXLocale*>) {
-      VXLocale empty{};
-      argument = &empty;
-      EXPECT_EQ(std::apply(function, given), VX_E_NULL) << name << ", a locale without data";
-    }
+template <class... Arguments>
+void expect_nulls_refused(const char* name, auto function, Arguments... arguments) {
+  int at = 0;
+  const auto with = [&](auto& argument, auto other, const char* what) {
+    const auto kept = std::exchange(argument, other);
+    EXPECT_EQ(function(arguments...), VX_E_NULL) << name << ", argument " << at << ": " << what;
+    argument = kept;
   };
-  [&]<size_t... at>(std::index_sequence<at...>) { (with_null(std::integral_constant<size_t, at>()), ...); }
-  (std::index_sequence_for<Arguments...>());
+  const auto with_null = [&](auto& argument) {
+    using Argument = std::remove_reference_t<decltype(argument)>;
+    VXLocale empty{};
+    ++at;
+    if constexpr (std::is_pointer_v<Argument>) with(argument, nullptr, "null");
+    if constexpr (std::is_same_v<Argument, VXLocale*>) with(argument, &empty, "a locale without data");
+  };
+  (with_null(arguments), ...);
 }
 
 #define VX_EXPECT_NULLS_REFUSED(function, ...) vxtest::expect_nulls_refused(#function, function, __VA_ARGS__)
