@@ -35,8 +35,7 @@ std::string described(const VXExplanation& out) {
 }
 
 void expect_explained(const std::string& script) {
-  ZonedLocale locale;
-  run(locale, script, [](uint32_t, const Read&, const VXExplanation& out) { return described(out); });
+  run(script, [](uint32_t, const Read&, const VXExplanation& out) { return described(out); });
 }
 
 TEST(Explain, Refusals) {

@@ -100,13 +100,15 @@ inline VXExplanation read_by(PlainLocale& locale, std::u32string_view pattern, s
   return out;
 }
 
-/// Runs a script of statements that end with a line or ";". "datePattern %d/%m" changes that entry of the record, "date
-/// 4" says what is read, and by which kind; "TEXT = RESULT" is a case, whose result `told` has to give. "_" is a blank.
-inline void run(ZonedLocale& locale, std::string script, auto told) {
+/// Runs a script of statements that end with a line or ";". "datePattern %d/%m" changes that entry of the record, "zone
+/// Zone/East" the locale's zone, "date 4" says what is read, and by which kind; "TEXT = RESULT" is a case, whose result
+/// `told` has to give. "_" is a blank.
+inline void run(std::string script, auto told) {
+  ZonedLocale locale;
   static const std::map<std::string, uint32_t> kinds = {
       {"date", VX_EXPLAIN_DATE}, {"time", VX_EXPLAIN_TIME}, {"datetime", VX_EXPLAIN_DATETIME}};
   static const std::regex reading(" *(date|time|datetime) (\\w+)"), entry(" *(\\w+(?:Pattern|Marker)\\d?) ?(.*)"),
-      text_and_result(" *(.*?) *= *(.*?) *"), comment(" *(//.*)?");
+      zone(" *zone (.*)"), text_and_result(" *(.*?) *= *(.*?) *"), comment(" *(//.*)?");
   uint32_t what = 0, kind = 0;
   std::replace(script.begin(), script.end(), '\n', ';');
   std::istringstream statements(script);
@@ -119,6 +121,8 @@ inline void run(ZonedLocale& locale, std::string script, auto told) {
       const auto* const row = std::ranges::find(own::entries, parts[1].str(), [](auto& e) { return e.key; });
       ASSERT_NE(row, std::end(own::entries)) << statement;
       set_name(*reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&locale.data) + row->offset), part(2));
+    } else if (std::regex_match(statement, parts, zone)) {
+      locale.use(part(1));
     } else if (std::regex_match(statement, parts, text_and_result)) {
       VXExplanation out;
       const Read got = read(what, locale.get(), part(1), kind, &out);
