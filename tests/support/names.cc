@@ -42,15 +42,8 @@ constexpr VXZoneServiceOps zone_ops = {
 }  // namespace
 
 std::u32string utf32(std::string_view text) {
-  std::u32string result;
-  auto at = reinterpret_cast<const uint8_t*>(text.data());
-  for (auto left = static_cast<int64_t>(text.size()); left > 0;) {
-    const auto c = vxnls::Utf8Text::decode(at, left);
-    result += static_cast<char32_t>(c.code_point);
-    at += c.consumed;
-    left -= c.consumed;
-  }
-  return result;
+  const own::Text units = own::decoded(text);
+  return {units.begin(), units.end()};
 }
 
 std::string utf8(std::u32string_view text) {
