@@ -22,36 +22,22 @@ struct Exact {
   std::string whole, fraction;
 
   explicit Exact(double value) {
-    static const std::vector<mpz_class> fives = [] {
-      std::vector<mpz_class> powers = {1};
-      while (powers.size() < 1130) powers.push_back(powers.back() * 5);
-      return powers;
-    }();
-    int binary = 0;
-    const auto mantissa = static_cast<uint64_t>(std::ldexp(std::frexp(std::fabs(value), &binary), 53));
-    const int zeros = std::countr_zero(mantissa | uint64_t{1} << 53), e = binary - 53 + zeros;
-    const size_t places = e < 0 ? static_cast<size_t>(-e) : 0;
-    mpz_class number(mantissa >> zeros);  // the value is number * 2^e; below the point that is number * 5^-e over 10^-e
-    if (e < 0) number *= fives[places];
-    else number <<= static_cast<mp_bitcnt_t>(e);
-    std::string all = number.get_str();
-    if (all.size() < places) all.insert(0, places - all.size(), '0');
-    whole = all.substr(0, all.size() - places);
-    fraction = all.substr(all.size() - places);
-    whole.erase(0, whole.find_first_not_of('0'));
-    fraction.erase(fraction.find_last_not_of('0') + 1);
+    // With more digits than any double of that exponent has, in the bits that their powers of ten take.
+    const auto digits = static_cast<size_t>(60 + (value == 0 ? 0 : std::abs(std::ilogb(value)) * 3 / 4));
+    mp_exp_t point = 0;
+    std::string all = mpf_class(std::fabs(value), 4 * digits).get_str(point, 10, digits);
+    if (point < 0) all.insert(0, static_cast<size_t>(-point), '0');
+    const auto places = static_cast<size_t>(std::max(point, mp_exp_t{0}));
+    if (all.size() < places) all.resize(places, '0');
+    whole = all.substr(0, places);
+    fraction = all.substr(places);
   }
 
-  /// The first digits, half up. The 0 before them takes a carry.
+  /// The first digits, half up, behind a 0 that takes a carry.
   static std::string half_up(std::string all, size_t count) {
-    all.insert(0, 1, '0');
-    const bool up = count + 1 < all.size() && all[count + 1] >= '5';
-    all.resize(count + 1, '0');
-    if (!up) return all;
-    size_t i = count;
-    for (; all[i] == '9'; --i) all[i] = '0';
-    ++all[i];
-    return all;
+    all.resize(std::max(all.size(), count + 1), '0');
+    const std::string text = mpz_class(mpz_class("0" + all.substr(0, count), 10) + (all[count] >= '5')).get_str();
+    return std::string(count + 1 - text.size(), '0') + text;
   }
   /// With `decimals` digits after the point, half up; "0" before the point below 1.
   std::string plain(int decimals) const {
@@ -240,18 +226,10 @@ class DoubleModel {
     return stars(VX_E_TRUNCATED);
   }
 
-  static std::vector<double> numbers(const std::string& before, int from, int to) {
-    std::vector<double> all;
-    for (int i = from; i <= to; ++i) all.push_back(std::strtod((before + std::to_string(i)).c_str(), nullptr));
-    return all;
-  }
-  static double half(int decimals) {
-    static const std::vector<double> halves = numbers("5e-", 1, 32);
-    return halves[static_cast<size_t>(decimals)];
-  }
-  static double power(int n) {
-    static const std::vector<double> powers = numbers("1e", 0, 308);
-    return powers[static_cast<size_t>(n)];
+  static double half(int decimals) { return decimal("5e-", decimals + 1); }
+  static double power(int n) { return decimal("1e", n); }
+  static double decimal(const std::string& before, int exponent) {
+    return std::strtod((before + std::to_string(exponent)).c_str(), nullptr);
   }
 
   /// The digits of a rounded value: every integer digit, decimals up to 15 significant digits, then zeros. False where

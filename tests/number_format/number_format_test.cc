@@ -207,22 +207,15 @@ TEST(DoubleFormat, Texts) {
     const char* text;
   } rows[] = {
       {{-3.14159, 0, 2, NLS_FORMAT_FRACTION}, 0, "-0.14"},
-      {{12.5, 8, 1, in_plain | left | pad}, 0, "12.5    "},
       {{12.5, 8, 1, in_plain | blank | pad}, 0, "000012.5"},
       {{12.5, 2, 1, in_plain | blank}, 0, " 12.5"},  // a width is the least
       {{1234567.5, 10, 1, in_plain | groups}, VX_E_GROUPING, " 1234567.5"},
-      {{1.5, 9, 1, in_plain, 4}, VX_E_TRUNCATED, "****"},
       {{5e-324, 0, 350, NLS_FORMAT_EXPONENT}, VX_E_DIRECTIVE, ""},
-      {{1.0 / 3, 0, 0, NLS_FORMAT_BEST}, 0, "0.333333333333"},
       {{0.285, 8, 2, fixed}, 0, "    0.29"},
       {{1e12, 10, 2, fixed}, VX_W_PRECISION, "      1E12"},
       {{0.9499999999999999, 5, 1, fixed}, 0, "  1.0"},  // rounded up on purpose, to just 1
-      {{0.001, 5, 4, fixed}, 0, ".0010"},
       {{-0.3, 1, 0, fixed}, 0, "0"},
-      {{-0.7, 1, 0, fixed}, VX_E_TRUNCATED, "*"},
-      {{9007199254740993.0, 20, 2, fixed}, 0, " 9007199254740992.00"},
       {{1234567.891, 11, 2, fixed | groups}, VX_E_GROUPING, " 1234567.89"},
-      {{3.7, 5, 0, NLS_FORMAT_SIGNIFICANT}, 0, "    4"},
       {{1, 6, 0, NLS_FORMAT_FIXED_EXPONENT}, VX_E_WIDTH, "******"},
       {{qmMissVal('_'), 10, 3, fixed}, 0, "      _   "},  // where the units digit stands
       {{std::numeric_limits<double>::quiet_NaN(), 3, 5, fixed}, 0, "  ."},
@@ -252,8 +245,6 @@ TEST(DoubleFormat, PercentagesAndCurrency) {
     std::string text, added;  // to the number
   } rows[] = {
       {NLSPercentFormat, {-0.125, 0, 1, 1}, "(12.5%)", ")%"},
-      {NLSPercentFormat, {-0.125, 0, 1, 0}, "-12.5%", "%"},
-      {NLSPercentFormat, {0.125, 8, 1, 1}, "   12.5%", "%"},
       {NLSPercentFormat, {-0.125, 10, 1, 1}, "(   12.5%)", ")%"},
       {NLSPercentFormat, {-0.125, 10, 1, 0xFFFFFFFE}, "    -12.5%", "%"},
       {NLSCurrencyFormat, {1234.5, 12, 2, 0}, "   $1,234.50", "$"},
@@ -262,7 +253,6 @@ TEST(DoubleFormat, PercentagesAndCurrency) {
       {NLSCurrencyFormat, {1234.5, 8, 2, 0}, "$1234.50", "$"},  // they do not fit: no failure
       {NLSCurrencyFormat, {1234.5, 12, 2, 1}, "      $1,235", "$"},
       {NLSCurrencyFormat, {5, -8, 1, 0}, "$5.0      ", "$"},
-      {NLSCurrencyFormat, {7, 12, 2, 0}, "    CHF 7.00", "CHF "},
       {NLSCurrencyFormat, {7.5, 0, 2, 0}, "7.50", ""},
       {NLSCurrencyFormat, {1.5, 64, 2, 0}, dollars + "1.50", dollars},
   };
@@ -291,17 +281,10 @@ TEST(DoubleFormat, PercentagesAndCurrency) {
   }
 }
 
-constexpr uint32_t signed_flags[] = {
-    0, plus, blank, groups, left | plus, pad, pad | blank | groups, pad | left | groups, octal | octal_0};
-constexpr uint32_t unsigned_flags[] = {0,
-                                       plus | blank,
-                                       groups,
-                                       lower | prefix | groups,
-                                       upper | prefix | pad,
-                                       lower | upper | prefix,
-                                       octal,
-                                       octal | octal_0 | left,
-                                       octal | prefix | pad};
+/// Signed integers pass over other bases, unsigned ones over signs.
+constexpr uint32_t of_integers[][7] = {{0, groups, plus, blank, left | plus, pad, pad | blank | groups},
+                                       {pad | left | groups, octal, octal | octal_0 | left, octal | prefix | pad,
+                                        lower | prefix | groups, upper | prefix | pad, lower | upper | prefix}};
 
 TEST(IntegerFormat, EverySixteenBitValueWithEveryWidth) {
   Writer writer;
@@ -309,11 +292,12 @@ TEST(IntegerFormat, EverySixteenBitValueWithEveryWidth) {
     for (int width = 0; width <= 24; ++width) {
       // Precision 0, which lets zeros pad, and one other by turns: 6 (asked for by -1), 2, 5, 8.
       const int precision = (value + width) % 2 == 0 ? 0 : std::abs(value + width) / 2 % 4 * 3 - 1;
-      for (const uint32_t flags : signed_flags)
-        writer.check_integer(NLSIntFormat, NLSIntFormatU, value, width, precision, flags, 40);
-      if (value < 0) continue;
-      for (const uint32_t flags : unsigned_flags)
-        writer.check_integer(NLSUIntFormat, NLSUIntFormatU, static_cast<uint32_t>(value), width, precision, flags, 40);
+      const auto whole = static_cast<uint32_t>(value);
+      for (const auto& row : of_integers)
+        for (const uint32_t flags : row) {
+          if (value < 32768) writer.check_integer(NLSIntFormat, NLSIntFormatU, value, width, precision, flags, 40);
+          if (value >= 0) writer.check_integer(NLSUIntFormat, NLSUIntFormatU, whole, width, precision, flags, 40);
+        }
     }
   }
 }
@@ -330,10 +314,11 @@ void check_borders(auto plain, auto in_utf8, auto reader) {
       for (int off = -2; off <= 2; ++off) {
         const auto value = static_cast<Value>(centre + off);
         if (value != centre + off) continue;
-        for (const uint32_t flags : std::is_signed_v<Value> ? signed_flags : unsigned_flags)
-          for (const int width : {0, 1, -19, 20, 33, -40, 64, 65, 300, INT32_MIN})
-            writer.check_integer(plain, in_utf8, value, width, one_of({0, 0, 1, 25, -3, INT32_MAX}), flags,
-                                 one_of({-1, 0, 19, 26, 64, 64, 300, 301}));
+        for (const auto& row : of_integers)
+          for (const uint32_t flags : row)
+            for (const int width : {0, 1, -19, 20, 33, -40, 64, 65, 300, INT32_MIN})
+              writer.check_integer(plain, in_utf8, value, width, one_of({0, 0, 1, 25, -3, INT32_MAX}), flags,
+                                   one_of({-1, 0, 19, 26, 64, 64, 300, 301}));
         Value read{};
         uint64_t consumed = 0;
         const auto write = [&](VXChar* text, int64_t room, int64_t* length) {
@@ -377,10 +362,6 @@ TEST(NumberFormat, NullsAndNoLocale) {
   VX_EXPECT_NULLS_REFUSED(NLSCurrencyFormat, locale, 9, 1, 0u, units, 16, &length, 1234.5);
   VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSIntFormat, locale), 1, 0, 0, 0u, units, 4, &length);
   VX_EXPECT_NULLS_REFUSED(vxzFDblToBuff, units, 8, &length, &length, 0.5);
-  const auto utf8_format = [&](uint8_t* buffer, int64_t* written) {
-    return NLSDoubleFormatUWithExOpts(locale, 9, 1, NLS_FORMAT_PLAIN, buffer, 16, written, nullptr, 1234.5);
-  };
-  VX_EXPECT_NULLS_REFUSED(utf8_format, bytes, &length);
   const auto integer_digits = [](VXChar* to, int64_t* digits) { return vxzIDblToBuff(12, to, 8, digits, nullptr); };
   VX_EXPECT_NULLS_REFUSED(integer_digits, units, &length);
   EXPECT_EQ(integer_digits(units, &length), 0u);

@@ -41,7 +41,7 @@ inline std::ostream& operator<<(std::ostream& out, const Reading& r) {
 struct Decimal {
   std::string digits;
   int64_t exponent = 0;
-  bool is_negative = false, is_near_tie = false, is_whole = false;  // is_whole: nothing in the text refuses them
+  bool is_negative = false, is_near_tie = false;
   uint64_t part(size_t from) const { return digits.size() > from ? std::stoull(digits.substr(from, 15)) : 0; }
 };
 
@@ -137,7 +137,6 @@ inline Reading read_double(std::u32string_view text, const Signs& signs, uint32_
   }
   in.run(blanks);
   if (!in.ended()) return result(VX_E_NOTNUMBER);
-  decimal.is_whole = true;
   double value = qmMissVal('.');
   const VXStatus status = value_of(decimal, value);
   return result(status, value);

@@ -47,12 +47,6 @@ class Readers : public testing::Test {
     Decimal decimal;
     const Reading expected = read_double(text, signs_, flags, decimal);
     check(text, flags, expected, VX_NUMBER_DOUBLE, NLSBufToDoubleWithOpts, NLSBufToDoubleUWithOpts);
-    if (const auto count = static_cast<int32_t>(decimal.digits.size()); count != 0 && decimal.is_whole) {
-      double soft = 0;
-      vxnls::calc_double<SoftExtended>(decimal.part(0), decimal.part(15), count, static_cast<int32_t>(decimal.exponent),
-                                       decimal.is_negative, &soft);
-      EXPECT_EQ(as_bits(soft), expected.value) << utf8(text);
-    }
     const auto is_one_byte = [&](char32_t c) { return c < 0x80 || c == signs_.separator; };
     if (flags != 0 || !is_one_byte(signs_.point) || !std::all_of(text.begin(), text.end(), is_one_byte)) return decimal;
     std::string ascii, ebcdic;
