@@ -1,9 +1,9 @@
 // The commands in the documents: each line behind "$ " of a console block is run by a shell, and prints what stands
 // below it. The blocks of one document share a folder of their own, so that a block may read what an earlier one wrote.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cctype>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/cli/command_line.h"
 #include "tests/host/temporary_folder.h"
-#include "tests/support/process.h"
 
 namespace {
 
@@ -63,20 +63,12 @@ TEST(Documents, CommandsPrintWhatTheySay) {
     }
     const vxtest::TemporaryFolder folder;
     folder.link(root / "examples", "examples");
-    vxtest::Environment variables{{"PATH", VXNLS_PROGRAMS ":/usr/bin:/bin"},
-                                  {"LANG", "en_US.UTF-8"},
-                                  {"TZ", "UTC"},
-                                  {"HERE", folder.path()},
-                                  {"HOME", folder.path()},
-                                  {"PERL_BADLANG", "0"},  // the locale of LANG need not be installed
-                                  {"LIB", VXNLS_LIBRARIES}};
-    for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS"}) {
-      if (const char* value = std::getenv(name); value != nullptr) variables.emplace_back(name, value);
-    }
+    const std::string frame = fmt::format("export HERE={0} HOME={0} LIB={1} PERL_BADLANG=0; cd {0}; exec 2>&1\n",
+                                          folder.path(), VXNLS_LIBRARIES);  // LANG's locale need not be installed
     for (const Step& step : steps) {
       const char* const extension = VXNLS_LIBRARIES "/vxnls_sqlite.so";  // which not every build has
       if (step.command.find("$LIB/vxnls_sqlite.so") != std::string::npos && !fs::exists(extension)) continue;
-      const auto result = vxtest::run_shell("cd \"$HERE\" && exec 2>&1\n" + step.command, "", variables);
+      const auto result = vxtest::run_line(frame + step.command);
       EXPECT_EQ(result.out, step.output) << document << ':' << step.line << ": " << step.command;
       ++count;
     }
@@ -89,12 +81,9 @@ std::set<std::string> anchors_of(const fs::path& document) {
   std::set<std::string> anchors;
   for (const auto& [block, text] : lines_of(document)) {
     if (block != "-" || !text.starts_with('#')) continue;
-    std::string anchor;
-    for (const char c : text.substr(text.find(' ') + 1)) {
-      const auto byte = static_cast<unsigned char>(c);
-      if (c == ' ' || c == '-') anchor += '-';
-      else if (std::isalnum(byte) != 0 || c == '_' || byte >= 0x80) anchor += static_cast<char>(std::tolower(byte));
-    }
+    std::string anchor =
+        std::regex_replace(text.substr(text.find(' ') + 1), std::regex("[^ A-Za-z0-9_\x80-\xFF-]"), "");
+    for (char& c : anchor) c = c == ' ' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     anchors.insert(anchor);
   }
   return anchors;
