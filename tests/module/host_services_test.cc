@@ -1,4 +1,4 @@
-// Loading, journals, and what a host offers beside its locales: absent, made once, and answering what it must not.
+// Loading, and what a host offers beside its locales: absent, made once, and answering what it must not.
 // Whatever a host says, nothing outside the buffers is touched, and what leaves the library keeps to what its headers
 // say.
 #include "module/host_services.h"
@@ -74,29 +74,6 @@ TEST(Loading, TheBuildRecordIsWrittenWholeAndNoFurther) {
   EXPECT_EQ(std::string(r.label).substr(std::strlen(r.label) - 8), text);
 }
 
-// Journals
-
-// The host answers with the first of the variable arguments. A status is signed and keeps its sign when it gets wider;
-// a level is not.
-TEST(Journal, PassesEverythingOn) {
-  FailingHost host;
-  const VXChar message[] = {'M', 0};
-  const uint64_t wide = 0xFEDCBA9876543210;
-  const auto failure = static_cast<int32_t>(0x803fc002);
-  const auto pass_on = [&](VXJournal* journal) {
-    const VXStatus first = journal != nullptr ? 11 : 0;
-    EXPECT_EQ(vxlMessageToBuf(journal, wide, 2, 3, 4, 5, 11), first);
-    EXPECT_EQ(vxlMessageToJnl(journal, 0xFFFFFFFF, message, 7, 11), first);
-    EXPECT_EQ(vxlStatusToBuf(journal, failure, 1, 2, wide, 11), first);
-    EXPECT_EQ(vxlStatusToJnl(journal, 0x80000004, failure, 11), first);
-    EXPECT_EQ(vxlGetLocale(journal, 1, 2, 3, 4, wide), journal);
-  };
-  EXPECT_EQ(host.trace([&] { pass_on(nullptr), pass_on(&host.journal); }),
-            (Calls{"message_to_buffer journal fedcba9876543210 2 3 4 5 *", "message_to_journal journal ffffffff M 7 *",
-                   "status_to_buffer journal -2143305726 1 2 fedcba9876543210 *",
-                   "status_to_journal journal 80000004 -2143305726 *", "get_locale journal 1 2 3 4 fedcba9876543210"}));
-}
-
 // Texts of any length are reversed in hostile_input_test.cc.
 TEST(Reversal, OfNothing) {
   uint8_t bytes[] = {1, 2};
@@ -119,6 +96,9 @@ TEST(HostServices, AreAbsentWithoutAHandleOrWithAnEmptyOne) {
     EXPECT_EQ(vxGetBDConv(), nullptr);
     EXPECT_EQ(vxnls::host::integer_option(nullptr, 0, 77), 77);
   }
+  EXPECT_EQ(vxlMessageToBuf(nullptr, 1, 2, 3, 4, 5) | vxlMessageToJnl(nullptr, 1, nullptr, 2), 0u);
+  EXPECT_EQ(vxlStatusToBuf(nullptr, 1, 2, 3, 4) | vxlStatusToJnl(nullptr, 1, 2), 0u);
+  EXPECT_EQ(vxlGetLocale(nullptr, 1, 2, 3, 4, 5), nullptr);
   // Without a zone, a service or a host there is no zone to ask.
   vxtest::ZonedLocale whole;
   whole.use(U"Zone/East");

@@ -241,18 +241,9 @@ constexpr VXTrackOps track_ops = {
     }),
 };
 
-// The first variable argument is the answer to what the library does not write itself, which has none.
-constexpr VXJournalOps journal_ops = {
-    operation<"message_to_buffer">(
-        [](Host&, auto*, auto, auto, auto, auto, auto, va_list rest) { return va_arg(rest, int); }),
-    operation<"message_to_journal">(
-        [](Host&, auto*, uint32_t level, auto*, auto, va_list rest) { return level > 9 ? va_arg(rest, int) : 0; }),
-    operation<"status_to_buffer">([](Host&, auto*, auto, auto, auto, auto, va_list rest) { return va_arg(rest, int); }),
-    operation<"status_to_journal">(
-        [](Host&, auto*, uint32_t level, auto, va_list rest) { return level > 9 ? va_arg(rest, int) : 0; }),
-    {},
-    operation<"get_locale">([](Host&, VXJournal* journal, auto...) { return journal; }),
-};
+constexpr VXJournalOps journal_ops = {{}, operation<"message_to_journal">([](Host&, auto...) { return 0; }),
+                                      {}, operation<"status_to_journal">([](Host&, auto...) { return 0; }),
+                                      {}, {}};
 
 VXLogger* logger_of(Host& host) { return reinterpret_cast<VXLogger*>(&host.journal); }
 
@@ -335,8 +326,7 @@ constexpr HostContextOps context_ops = {
                                    int64_t* out_length,
                                    auto*) { return put_zone(host, find_zone(told(id, length)), out, out_length); }),
     operation<"os_zone">([](Host& host, auto*, VXChar* out, int64_t* length, auto) {
-      const VXStatus status = host.system_zone_status;
-      return status != 0 ? status : put_zone(host, find_zone(utf8(host.system_zone)), out, length);
+      return put_zone(host, find_zone(host.system_zone), out, length);
     }),
 };
 

@@ -71,8 +71,8 @@ class FailingHost {
   VXJournal journal{};
 
   // What the host answers, for tests that want another answer.
-  std::u32string system_zone = U"America/New_York";
-  VXStatus system_zone_status = 0, lookup_status = 0, fill_status = 0;
+  std::string system_zone = "America/New_York";
+  VXStatus lookup_status = 0, fill_status = 0;
   std::optional<const VXLocaleRecord*> record;  // in place of the name asked for
   std::optional<int64_t> claimed_zone_length;   // by normalise_zone, os_zone and describe, whatever the text is
   bool has_logger = false;                      // find_logger finds it, otherwise it has to be created
