@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <functional>
 #include <set>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -348,10 +347,17 @@ struct HostileRecord : testing::Test {
     answers.insert(answers.end(), values);
   }
 
-  /// The names that lie between two members of the record.
-  std::span<NLSName> names(size_t from, size_t to) {
-    auto* const first = reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&locale.data) + from);
-    return {first, (to - from) / sizeof(NLSName)};
+  /// The counted names and patterns of the record.
+  std::vector<NLSName*> names() {
+#define AT(member) offsetof(VXLocaleData, member)
+    std::vector<NLSName*> all;
+    for (const auto& [from, to] :
+         {std::pair{AT(dayNames), AT(word11848)}, std::pair{AT(quarterPattern2), AT(names14336)},
+          std::pair{AT(groupingPattern), AT(decimalPoint)}, std::pair{AT(currencySymbol), AT(block3Rest)}}) {
+      auto* const first = reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&locale.data) + from);
+      for (size_t i = 0; i < (to - from) / sizeof(NLSName); ++i) all.push_back(first + i);
+    }
+    return all;
   }
 
   vxtest::ZonedLocale locale;
@@ -361,8 +367,6 @@ struct HostileRecord : testing::Test {
   std::vector<int64_t> answers;
   std::set<VXStatus> statuses;  // all that were answered
 };
-
-#define AT(member) offsetof(VXLocaleData, member)
 
 // What is written does not depend on how much more room there is said to be.
 TEST_F(HostileRecord, RoomsOfAnyLength) {
@@ -376,30 +380,25 @@ TEST_F(HostileRecord, RoomsOfAnyLength) {
 // A counted name is read as if its length were held to 0 to 60, in every place where it is read.
 TEST_F(HostileRecord, LengthsAreHeldToTheRoomOfAName) {
   vxtest::set_name(locale.data.datetimePattern, U"%A %a %B %b %p");
-  size_t count = 0;
-  for (const auto& [from, to] :
-       {std::pair{AT(dayNames), AT(word11848)}, std::pair{AT(quarterPattern2), AT(names14336)},
-        std::pair{AT(groupingPattern), AT(decimalPoint)}, std::pair{AT(currencySymbol), AT(block3Rest)}}) {
-    for (NLSName& name : names(from, to)) {
-      SCOPED_TRACE(testing::Message() << "name " << ++count);
-      const NLSName kept = name;
-      std::fill(name.text + kept.length, std::end(name.text), VXChar{'m'});
-      const auto with_length = [&](int64_t length) {
-        name.length = length;
-        return run(600);
-      };
-      const auto none = with_length(0), all = with_length(60);
-      EXPECT_NE(none, all) << "nobody reads it";
-      for (const int64_t length : {INT64_C(61), INT64_C(480), INT64_C(1) << 31, (INT64_C(1) << 32) + 3, INT64_MAX}) {
-        ASSERT_TRUE(with_length(length) == all) << length;
-      }
-      for (const int64_t length : {INT64_C(-1), -(INT64_C(1) << 32) + 3, INT64_MIN}) {
-        ASSERT_TRUE(with_length(length) == none) << length;
-      }
-      name = kept;
+  EXPECT_EQ(names().size(), 46u + 10u + 1u + 1u);
+  for (NLSName* const name : names()) {
+    SCOPED_TRACE(testing::Message() << reinterpret_cast<uint8_t*>(name) - reinterpret_cast<uint8_t*>(&locale.data));
+    const NLSName kept = *name;
+    std::fill(name->text + kept.length, std::end(name->text), VXChar{'m'});
+    const auto with_length = [&](int64_t length) {
+      name->length = length;
+      return run(600);
+    };
+    const auto none = with_length(0), all = with_length(60);
+    EXPECT_NE(none, all) << "nobody reads it";
+    for (const int64_t length : {INT64_C(61), INT64_C(480), INT64_C(1) << 31, (INT64_C(1) << 32) + 3, INT64_MAX}) {
+      ASSERT_TRUE(with_length(length) == all) << length;
     }
+    for (const int64_t length : {INT64_C(-1), -(INT64_C(1) << 32) + 3, INT64_MIN}) {
+      ASSERT_TRUE(with_length(length) == none) << length;
+    }
+    *name = kept;
   }
-  EXPECT_EQ(count, 46u + 10u + 1u + 1u);
 }
 
 // Directives and modifiers without end, and what no directive may be; every status is a documented one.
@@ -411,13 +410,11 @@ TEST_F(HostileRecord, PatternsAndNamesOfAnything) {
     std::u32string text, long_name(60, U'\U0001F600');  // which makes a pattern outgrow every room
     while (text.size() < 60) text += unit;
     for (const bool of_patterns : {false, true}) {
-      for (NLSName& name : names(AT(dayNames), AT(word11848))) {
-        const bool is_pattern = &name >= &locale.data.datePattern && &name < &locale.data.amMarker;
-        vxtest::set_name(name, std::u32string_view(of_patterns && !is_pattern ? long_name : text).substr(0, 60));
+      for (NLSName* const name : names()) {
+        const bool is_pattern =
+            name >= &locale.data.quarterPattern2 || (name >= &locale.data.datePattern && name < &locale.data.amMarker);
+        vxtest::set_name(*name, std::u32string_view(of_patterns && !is_pattern ? long_name : text).substr(0, 60));
       }
-      for (NLSName& name : names(AT(quarterPattern2), AT(names14336))) vxtest::set_name(name, text.substr(0, 60));
-      vxtest::set_name(locale.data.groupingPattern, text.substr(0, 60));
-      vxtest::set_name(locale.data.currencySymbol, text.substr(0, 60));
       for (const int64_t room : {0, 1, 59, 60, 179, 180, 181, 511, 512, 513, 600}) run(room);
       locale.data = as_it_was;
     }
