@@ -126,32 +126,28 @@ class DatetimeFormat : public testing::Test {
 TEST_F(DatetimeFormat, RandomPatternsAndValues) {
   use_names_beyond_ascii();
   constexpr std::u32string_view literals[] = {U"%%", U"-", U" ", U"  ", U"年", U"😀"};
-  constexpr std::u32string_view two_digits[] = {U"%Y", U"%m", U"%d", U"%H", U"%M", U"%S"};
+  constexpr std::u32string_view numbers[] = {U"%Y", U"%m", U"%d", U"%H", U"%M", U"%S"};
   constexpr std::u32string_view triples[] = {U"%d%m%Y", U"%m%d%Y", U"%Y%m%d", U"%H%M%S", U"%d%H%b"};
-  constexpr std::u32string_view letters = U"AaBbCcDdEeFfHhIiKkLlMmNnOoPpSsUuWwYyZz", wrong = U"GJQRTVX1@[`{éŉſ\xFF";
+  constexpr std::u32string_view letters = U"AaBbCcDdEeFfHhIiKkLlMmNnOoPpSsUuWwYyZz", wrong = U"GJQRTVX1@[`{éŉſ\xFF?#";
   std::mt19937 random(7);
   const auto one_of = [&](const auto& from) { return from[random() % std::size(from)]; };
-  const auto any = [&] { return static_cast<char32_t>(random() % 8 != 0 ? random() % 0x90 : random()); };
   for (unsigned round = 0; round < 32000 && !HasFailure(); ++round) {
     std::u32string pattern;
-    if (round % 16 == 0) {
-      const auto add_triple = [&](std::u32string_view triple, char32_t between) {
-        (pattern += triple.substr(0, 2)) += between;
-        (pattern += triple.substr(2, 2)) += any();
-        pattern += triple.substr(4);
-      };
-      add_triple(one_of(triples), round / 16 % 0x180);
-      if (random() % 2 != 0) pattern += any(), add_triple(one_of(triples), any());
-    } else {
-      const bool plain_numbers = random() % 2 == 0;
-      for (auto n = random() % 14; n > 0; --n) {
-        if (random() % 4 == 0) pattern += one_of(literals);
-        else if (plain_numbers && random() % 16 != 0) pattern += one_of(two_digits);
-        else pattern.append(one_of(std::array{U"%", U"%?", U"%#"})) += one_of(letters);
-      }
-      if (random() % 8 == 0) pattern.append(one_of(std::array{U"%", U"%#"})) += one_of(wrong);
-      if (random() % 16 == 0) pattern += one_of(std::array{U"%", U"%#", U"%?", U"%?#d", U"%##d"});
+    const auto add_triple = [&](char32_t between) {
+      pattern += one_of(triples);
+      pattern.insert(pattern.size() - 2, 1, static_cast<char32_t>(random() % 0x90));
+      pattern.insert(pattern.size() - 5, 1, between);
+    };
+    const auto pieces = random() % 14;
+    if (round % 16 == 0) add_triple(round / 16 % 0x180);
+    if (round % 32 == 0) pattern += static_cast<char32_t>(random() % 0x90), add_triple(U':');
+    while (round % 16 != 0 && pattern.size() < 2 * pieces) {
+      if (random() % 4 == 0) pattern += one_of(literals);
+      else if (round % 2 == 0 && random() % 16 != 0) pattern += one_of(numbers);
+      else
+        pattern.append(one_of(std::array{U"%", U"%?", U"%#"})) += random() % 64 != 0 ? one_of(letters) : one_of(wrong);
     }
+    if (random() % 16 == 0) pattern += one_of(std::array{U"%", U"%#", U"%?", U"%?#d", U"%##d"});
     const auto days = static_cast<int>(random() % 880000) - 138061;
     expect_everywhere(days * day + static_cast<double>(random() % 86400) + (random() % 2 != 0 ? 0.25 : 0), pattern);
   }
@@ -197,22 +193,16 @@ TEST_F(DatetimeFormat, Datetimes) {
     VXStatus status = 0;
   } cases[] = {
       {-11928470400, U"%Y-%m-%d %a %w %F", U"1582-01-01 Fri 5 Friday"},  // the first nine days index the tables truly
-      {-11928470400 + 8 * day, U"%Y-%m-%d %a %w %F", U"1582-01-09 Sat 6 Saturday"},
-      {745153 * day, U"%Y-%m-%d", U"4000-02-28"},
       {745154 * day, U"%Y-%m-%d", U"4000-03-01"},
       {569318630399, U"%Y-%m-%d %H:%M:%S", U"0000-12-31 23:59:59"},  // the last four digits of 20000
-      {16437 * day, U"%#Y|%Y", U"205|2005"},
-      {0, U"%K %H %I %L %p", U"24 24 12 12 PM"},  // 24 stays
+      {0, U"%K %H %I %L %p", U"24 24 12 12 PM"},                     // 24 stays
       {0, U"%H %K %#l", U"00 24 12"},
       {86399.9999999, U"%d %H:%M:%S", U"02 23:59:59"},  // the day is rounded, the time is not
       {-1e-9, U"%d %H:%M:%S", U"01 00:00:00"},
       {0, U"%m/%d  \u00A0  ", U"01/01  \u00A0"},  // only U+0020 is a trailing blank
-      {0, U"   ", U""},
-      {std::nan(""), U"%1", U"", VX_E_MISSING},  // before the pattern, and that before room
-      {std::bit_cast<double>(uint64_t{0xFFFFFD0000000000}), U"%Y", U"", VX_E_MISSING},
+      {std::nan(""), U"%1", U"", VX_E_MISSING},   // before the pattern, and that before room
       {-11928470400.5, U"%Y", U"", VX_E_RANGE},
       {569318630400, U"%Y", U"", VX_E_RANGE},
-      {HUGE_VAL, U"%Y", U"", VX_E_RANGE},
       {-HUGE_VAL, U"%Y", U"", VX_E_RANGE},
       {0, U"a long text, then %J", U"", VX_E_DIRECTIVE},
   };
@@ -228,7 +218,7 @@ TEST_F(DatetimeFormat, Datetimes) {
 TEST_F(DatetimeFormat, Dates) {
   constexpr std::u32string_view pattern = U"%A %#d %B %Y";
   set_name(plain.data.datePattern, pattern);
-  for (const uint32_t year : {0u, 1u, 24u, 49u, 50u, 99u, 100u, 1581u, 1582u, 1900u, 2000u, 2023u, 2024u, 0x7FFFFFFFu})
+  for (const uint32_t year : {0u, 49u, 50u, 99u, 100u, 1581u, 1582u, 1900u, 2000u, 2023u, 0x7FFFFFFFu})
     for (const uint32_t month : {0u, 1u, 2u, 4u, 12u, 13u, 0xFFFFFFFFu})
       for (const uint32_t of_month : {0u, 1u, 28u, 29u, 30u, 31u, 32u, 0x80000001u}) {
         SCOPED_TRACE(testing::Message() << month << "/" << of_month << "/" << year);
@@ -238,37 +228,19 @@ TEST_F(DatetimeFormat, Dates) {
         if (exists) expect_as_expanded(date(month, of_month, year), Expander(plain.data, day, name, offset), pattern);
         else expect(date(month, of_month, year), U"", VX_E_RANGE);
       }
-  expect(date(2, 29, 4000), U"", VX_E_RANGE);
   expect(date(12, 31, 20000), U"Tuesday 31 December 0000");
   expect(date(1, 1, 20001), U"", VX_E_RANGE);
 }
 
 TEST_F(DatetimeFormat, NullPointers) {
   VXChar unit;
-  int64_t length = -77;
   uint8_t byte;
-  VX_EXPECT_NULLS_REFUSED(NLSDateFormat, plain.get(), 1u, 1u, 2000u, 0, &unit, 1, &length);
+  int64_t length = -77;
   VX_EXPECT_NULLS_REFUSED(NLSDateFormatU, plain.get(), 1u, 1u, 2000u, 0, &byte, 1, &length);
   VX_EXPECT_NULLS_REFUSED(NLSTimeFormat, plain.get(), 0, &unit, 1, &length, 0);
-  VX_EXPECT_NULLS_REFUSED(NLSTimeFormatU, plain.get(), 0, &byte, 1, &length, 0);
   VX_EXPECT_NULLS_REFUSED(NLSDatetimeFormat, plain.get(), 0u, &unit, 1, &length, 0);
-  VX_EXPECT_NULLS_REFUSED(NLSDatetimeFormatU, plain.get(), 0u, &byte, 1, &length, 0);
   EXPECT_EQ(length, -77);
   EXPECT_EQ(NLSDatetimeFormat(plain.get(), 0, nullptr, 0, &length, 0), VX_E_TRUNCATED);
-  EXPECT_EQ(length, 0);
-}
-
-TEST_F(DatetimeFormat, ZoneIsAskedOnceADirectiveAtTheValue) {
-  use_zone();
-  set_name(plain.data.datePattern, U"%Z %z %d %?Z");
-  set_name(plain.data.timePattern, U"%H");
-  set_name(plain.data.timePattern1, U"%z");
-  VXChar out[80];
-  int64_t length;
-  date(1, 2, 1960)(out, 80, &length);
-  time_by(0, 45296.5)(out, 80, &length);
-  time_by(1, 45296.5)(out, 80, &length);
-  EXPECT_EQ(asked, (std::vector<double>{day, day, day, 45296.5}));
 }
 
 TEST_F(DatetimeFormat, ZoneNamesAndOffsets) {
@@ -280,29 +252,37 @@ TEST_F(DatetimeFormat, ZoneNamesAndOffsets) {
     offset = seconds;
     expect_as_expanded(time_by(0, 0), of_seconds(0), both);
   }
-  offset = INT32_MIN;
-  expect(time_by(0, 0), U"Europe/Berlin-2314");
   const std::u32string fifty(50, U'z');
-  set_name(plain.data.timePattern, U"%Z");
   const auto expect_name = [&](std::u32string_view given, std::optional<int64_t> told, std::u32string_view shown) {
     name = given;
     length_told = told;
-    expect(time_by(0, 0), shown);
+    expect(time_by(0, 0), std::u32string(shown) + U"-2314");
   };
+  offset = INT32_MIN;
   expect_name(U"", {}, U"XST");
   expect_name(fifty, {}, fifty);
   expect_name(fifty, 51, fifty);  // more than there is room for
   expect_name(fifty, -1, U"XST");
+  length_told.reset();
   failing = true;
-  expect_name(fifty, {}, U"XST");
-  set_name(plain.data.timePattern, U"%z");
-  expect(time_by(0, 0), U"+0000");
+  expect(time_by(0, 0), U"XST+0000");
   failing = false;
   // In UTF-8 a unit of the name is its low eight bits.
+  name = U"\u00C5\u013A\u0421!";
   set_name(plain.data.timePattern, U"%Z");
-  name = U"Åé\x3BA!";
   expect_units<VXChar>(time_by(0, 0), {name.begin(), name.end()});
-  expect_units<uint8_t>(time_by(0, 0), {0xC5, 0xE9, 0xBA, '!'});
+  expect_units<uint8_t>(time_by(0, 0), {0xC5, 0x3A, 0x21, '!'});
+  // A zone is asked once a directive, at the value.
+  set_name(plain.data.datePattern, U"%Z %z %d %?Z");
+  set_name(plain.data.timePattern, U"%H");
+  set_name(plain.data.timePattern1, U"%z");
+  asked.clear();
+  VXChar out[80];
+  int64_t length;
+  date(1, 2, 1960)(out, 80, &length);
+  time_by(0, 45296.5)(out, 80, &length);
+  time_by(1, 45296.5)(out, 80, &length);
+  EXPECT_EQ(asked, (std::vector<double>{day, day, day, 45296.5}));
 }
 
 // The scratch holds 512 units. The zone's name stays below its end or gives way to XST.
@@ -339,21 +319,22 @@ TEST_F(DatetimeFormat, TextsBeyondTheScratch) {
 TEST_F(DatetimeFormat, LongTextsInUtf8) {
   const std::u32string sixty(60, U'😀'), counted(45, U'😀'), odd = U"é" + std::u32string(59, U'😀');
   const std::u32string cut = U"123" + std::u32string(44, U'😀');
-  const auto expect_both = [&](std::u32string_view units, std::u32string_view in_utf8, VXStatus status = 0) {
-    const std::string bytes = utf8(in_utf8);
-    expect_units<VXChar>(date(1, 1, 2000), {units.begin(), units.end()});
-    expect_units<uint8_t>(date(1, 1, 2000), {bytes.begin(), bytes.end()}, status);
+  const struct {
+    std::u32string month, pattern, units, in_utf8;
+    VXStatus status = 0;
+  } cases[] = {
+      {sixty, U"%B.", sixty + U".", counted + U"."},
+      {odd, U"%B.", odd + U".", odd.substr(0, 45) + U"."},
+      {odd, sixty, sixty, counted},
+      {odd, cut + U"%d", cut + U"01", U"", VX_E_DIRECTIVE},  // the cut can leave a directive without its letter
   };
-  set_name(plain.data.monthNames[0], sixty);
-  set_name(plain.data.datePattern, U"%B.");
-  expect_both(sixty + U".", counted + U".");
-  set_name(plain.data.monthNames[0], odd);
-  expect_both(odd + U".", odd.substr(0, 45) + U".");
-  set_name(plain.data.datePattern, sixty);
-  expect_both(sixty, counted);
-  // The cut can leave a directive without its letter.
-  set_name(plain.data.datePattern, cut + U"%d");
-  expect_both(cut + U"01", U"", VX_E_DIRECTIVE);
+  for (const auto& c : cases) {
+    const std::string bytes = utf8(c.in_utf8);
+    set_name(plain.data.monthNames[0], c.month);
+    set_name(plain.data.datePattern, c.pattern);
+    expect_units<VXChar>(date(1, 1, 2000), {c.units.begin(), c.units.end()});
+    expect_units<uint8_t>(date(1, 1, 2000), {bytes.begin(), bytes.end()}, c.status);
+  }
 }
 
 }  // namespace
