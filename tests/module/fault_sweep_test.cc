@@ -9,6 +9,7 @@
 #include <iostream>
 #include <numeric>
 #include <set>
+#include <sstream>
 #include <thread>
 
 #include "tests/support/failing_host.h"
@@ -170,10 +171,7 @@ Outcome compare_normalised(Stage&) {
   const bool after = vxzsu8ICUNormCompare(small_e, 2, large_e, 2, 0, &status) > 0;
   return {after, status};
 }
-Outcome complete_year(Stage& stage) {
-  stage.host.year_cutoff = 1900;
-  return {true, vxfmtzjulymd(30, 1, 1)};
-}
+Outcome complete_year(Stage&) { return {true, vxfmtzjulymd(30, 1, 1)}; }
 
 /// The sum of the units tells texts apart.
 Outcome sum_of(std::u32string_view text) { return {true, std::accumulate(text.begin(), text.end(), int64_t{0})}; }
@@ -262,48 +260,41 @@ int64_t with_every_fault(Sweep sweep) {
   return injected;
 }
 
-/// One run with the k-th call failing; false when no call failed, so that the sweep is over. `left` is what an
-/// undisturbed run leaves behind; `seen` gathers what has failed.
-bool run(const Scenario& scenario, int64_t k, const Fault& fault, const Holdings& left, std::set<std::string>* seen) {
-  SCOPED_TRACE(scenario.name);
-  Stage stage;
-  FailingHost& host = stage.host;
-  scenario.prepare(stage);
-  const Holdings before = host.holdings();
-  host.fail_call(k, fault.lasting, fault.status, fault.rubbish);
-  const Outcome outcome = scenario.act(stage);
-  host.fail_nothing();
-  const Calls failures = host.failures;
-  SCOPED_TRACE(testing::PrintToString(failures));
-  for (const std::string& call : failures) {
-    const size_t name = call.find_first_not_of(' ');
-    seen->insert(call.substr(name, call.find(' ', name) - name));
-  }
-  EXPECT_EQ(outcome, documented(scenario.rules, scenario.undisturbed, failures, fault.status));
-  EXPECT_EQ(host.holdings(), outcome.first ? left : before);
-  EXPECT_EQ(scenario.act(stage), scenario.undisturbed) << "the next try";
-  EXPECT_EQ(host.holdings(), left) << "after the next try";
-  // A refused zone option releases the lock before it was taken.
-  const bool refused_option = !outcome.first && failures[0].starts_with("normalise_zone") && scenario.rules.size() > 8;
-  host.close();
-  EXPECT_EQ(host.holdings(), Holdings{});
-  EXPECT_EQ(host.complaints, refused_option ? Calls{"released but not held: creation"} : Calls{});
-  return !failures.empty();
-}
-
 TEST(FaultSweep, EveryCallOfEveryScenario) {
   int64_t injected = 0;
-  std::set<std::string> seen;
+  std::set<std::string> seen;  // the operations that have failed
   for (const Scenario& scenario : scenarios) {
+    SCOPED_TRACE(scenario.name);
     const Holdings left = [&] {
       Stage undisturbed;
       scenario.prepare(undisturbed), scenario.act(undisturbed);
       return undisturbed.host.holdings();
     }();
-    const int64_t faults =
-        with_every_fault([&](int64_t k, const Fault& fault) { return run(scenario, k, fault, left, &seen); });
+    const int64_t faults = with_every_fault([&](int64_t k, const Fault& fault) {
+      Stage stage;
+      FailingHost& host = stage.host;
+      scenario.prepare(stage);
+      const Holdings before = host.holdings();
+      host.fail_call(k, fault.lasting, fault.status, fault.rubbish);
+      const Outcome outcome = scenario.act(stage);
+      host.fail_nothing();
+      const Calls failures = host.failures;
+      SCOPED_TRACE(testing::PrintToString(failures));
+      for (std::string call : failures) seen.insert((std::istringstream(call) >> call, call));
+      EXPECT_EQ(outcome, documented(scenario.rules, scenario.undisturbed, failures, fault.status));
+      EXPECT_EQ(host.holdings(), outcome.first ? left : before);
+      EXPECT_EQ(scenario.act(stage), scenario.undisturbed) << "the next try";
+      EXPECT_EQ(host.holdings(), left) << "after the next try";
+      // A refused zone option releases the lock before it was taken.
+      const bool is_creation = scenario.rules.size() >= creation.size();
+      const bool refused_option = !outcome.first && is_creation && failures[0].starts_with("normalise_zone");
+      host.close();
+      EXPECT_EQ(host.holdings(), Holdings{});
+      EXPECT_EQ(host.complaints, refused_option ? Calls{"released but not held: creation"} : Calls{});
+      return !failures.empty();
+    });
     if (HasFailure()) return;
-    EXPECT_GT(faults, 0) << scenario.name << " calls nothing";
+    EXPECT_GT(faults, 0) << "it calls nothing";
     injected += faults;
   }
   EXPECT_EQ(seen.size(), 35u) << testing::PrintToString(seen);  // all operations of the host

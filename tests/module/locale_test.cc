@@ -182,10 +182,9 @@ TEST_F(LocaleTest, MakesItsJournalOnceAndOnlyForALogger) {
 
 TEST_F(LocaleTest, HoldsWhatTheHostClaimsToItsRoom) {
   const std::u32string long_name(1000, U'n');
-  VXLocaleRecord record = {reinterpret_cast<const VXChar*>(long_name.data()), 0};
+  static VXLocaleRecord record;
+  record.name = reinterpret_cast<const VXChar*>(long_name.data());
   host.record = &record;
-  host.lookup_status = VX_W_SUBSTITUTE;  // which, like a remark of the filler, is no refusal
-  host.fill_status = VX_W_FILL;
   for (const int64_t claimed : {INT64_MIN, INT64_C(-1), INT64_C(0), INT64_C(1), INT64_C(60), INT64_C(61), INT64_C(62),
                                 INT64_C(63), INT64_C(1000), INT64_MAX}) {
     SCOPED_TRACE(record.length = claimed);

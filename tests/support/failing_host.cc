@@ -255,14 +255,14 @@ constexpr VXLoggerServiceOps logger_ops = {
 constexpr VXExtensionOps message_ops = {operation<"destroy_extension">([](Host& host, VXExtension* extension) {
   if (given_back(host, extension)) delete extension;
 })};
-constexpr VXLocaleDatabaseOps locale_database_ops = {
-    message_ops.destroy, operation<"fill">([](Host& host, auto*, VXLocaleData* data, auto...) {
-      static const auto english = std::make_unique<PlainLocale>();
-      const NLSName written = data->localeName;
-      *data = english->data;
-      data->localeName = written;
-      return host.fill_status;
-    })};
+constexpr VXLocaleDatabaseOps locale_database_ops = {message_ops.destroy,
+                                                     operation<"fill">([](Host&, auto*, VXLocaleData* data, auto...) {
+                                                       static const auto english = std::make_unique<PlainLocale>();
+                                                       const NLSName written = data->localeName;
+                                                       *data = english->data;
+                                                       data->localeName = written;
+                                                       return 0;
+                                                     })};
 constexpr VXUnicodeDatabaseOps unicode_database_ops = {
     message_ops.destroy, operation<"test_class">([](Host&, auto*, uint32_t code_point, uint32_t bits) {
       return code_point == 0xE9 && (bits & 2) != 0;
@@ -320,7 +320,7 @@ constexpr HostContextOps context_ops = {
       static thread_local VXLocaleRecord found;
       found = {name, length};
       *record = host.record.value_or(&found);
-      return host.record || (length >= 5 && name[2] == '_') ? host.lookup_status : VX_E_NOMATCH;
+      return host.record || (length >= 5 && name[2] == '_') ? 0 : VX_E_NOMATCH;
     }),
     operation<"normalise_zone">([](Host& host, auto*, const VXChar* id, int64_t length, auto, VXChar* out,
                                    int64_t* out_length,
@@ -350,10 +350,7 @@ constexpr VXZoneServiceOps zone_ops = {
 };
 
 constexpr VXOptionServiceOps option_ops = {
-    operation<"read_option">([](Host& host, auto*, auto*, auto, auto, int64_t* cell) {
-      *cell = host.year_cutoff.value_or(*cell);
-      return 0;
-    })};
+    operation<"read_option">([](Host&, auto*, auto*, auto, auto, int64_t* cell) { return *cell = 1900, 0; })};
 
 constexpr VXNormaliserOps normaliser_ops = {
     nullptr, operation<"compare">(

@@ -25,8 +25,8 @@ using Holdings = std::map<std::string, int64_t>;
 
 /// The host; one at a time. Its zones are America/New_York (5 hours west), Etc/UTC (also "UTC") and Asia/Kolkata (5:30
 /// east), in any letter case; its locales are all names of two letters and a region, filled in English; its only
-/// characters are the two letters e with acute. Threads may share it: while nothing fails and nothing is traced, it
-/// orders them no more than its locks and books do.
+/// characters are the two letters e with acute; its option is the year cutoff, 1900. Threads may share it: while
+/// nothing fails and nothing is traced, it orders them no more than its locks and books do.
 class FailingHost {
  public:
   FailingHost();
@@ -72,11 +72,9 @@ class FailingHost {
 
   // What the host answers, for tests that want another answer.
   std::string system_zone = "America/New_York";
-  VXStatus lookup_status = 0, fill_status = 0;
   std::optional<const VXLocaleRecord*> record;  // in place of the name asked for
   std::optional<int64_t> claimed_zone_length;   // by normalise_zone, os_zone and describe, whatever the text is
   bool has_logger = false;                      // find_logger finds it, otherwise it has to be created
-  std::optional<int64_t> year_cutoff;           // the option VX_NAME_YEARCUTOFF
 
   Calls failures;    // the calls that failed since fail_call
   Calls complaints;  // things given back but not held, locks taken twice or destroyed while they are held
