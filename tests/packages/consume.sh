@@ -1,6 +1,4 @@
-# Builds the consumer project in both ways, and holds what its programs print against what they must.
-expected='21.11.2026 14:05:09 1234.5'
-
+# A project of the documents' own blocks, built in both ways; its programs print what stands in them.
 # Texts to standard error, so that a test's log ends with the reason.
 fail() {
   echo "$*" >&2
@@ -14,13 +12,19 @@ must_print() {
   [ "$printed" = "$wanted" ] || fail "$* printed: $printed; wanted: $wanted"
 }
 
-# consumer_to FOLDER: the two programs, with the project file and the compilers' lines that docs/packages.md shows.
+# first_block LANGUAGE PAGE
+first_block() { awk -v start="\`\`\`$1" 'inside && /^```$/ { exit } inside; $0 == start { inside = 1 }' "$2"; }
+
+# consumer_to FOLDER: the first programs of the documents, their project file and the compilers' lines.
 consumer_to() {
-  local here=${BASH_SOURCE[0]%/*}
-  local page=$here/../../docs/packages.md
-  cp -r "$here/consumer" "$1"
-  awk '/^```$/ { inside = 0 } inside; /^```cmake$/ { inside = 1 }' "$page" >"$1/CMakeLists.txt"
-  grep 'pkg-config --cflags' "$page" >"$1/compile.sh"
+  local here=${BASH_SOURCE[0]%/*} program
+  local docs=$here/../../docs
+  mkdir "$1"
+  first_block cmake "$docs/packages.md" >"$1/CMakeLists.txt"
+  grep 'pkg-config --cflags' "$docs/packages.md" >"$1/compile.sh"
+  first_block c "$docs/../README.md" >"$1/from_c.c"
+  first_block cpp "$docs/cpp.md" >"$1/from_cpp.cc"
+  for program in from_c.c from_cpp.cc; do sed -n 's,.*// prints ,,p' "$1/$program" >"$1/${program%.*}.printed"; done
   cp "$here/consume.sh" "$1"
 }
 
@@ -37,7 +41,7 @@ consume() {
   cp "$1"/*.c "$1"/*.cc "$1/pkg-config"
   (cd "$1/pkg-config" && bash -e ../compile.sh) || fail "pkg-config"
   for by in cmake pkg-config; do
-    must_print "$expected" "$1/$by/from_c"
-    must_print "$expected" "$1/$by/from_cpp"
+    must_print "$(<"$1/from_c.printed")" "$1/$by/from_c"
+    must_print "$(<"$1/from_cpp.printed")" "$1/$by/from_cpp"
   done
 }
