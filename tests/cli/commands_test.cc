@@ -507,6 +507,64 @@ $ # And so are records, by the decisions of a profile: 3/4/2021 alone could be e
 )~");
 }
 
+TEST(Terminal, CompletesInTheShellsThemselves) {
+  expect(R"~(
+$ export PATH=${VXNLS%/*}:/usr/bin:/bin LANG=C.UTF-8 HOME=$PWD TERM=dumb
+> mkdir 'some folder'; echo 1234.5 > 'some folder/new file'; mkfifo keys
+> press() {  # keys, and what a line of the screen begins with before a minute is over
+>   printf %b "$1" >&3
+>   for i in $(seq 600); do tr -d '\r' < screen | grep -aq "^$2" && return; sleep 0.1; done; echo "$shell: $1"
+> }
+> for shell in 'bash --norc --noprofile -i' 'zsh -f -i' 'fish --no-config --private'; do
+>   command -v ${shell%% *} > program || continue
+>   : > screen; script -qfc "$shell" screen < keys > out & exec 3> keys
+>   case $shell in
+>     bash*) press 'source <(vxnls completion bash); echo ready\n' ready ;;
+>     zsh*) press 'autoload -U compinit; compinit -D -u; source <(vxnls completion zsh); echo ready\n' ready ;;
+>     fish*) press 'vxnls completion fish | source; echo ready\n' ready ;;
+>   esac
+>   press 'vxnls form\tnumb\t1234.5 --gro\t --loca\tde_D\t\n' 1.234,5
+>   press 'vxnls format date 2026-11-21 --locale=de_D\t --sty\tlon\t\n' '21. November 2026'
+>   press 'vxnls -z Europe/Berl\t format datetime @0 --patt\t%Z\n' Europe/Berlin
+>   press 'vxnls normalise -qc 1:number --no-head\t some\tnew\t\n' 1234.5
+>   press 'vxnls normalise --profile=some\tnew\t </dev/null\n' 'vxnls: some folder/new file: '
+>   press 'vxnls help loc\tlis\t| head -n 1\n' 'Usage: vxnls locale list'
+>   printf 'exit\n' >&3; exec 3>&-; wait $!
+> done
+)~");
+}
+
+TEST(Terminal, ShowsColors) {
+  expect(R"~(
+$ export TERM=xterm; while read -r line; do script -qec "$line" /dev/null < /dev/null | head -n 1; done << 'end' 2>&1 |
+> vxnls format date x
+> vxnls format date x 2>&1 | cat
+> vxnls --color always nonsense 2>&1 | cat
+> vxnls --color=never nonsense
+> NO_COLOR=1 vxnls format date x
+> NO_COLOR=1 vxnls --color always -h
+> CLICOLOR_FORCE=1 NO_COLOR= vxnls -h | cat
+> CLICOLOR_FORCE=1 vxnls --color never -h
+> TERM=dumb vxnls -h
+> vxnls format date 0 -l de_US
+> vxnls parse date 03/04/2021 -l en_US --explain --color always | grep 2021-04
+> end
+>   tr -d '\r' | tr '\033' E | cut -c 1-42
+E[1;31mvxnls:E[0m "x": a date is 2026-11-2
+vxnls: "x": a date is 2026-11-21, a day nu
+E[1;31mvxnls:E[0m "vxnls" has no command "
+vxnls: "vxnls" has no command "nonsense"
+vxnls: "x": a date is 2026-11-21, a day nu
+E[1mUsage:E[0m vxnls COMMAND ...
+E[1mUsage:E[0m vxnls COMMAND ...
+Usage: vxnls COMMAND ...
+Usage: vxnls COMMAND ...
+vxnls: E[1;36mnote:E[0m there is no locale
+  E[33mambiguousE[0m  2021-04-03 by %d/%m/
+= 1 1 2 2 1 0 0 0 0 0 0
+)~");
+}
+
 TEST(Descriptors, FailuresOfReadingAndWriting) {
   expect(R"~(
 $ vxnls zone list >&-; vxnls format date <&-; vxnls format date </

@@ -1,4 +1,4 @@
-// The parts of the command that know nothing of commands: words, suggestions, ISO 8601, text, codings; and terminals.
+// The parts of the command that know nothing of commands: words, suggestions, ISO 8601, text and codings.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
@@ -12,8 +12,6 @@
 #include "cli/table/splitter.h"
 #include "cli/text.h"
 #include "cli/value.h"
-#include "tests/cli/command_line.h"
-#include "tests/host/temporary_folder.h"
 
 namespace {
 
@@ -190,83 +188,6 @@ TEST(Coding, EveryCharacterThereAndBackAndFaultsWhereverTheBlockEnds) {
     }
   }
   EXPECT_EQ(find_coding("UTF_16LE"), find_coding("utf-16le"));
-}
-
-vxtest::Environment terminal_environment(const std::string& home, const char* terminal) {
-  return {{"PATH", VXNLS_COMMAND_FOLDER ":/usr/bin:/bin"},
-          {"HOME", home},
-          {"LANG", "C.UTF-8"},
-          {"TZ", "UTC"},
-          {"TERM", terminal},
-          {"PS1", "ready> "}};
-}
-
-/// What people type, and what stands on the screen then: the shells' own completion at work.
-TEST(Terminal, CompletesInTheShellsThemselves) {
-  static const struct {
-    Words words;
-    const char* preparation;
-  } shells[] = {
-      {{"bash", "--norc", "--noprofile", "-i"}, "cd; PS1='ready> '; source <(vxnls completion bash)\n"},
-      {{"zsh", "-f", "-i"},
-       "cd; autoload -U compinit; compinit -D -u; source <(vxnls completion zsh); PS1='ready> '\n"},
-      {{"fish", "--no-config", "--private"},
-       "cd; function fish_prompt; echo -n 'ready> '; end; vxnls completion fish | source\n"},
-  };
-  static constexpr std::pair<const char*, const char*> cases[] = {
-      {"vxnls form\tnumb\t1234.5 --gro\t --loca\tde_D\t\n", "1.234,5"},
-      {"vxnls format date 2026-11-21 --locale=de_D\t --sty\tlon\t\n", "21. November 2026"},
-      {"vxnls -z Europe/Berl\t format datetime @0 --patt\t%Z\n", "Europe/Berlin"},
-      {"vxnls normalise -qc 1:number --no-head\t some\tnew\t\n", "1234.5"},
-      {"vxnls normalise --profile=some\tnew\t </dev/null\n", "vxnls: some folder/new file: "},
-      {"vxnls help loc\tlis\t| head -n 1\n", "Usage: vxnls locale list [OPTION...] [TEXT]"},
-  };
-  const vxtest::TemporaryFolder home;
-  ASSERT_EQ(
-      vxtest::run_line(fmt::format("cd {}; mkdir 'some folder'; echo 1234.5 > 'some folder/new file'", home.path()))
-          .code,
-      0);
-  for (const auto& shell : shells) {
-    if (vxtest::run_line("command -v " + shell.words[0]).code != 0) continue;
-    SCOPED_TRACE(shell.words[0]);
-    vxtest::Terminal terminal(shell.words, terminal_environment(home.path(), "dumb"));
-    terminal.type(shell.preparation);
-    terminal.until("ready> ");
-    for (const auto& [typed, shown] : cases) {
-      terminal.type(typed);
-      const std::string wanted = fmt::format("\r\n{}", shown), screen = terminal.until(wanted);
-      EXPECT_NE(screen.find(wanted), std::string::npos) << screen;
-      if (HasFailure()) break;
-    }
-  }
-}
-
-TEST(Terminal, ShowsColors) {
-  static constexpr std::pair<const char*, const char*> cases[] = {
-      // "E" stands for the escape character
-      {"vxnls format date x", "E[1;31mvxnls:E[0m \"x\": "},
-      {"vxnls format date x 2>&1 | cat", "vxnls: \"x\": "},
-      {"vxnls --color always nonsense 2>&1 | cat", "E[1;31mvxnls:E[0m \"vxnls\" has no command"},
-      {"vxnls --color=never nonsense", "vxnls: \"vxnls\" has no command"},
-      {"NO_COLOR=1 vxnls format date x", "vxnls: \"x\": "},
-      {"NO_COLOR=1 vxnls --color always -h", "E[1mUsage:E[0m vxnls"},
-      {"CLICOLOR_FORCE=1 NO_COLOR= vxnls -h | cat", "E[1mUsage:E[0m vxnls"},
-      {"CLICOLOR_FORCE=1 vxnls --color never -h", "Usage: vxnls"},
-      {"TERM=dumb vxnls -h", "Usage: vxnls"},
-      {"vxnls format date 0 -l de_US", "vxnls: E[1;36mnote:E[0m there is no locale"},
-      {"vxnls parse date 03/04/2021 -l en_US --explain --color always | grep 2021-04",
-       "  E[33mambiguousE[0m  2021-04-03"},
-  };
-  vxtest::Terminal terminal({"sh"}, terminal_environment("/", "xterm"));
-  terminal.until("ready> ");
-  for (const auto& [line, shown] : cases) {
-    terminal.type(line + "\n"s);
-    terminal.until("\n");  // what was typed
-    std::string wanted = shown;
-    for (size_t at = 0; (at = wanted.find("E[", at)) != std::string::npos;) wanted[at] = '\x1b';
-    const std::string screen = terminal.until("ready> ");
-    EXPECT_TRUE(screen.starts_with(wanted)) << line << '\n' << screen;
-  }
 }
 
 }  // namespace
