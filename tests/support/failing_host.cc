@@ -255,14 +255,14 @@ constexpr VXLoggerServiceOps logger_ops = {
 constexpr VXExtensionOps message_ops = {operation<"destroy_extension">([](Host& host, VXExtension* extension) {
   if (given_back(host, extension)) delete extension;
 })};
-constexpr VXLocaleDatabaseOps locale_database_ops = {message_ops.destroy,
-                                                     operation<"fill">([](Host&, auto*, VXLocaleData* data, auto...) {
-                                                       static const auto english = std::make_unique<PlainLocale>();
-                                                       const NLSName written = data->localeName;
-                                                       *data = english->data;
-                                                       data->localeName = written;
-                                                       return 0;
-                                                     })};
+VXStatus fill_in_english(Host&, auto*, VXLocaleData* data, auto...) {
+  static const auto english = std::make_unique<PlainLocale>();
+  const NLSName written = data->localeName;
+  *data = english->data;
+  return data->localeName = written, 0;
+}
+constexpr VXLocaleDatabaseOps locale_database_ops = {
+    message_ops.destroy, operation<"fill">([](auto&&... given) { return fill_in_english(given...); })};
 constexpr VXUnicodeDatabaseOps unicode_database_ops = {
     message_ops.destroy, operation<"test_class">([](Host&, auto*, uint32_t code_point, uint32_t bits) {
       return code_point == 0xE9 && (bits & 2) != 0;
