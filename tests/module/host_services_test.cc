@@ -1,4 +1,4 @@
-// Loading, and what a host offers beside its locales: absent, made once, and answering what it must not.
+// Loading, journals, and what a host offers beside its locales: absent, made once, and answering what it must not.
 // Whatever a host says, nothing outside the buffers is touched, and what leaves the library keeps to what its headers
 // say.
 #include "module/host_services.h"
@@ -74,6 +74,21 @@ TEST(Loading, TheBuildRecordIsWrittenWholeAndNoFurther) {
   EXPECT_EQ(std::string(r.label).substr(std::strlen(r.label) - 8), text);
 }
 
+// What is written by way of journals is in the tests of the real host.
+TEST(Journal, PassesEverythingOn) {
+  FailingHost host;
+  const VXChar message[] = {'M', 0};
+  const auto pass_on = [&](VXJournal* journal) {
+    EXPECT_EQ(vxlMessageToBuf(journal, 1, 2, 3, 4, 5) | vxlMessageToJnl(journal, 0x80000001, message, 2), 0u);
+    EXPECT_EQ(vxlStatusToBuf(journal, -1, 2, 3, 4) | vxlStatusToJnl(journal, 0x80000001, -2), 0u);
+    EXPECT_EQ(vxlGetLocale(journal, 1, 2, 3, 4, 5), journal);
+  };
+  EXPECT_EQ(host.trace([&] { pass_on(nullptr), pass_on(&host.journal); }),
+            (Calls{"message_to_buffer journal 1 2 3 4 5 *", "message_to_journal journal 80000001 M 2 *",
+                   "status_to_buffer journal -1 2 3 4 *", "status_to_journal journal 80000001 -2 *",
+                   "get_locale journal 1 2 3 4 5"}));
+}
+
 // Texts of any length are reversed in hostile_input_test.cc.
 TEST(Reversal, OfNothing) {
   uint8_t bytes[] = {1, 2};
@@ -96,9 +111,6 @@ TEST(HostServices, AreAbsentWithoutAHandleOrWithAnEmptyOne) {
     EXPECT_EQ(vxGetBDConv(), nullptr);
     EXPECT_EQ(vxnls::host::integer_option(nullptr, 0, 77), 77);
   }
-  EXPECT_EQ(vxlMessageToBuf(nullptr, 1, 2, 3, 4, 5) | vxlMessageToJnl(nullptr, 1, nullptr, 2), 0u);
-  EXPECT_EQ(vxlStatusToBuf(nullptr, 1, 2, 3, 4) | vxlStatusToJnl(nullptr, 1, 2), 0u);
-  EXPECT_EQ(vxlGetLocale(nullptr, 1, 2, 3, 4, 5), nullptr);
   // Without a zone, a service or a host there is no zone to ask.
   vxtest::ZonedLocale whole;
   whole.use(U"Zone/East");

@@ -241,9 +241,14 @@ constexpr VXTrackOps track_ops = {
     }),
 };
 
-constexpr VXJournalOps journal_ops = {{}, operation<"message_to_journal">([](Host&, auto...) { return 0; }),
-                                      {}, operation<"status_to_journal">([](Host&, auto...) { return 0; }),
-                                      {}, {}};
+constexpr auto write_nothing = [](Host&, auto...) { return 0; };
+constexpr VXJournalOps journal_ops = {
+    operation<"message_to_buffer">(write_nothing),
+    operation<"message_to_journal">(write_nothing),
+    operation<"status_to_buffer">(write_nothing),
+    operation<"status_to_journal">(write_nothing),
+    {},  // not called
+    operation<"get_locale">([](Host&, VXJournal* journal, auto...) { return journal; })};
 
 VXLogger* logger_of(Host& host) { return reinterpret_cast<VXLogger*>(&host.journal); }
 
