@@ -206,11 +206,10 @@ class DoubleModel {
       const size_t digits = fraction.size() - std::min(fraction.find_first_not_of('0'), fraction.size());
       if (decimals == 350 && magnitude_ < 1 && digits > 350) return {VX_E_DIRECTIVE, ""};
       text = Exact(magnitude_).scientific(decimals + 1, &exponent);
-    } else if ((flags_ & NLS_FORMAT_INTEGER) != 0) {
-      text = Exact(magnitude_).plain(0);
     } else {
-      const bool fraction_alone = (flags_ & NLS_FORMAT_FRACTION) != 0;
-      text = Exact(fraction_alone ? magnitude_ - std::floor(magnitude_) : magnitude_).plain(decimals);
+      const bool integer = (flags_ & NLS_FORMAT_INTEGER) != 0, fraction = (flags_ & NLS_FORMAT_FRACTION) != 0;
+      text =
+          Exact(fraction && !integer ? magnitude_ - std::floor(magnitude_) : magnitude_).plain(integer ? 0 : decimals);
     }
     if (const size_t point = text.find('.'); point != text.npos) text.replace(point, 1, marks_.point);
     if (negative_) text.insert(0, 1, '-');
@@ -271,10 +270,8 @@ class DoubleModel {
     double m = magnitude_;
     std::frexp(m, &binary);
     int k = m == 0 ? 1 : binary * 77 / 256;
-    if (k > 307) m = m / power(307) / power(k - 307);
-    else if (k > 0) m /= power(k);
-    else if (k < -307) m = m * power(307) * power(-k - 307);
-    else m *= power(-k);
+    if (k > 0) m = m / power(std::min(k, 307)) / power(std::max(k - 307, 0));
+    else m = m * power(std::min(-k, 307)) * power(std::max(-k - 307, 0));
     for (; m != 0 && m < 0.1; --k) m *= 10;
     for (; m >= 1; ++k) m *= 0x1.999999999999bp-4;
 
@@ -320,16 +317,10 @@ class DoubleModel {
 
   /// Sign, separators and padding up to a width; false where the separators never fit.
   bool lay_out(std::string& text, bool grouped, int64_t width) const {
-    std::string sign;
     const bool left = (flags_ & NLS_FORMAT_LEFT) != 0, zero_pad = (flags_ & NLS_FORMAT_ZERO_PAD) != 0 && !left;
-    if (text[0] == '-') {
-      sign = "-";
-      text.erase(0, 1);
-    } else if (flags_ & NLS_FORMAT_PLUS) {
-      sign = "+";
-    } else if ((flags_ & NLS_FORMAT_BLANK) && !left && !zero_pad) {
-      sign = " ";
-    }
+    const bool blank = (flags_ & NLS_FORMAT_BLANK) != 0 && !left && !zero_pad, negative = text[0] == '-';
+    const std::string sign = negative ? "-" : (flags_ & NLS_FORMAT_PLUS) ? "+" : blank ? " " : "";
+    if (negative) text.erase(0, 1);
     const bool fits = !grouped || group(text, marks_);
     const auto all = static_cast<int64_t>(sign.size() + text.size());
     const std::string padding(static_cast<size_t>(std::max<int64_t>(width - all, 0)), zero_pad ? '0' : ' ');
@@ -354,8 +345,8 @@ class DoubleModel {
   const Marks marks_;
   const int point_;
   // of the call under way
-  bool negative_ = false, reports_ = false,
-       best_ = false;  // reports_: fewer decimals are a status, groups are inserted
+  bool negative_ = false, best_ = false;
+  bool reports_ = false;  // fewer decimals are a status, groups are inserted
   uint32_t flags_ = 0;
   int field_ = 0, room_ = 0;
   int64_t size_ = 0;
