@@ -331,6 +331,7 @@ TEST(Values, NumbersAreReadAsTheTypeAskedFor) {
   expect_read<unsigned>("ff", 255, 0, {.hex = true});
   for (const std::string_view text : {std::string_view("12\0", 3), {"12 kg"}}) expect_read(text, 0, VX_E_NOTNUMBER);
   for (const char* text : {"12 kg", " 1,2kg", "+12"}) expect_read(text, 12, 0, {.prefix = true});
+  expect_read<int64_t>("99999999999999999999 kg", 0, VX_E_OVERFLOW, {.prefix = true});
   for (const char* text : {"kg", "- kg", ",1"}) expect_read(text, 0, VX_E_NOTNUMBER, {.prefix = true});
   const auto french = locale_of("fr_FR");
   EXPECT_TRUE(std::isnan(*french.parse<double>("x")));
