@@ -142,7 +142,7 @@ TEST(ParseSweeps, BrokenUtf8IsRefused) {
   set_name(locale.data.monthNames[2], U"Mä\uFFFD\U0001F5D3z");
   set_name(locale.data.monthYearPattern1, U"%B é\uFFFD\U0001F5D3%Y");
   const std::string whole = utf8(U"Mä\uFFFD\U0001F5D3z é\uFFFD\U0001F5D32021");
-  const auto status_of = [&](const std::string& text) {
+  const auto is_read = [&](const std::string& text) {
     static GuardedBuffer<uint8_t> memory(256);
     const auto* const at = memory.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size());
     uint32_t m = 0, d = 0, y = 0;
@@ -152,18 +152,15 @@ TEST(ParseSweeps, BrokenUtf8IsRefused) {
     const auto length = static_cast<int64_t>(text.size());
     EXPECT_EQ(vxnlsExplain(locale.get(), VX_EXPLAIN_DATE, 16, at, length, &out), 0u);
     EXPECT_EQ(NLSBufToDateU(locale.get(), at, length, 16, &m, &d, &y, &consumed), out.status);
-    return out.status;
+    return out.status == 0;
   };
-  ASSERT_EQ(status_of(whole), 0u);
+  ASSERT_TRUE(is_read(whole));
   for (size_t i = 0; i < whole.size(); ++i) {
-    EXPECT_TRUE(i >= whole.size() - 4 || status_of(whole.substr(0, i)) == VX_E_NOMATCH) << "cut at " << i;
-    // Put in, put instead, and put instead of U+FFFD.
-    for (const auto& [taken, first] : {std::pair(0u, 0x80), std::pair(1u, 0x80), std::pair(3u, 0xF8)}) {
+    EXPECT_TRUE(i >= whole.size() - 4 || !is_read(whole.substr(0, i))) << "cut at " << i;
+    // Put in, and put instead of U+FFFD.
+    for (const auto& [taken, first] : {std::pair(0u, 0x80), std::pair(3u, 0xF8)}) {
       for (int byte = first; byte < 0x100; ++byte) {
-        std::string text = whole;
-        text.replace(i, taken, 1, static_cast<char>(byte));
-        const bool other_case = taken == 1 && ((i == 2 && byte == 0x84) || (i == 13 && byte == 0x89));
-        EXPECT_EQ(status_of(text), text == whole || other_case ? 0 : VX_E_NOMATCH) << byte << " at " << i;
+        EXPECT_FALSE(is_read(std::string(whole).replace(i, taken, 1, static_cast<char>(byte)))) << byte << " at " << i;
       }
     }
   }

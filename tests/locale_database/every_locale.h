@@ -15,17 +15,6 @@
 
 namespace vxtest {
 
-/// The names of all locales that ICU has data for, aliases such as zh_TW included, root not; in byte order.
-inline std::vector<std::string> available_locales() {
-  std::vector<std::string> names;
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<UEnumeration, decltype(&uenum_close)> all(
-      uloc_openAvailableByType(ULOC_AVAILABLE_WITH_LEGACY_ALIASES, &status), &uenum_close);
-  while (const char* name = uenum_next(all.get(), nullptr, &status)) names.emplace_back(name);
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 struct FilledLocale {
   std::string name;
   VXStatus status;
@@ -39,10 +28,15 @@ inline FilledLocale filled(const std::string& name) {
   return locale;
 }
 
+/// All locales that ICU has data for, aliases such as zh_TW included, root not; in byte order of their names.
 inline const std::vector<FilledLocale>& every_locale() {
   static const std::vector<FilledLocale> locales = [] {
     std::vector<FilledLocale> all;
-    for (const std::string& name : available_locales()) all.push_back(filled(name));
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UEnumeration, decltype(&uenum_close)> names(
+        uloc_openAvailableByType(ULOC_AVAILABLE_WITH_LEGACY_ALIASES, &status), &uenum_close);
+    while (const char* name = uenum_next(names.get(), nullptr, &status)) all.push_back(filled(name));
+    std::ranges::sort(all, {}, &FilledLocale::name);
     return all;
   }();
   return locales;

@@ -3,15 +3,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <map>
 #include <set>
 
-#include "host/locale_database/cldr_pattern.h"
 #include "host/locale_database/text.h"
 #include "tests/locale_database/every_locale.h"
 #include "tests/support/plain_locale.h"
-#include "vxnls/locale_blocks.h"
 
 namespace {
 
@@ -158,6 +155,7 @@ struct Walk {
 
 }  // namespace
 
+// The names that do not read back stand in docs/locale-data.md, which another test compares with what fell back.
 TEST(RoundTrip, EveryPatternOfEveryLocale) {
   size_t with_months = 0;
   for (const vxtest::FilledLocale* const locale : distinct_locales()) {
@@ -171,26 +169,4 @@ TEST(RoundTrip, EveryPatternOfEveryLocale) {
     EXPECT_EQ(walk.failures, (std::map<std::string, std::string>())) << locale->name;
   }
   EXPECT_GT(with_months + 15, distinct_locales().size());
-}
-
-TEST(RoundTrip, NamesThatFellBackWouldNotReadBack) {
-  int held = 0;
-  for (const vxtest::FilledLocale* const locale : distinct_locales()) {
-    for (const auto& fallback : locale->fallbacks) {
-      if (!fallback.reason.starts_with("R6") || !fallback.entry.starts_with("datePattern")) continue;
-      Walk walk(*locale->data);
-      VXLocaleData& data = walk.plain.data;
-      VXLocaleTexts texts;
-      std::memcpy(&texts, data.block9, sizeof texts);
-      const bool medium = fallback.entry == "datePattern1";
-      const std::u32string own = vxnlsldb::text_of(texts.cldrDatePatterns[medium ? 2 : 1]);
-      vxtest::set_name(medium ? data.datePattern1 : data.datePattern2,
-                       vxnlsldb::translate(own, vxnlsldb::Padding::as_cldr, U"").stored);
-      walk.dates();
-      EXPECT_GT(walk.failures.count(fallback.entry + (medium ? " kind 1" : " kind 2")), 0u)
-          << locale->name << ' ' << fallback.entry << ": " << fallback.reason;
-      ++held;
-    }
-  }
-  EXPECT_GT(held, 0);
 }
