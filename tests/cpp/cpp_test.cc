@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <memory>
-#include <random>
 
 #include "vxnls/vxnls.hpp"
 
@@ -316,8 +315,10 @@ TEST(Values, NumbersAreWrittenAsAsked) {
 
 template <class T>
 void expect_read(std::string_view text, T value, VXStatus status = 0, const vxnls::reading& how = {}) {
-  const auto read = locale_of("en_US").parse<T>(text, how);
+  const auto locale = locale_of("en_US");
+  const auto read = locale.parse<T>(text, how);
   EXPECT_EQ(*read, value) << text;
+  EXPECT_EQ(*locale.parse<T>(std::u32string_view(std::u32string(text.begin(), text.end())), how), value) << text;
   EXPECT_EQ(read.status(), status) << text;
   EXPECT_TRUE(status != 0 || read.consumed() == (how.prefix ? text.find('2') + 1 : text.size())) << text;
 }
@@ -325,6 +326,8 @@ void expect_read(std::string_view text, T value, VXStatus status = 0, const vxnl
 TEST(Values, NumbersAreReadAsTheTypeAskedFor) {
   expect_read<int8_t>("-128", -128);
   expect_read<uint16_t>("65536", 0, VX_E_OVERFLOW);
+  expect_read<uint64_t>("18,446,744,073,709,551,615", UINT64_MAX);
+  expect_read<double>("1.7976931348623157e308", std::numeric_limits<double>::max());
   expect_read<unsigned>("-1", 0, VX_E_NOTNUMBER);
   expect_read<int>("12.0", 12, 0, {.fraction = true});
   expect_read<int>("12.50", 12, VX_E_TRUNCATED, {.fraction = true});
@@ -337,18 +340,6 @@ TEST(Values, NumbersAreReadAsTheTypeAskedFor) {
   EXPECT_TRUE(std::isnan(*french.parse<double>("x")));
   EXPECT_EQ(french.parse<double>("1e999").status(), VX_E_OVERFLOW);
   EXPECT_EQ(french.parse<double>("1 234,5").status(), VX_E_NOTNUMBER);
-  // What is written is read: any double by its 17 digits, any integer, any missing value.
-  std::mt19937_64 random(3);
-  for (int i = 0; i < 3000; ++i) {
-    const auto number = std::bit_cast<double>(random());
-    if (!std::isfinite(number)) continue;
-    const auto text = french.format<vxnls::buffer<64>>(number, {.decimals = 16, .flags = NLS_FORMAT_EXPONENT});
-    EXPECT_EQ(french.parse<double>(text->view()).value(), number);
-    const auto whole = random() >> (random() % 64);
-    EXPECT_EQ(french.parse<uint64_t>(french.format<std::u32string>(whole, {.group = true}).value()).value(), whole);
-    const auto negative = static_cast<int64_t>(-whole / 2);
-    EXPECT_EQ(french.parse<int64_t>(french.format(negative, {.group = true}).value()).value(), negative);
-  }
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     const auto bits = std::bit_cast<uint64_t>(vxnls::missing(letter));
     EXPECT_EQ(french.format(vxnls::missing(letter)).value(), std::string(1, letter));
