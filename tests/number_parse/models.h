@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cfloat>
+#include <charconv>
 #include <cstdlib>
 #include <limits>
 #include <ostream>
@@ -142,33 +143,30 @@ inline Reading read_double(std::u32string_view text, const Signs& signs, uint32_
   return result(status, value);
 }
 
-/// Gathers the digits first and looks at the limits afterwards.
+/// Gathers the digits first; their value is the standard library's.
 template <class Integer>
 Reading read_integer(std::u32string_view text, const Signs& signs, uint32_t flags) {
-  __extension__ using Wide = __int128;
-  constexpr Wide least = std::numeric_limits<Integer>::min(), most = std::numeric_limits<Integer>::max();
-  const bool hexadecimal = least == 0 && (flags & NLS_READ_HEXADECIMAL) != 0;
+  constexpr bool is_signed = std::numeric_limits<Integer>::is_signed;
+  const bool hexadecimal = !is_signed && (flags & NLS_READ_HEXADECIMAL) != 0;
   const bool trailing = (flags & NLS_READ_TRAILING_BLANKS) != 0;
   const std::u32string separators = hexadecimal ? U"" : separators_of(signs, flags);
   Scanner in{text};
   in.run(U" ");
   if (in.ended()) return in.result(0, 0);
-  const bool negative = in.is(U"-"), is_signed = in.is(U"+-");
-  if (is_signed ? hexadecimal || (negative && least == 0) : in.is(separators)) return in.result(VX_E_NOTNUMBER, 0);
+  const bool negative = in.is(U"-");
+  if (in.is(U"+-") ? hexadecimal || (negative && !is_signed) : in.is(separators)) return in.result(VX_E_NOTNUMBER, 0);
   if (in.skip(U"+-")) {
     in.run(U" ");
     if (in.ended()) return in.result(VX_E_NOTNUMBER, 0);
   }
   if (hexadecimal && in.is(U"0") && in.is(U"xX", 1)) in.at += 2;
-  Wide sum = 0;
-  bool too_much = false;
-  for (; in.is(hexadecimal ? all_digits : digits) || in.is(separators); ++in.at) {
-    if (in.is(separators)) continue;
-    const size_t digit = all_digits.find(text[in.at]);
-    sum = too_much ? 0 : sum * (hexadecimal ? 16 : 10) + static_cast<int>(digit < 16 ? digit : digit - 6);
-    too_much = too_much || (negative ? -sum < least : sum > most);
-  }
-  if (too_much) return in.result(VX_E_OVERFLOW, 0);
+  std::u32string set(hexadecimal ? all_digits : digits);
+  std::erase_if(set, [&](char32_t c) { return separators.find(c) != separators.npos; });
+  const std::string number = in.run(set, separators);
+  constexpr uint64_t most = std::numeric_limits<Integer>::max();
+  uint64_t magnitude = 0;
+  const auto read = std::from_chars(number.data(), number.data() + number.size(), magnitude, hexadecimal ? 16 : 10);
+  if (read.ec == std::errc::result_out_of_range || magnitude > most + negative) return in.result(VX_E_OVERFLOW, 0);
   VXStatus fraction = 0;
   if (!hexadecimal && (flags & NLS_READ_FRACTION) != 0 && in.skip({&signs.point, 1})) {
     const std::string lost = in.run(trailing ? U"0123456789 " : digits);
@@ -177,7 +175,7 @@ Reading read_integer(std::u32string_view text, const Signs& signs, uint32_t flag
     in.run(U" ");
   }
   const bool may_end = in.ended() || in.is({U"\0", 1}) || (in.is(U" ") && !trailing);
-  return in.result(may_end ? fraction : VX_E_NOTNUMBER, static_cast<uint64_t>(negative ? -sum : sum));
+  return in.result(may_end ? fraction : VX_E_NOTNUMBER, negative ? 0 - magnitude : magnitude);
 }
 
 }  // namespace vxtest
