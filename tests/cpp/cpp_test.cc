@@ -106,9 +106,9 @@ TEST(Result, ExplainsInUnitsOfTheText) {
   for (const auto& [text, as, message, bytes, units] : cases) {
     const auto wide = vxnls::to_utf32(text).value();
     const std::u32string_view view(wide);
-    const auto at = [&](size_t place) { return "at " + std::to_string(place) + ": " + message; };
-    EXPECT_EQ(german.parse<year_month_day>(text, as).why().message(), at(bytes));
-    EXPECT_EQ(german.parse<year_month_day>(view, as).why().message(), at(units));
+    const std::string why = ": " + message;
+    EXPECT_EQ(german.parse<year_month_day>(text, as).why().message(), "at " + std::to_string(bytes) + why);
+    EXPECT_EQ(german.parse<year_month_day>(view, as).why().message(), "at " + std::to_string(units) + why);
   }
   EXPECT_EQ(german.parse<double>("é").why().length, 2u);
   EXPECT_EQ(german.parse<double>(U"é").why().length, 1u);

@@ -132,7 +132,7 @@ TEST_F(Objects, Options) {
     EXPECT_EQ(read("VX_A"), 3);
     EXPECT_EQ(read("VX_A", 2), 7);
     EXPECT_TRUE(service.set(std::string("VX_").append(61, 'A'), 1));
-    for (const size_t more : {62, 1000}) EXPECT_FALSE(service.set(std::string("VX_").append(more, 'A'), 1));
+    for (const size_t more : {62u, 1000u}) EXPECT_FALSE(service.set(std::string("VX_").append(more, 'A'), 1));
   }
 }
 

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <iostream>
 #include <memory>
-#include <ranges>
 
 #include "host/file.h"
 #include "host/zone_service.h"
@@ -65,8 +64,11 @@ TEST(ZoneService, AgreesWithTheCLibraryAroundEveryChangeOfEveryZone) {
     for (int64_t t = year_1850; t < year_2100; t += step) {
       const int64_t after = offset(t + step);
       if (after == before) continue;
-      const auto holds = [&](int seconds) { return offset(t + seconds) == before; };
-      const int64_t change = t + *std::ranges::partition_point(std::views::iota(1, step), holds);
+      int64_t low = t, change = t + step;
+      while (change - low > 1) {
+        const int64_t middle = (low + change) / 2;
+        (offset(middle) == before ? low : change) = middle;
+      }
       ++changes;
       for (const int64_t near : {-3601, -1, 0, 1, 3600}) ASSERT_NO_FATAL_FAILURE(expect_utc(*zone, change + near));
       // Two changes within two days of each other would want a third offset below.
