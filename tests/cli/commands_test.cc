@@ -107,18 +107,15 @@ vxnls: line 3: "..."...: longer than 65536 bytes
 ! vxnls: line 4: "2026-02-30\u{0000}": at byte 10: "T" and a time, or the end is expected, not "\u{0000}"
 ! vxnls: line 2: "x\xFF": a date is 2026-11-21, a day number or now
 = 1 1 1
-$ vxnls format date 1 today ' 2026-11-1' 2026-02-29 20261121 6589336 -138062
+$ vxnls format date 1 today 2026-02-29 20261121 -138062
 > vxnls format time 2026-11-21 10:00Z
-> vxnls format datetime 10:00Z 99999999999999999999999999 1582-01-01T00:30+01 @x
+> vxnls format datetime 99999999999999999999999999 1582-01-01T00:30+01 @x
 ! vxnls: "today": a date is 2026-11-21, a day number or now
-! vxnls: " 2026-11-1": at byte 9: a day of two digits is expected, not "1"
 ! vxnls: "2026-02-29": 2026-02 has 28 days
 ! vxnls: "20261121": too large for a day number; the date is written 2026-11-21
-! vxnls: "6589336": a day number is -138061 (1582-01-01) to 6589335 (20000-12-31)
 ! vxnls: "-138062": a day number is -138061 (1582-01-01) to 6589335 (20000-12-31)
 ! vxnls: "2026-11-21": a date without a time; write 2026-11-21T14:05
 ! vxnls: "10:00Z": an offset without a date; write 2026-11-21T10:00Z
-! vxnls: "10:00Z": a time without a date; write 2026-11-21T10:00Z
 ! vxnls: "99999999999999999999999999": outside of 1582-01-01 to 20000-12-31
 ! vxnls: "1582-01-01T00:30+01": outside of 1582-01-01 to 20000-12-31
 ! vxnls: "@x": digits are expected behind "@": seconds since 1970-01-01 00:00 UTC
@@ -232,7 +229,7 @@ $ vxnls format number 0.1 .A . inf -- -inf | paste -sd,
 >  vxnls parse number .A ._; vxnls parse integer 0xFF --hex
 >  vxnls parse integer 18446744073709551615 --type uint64) | paste -sd,
 > vxnls parse number 12abc; vxnls parse integer 2147483648 --type int32; vxnls parse integer 1.5 -l en_US
-> vxnls format number abc; for w in '' '--width 513'; do vxnls format number 1 --fixed $w; done
+> vxnls format number abc; vxnls format number 1 --fixed; vxnls format number 1 --width 513
 0.1,A,.,Inf,-Inf
 +000003.14,  0.00012345,   1.500,1.235E+04
 18,446,744,073,709,551,615,-9223372036854775808,.A,._,255,18446744073709551615
@@ -257,8 +254,7 @@ $ bytes() { od -An -tx1; }; printf a | vxnls transcode --bom write --to UTF-16LE
 > printf 'straße\n\377\n' | vxnls case upper
 > yes 'Grüße 😀 日' | head -n 100000 > text; from=utf-8
 > for to in utf-16le modified-utf-8 utf-32be utf-16be utf-32le utf-8; do
->   vxnls transcode --from $from --to $to text > new; mv new text; from=$to
-> done; sort -u text; wc -l < text
+>   vxnls transcode --from $from --to $to text > new; mv new text; from=$to; done; uniq -c text
  61
  ef bb bf 61
 a��az-1
@@ -266,8 +262,7 @@ a��az-1
 they part at character 4 (byte 4): U+006E "n" and U+007A "z"
 STRAßE
 
-Grüße 😀 日
-100000
+ 100000 Grüße 😀 日
 ! vxnls: --to "UTF-16LE": it is utf-8, modified-utf-8, utf-16le, utf-16be, utf-32le or utf-32be
 ! vxnls: note: standard input: 2 places that are no utf-8, the first at byte 1: replaced by U+FFFD
 ! vxnls: /no/file: No such file or directory
@@ -317,9 +312,7 @@ d
 ! vxnls: changed: line 5, byte 93: amount: "x": "x" stands where a digit is wanted
 = 1 1 1 1 1 1 1 0 1
 $ vxnls normalise -c when:date,amount:number --rejects rejects -q < orders > out; fold -w 118 rejects
-> for limit in --max-unread=2 --max-unread=1 --max-unread=29% --max-unread=28%; do
->   vxnls normalise -c when:date,amount:number -q $limit orders > out
-> done
+> for limit in 2 1 29% 28%; do vxnls normalise -c when:date,amount:number -q --max-unread=$limit orders > out; done
 > # A decision is held: what comes later and contradicts stays as it is.
 > printf '25/12/21\n12/25/21\n03/04/21\n' > f
 > vxnls normalise --format lines -c 1:date --sample 1 -q f | paste -sd,
@@ -349,7 +342,7 @@ $ vxnls normalise orders; vxnls normalise -c wen orders
 > printf 'when,2,amount,amount,\n1,2,3,4,5\n' > f; names() { vxnls recognise --json $* | grep '"column"'; }
 > (names -c 4,when,2 f; names --no-header -c 7,1 f; names --format lines -c 1 f
 > names --format jsonl -c any,1 f) | tr -d '\n '; echo
-> for c in amount when,1 6 0; do vxnls recognise -c $c f; done; vxnls recognise --no-header -c when f
+> for c in amount when,1 6; do vxnls recognise -c $c f; done; vxnls recognise --no-header -c when f
 > vxnls recognise --separator ';;' f; cp f A.Tsv; vxnls recognise A.Tsv | head -n 1
 > printf '\377\376,' | vxnls recognise --format csv
 > # A record may have any length.
@@ -376,11 +369,10 @@ A.Tsv: tsv, 1 record
 ! vxnls: 2 columns are named "amount": give its number
 ! vxnls: column "1" is given twice
 ! vxnls: no column "6"
-! vxnls: no column "0"
 ! vxnls: no column "when"; without a header line columns have numbers, from 1
 ! vxnls: no separator ";;": one byte of ASCII, or \t; no quote, line end, letter or digit
 ! vxnls: standard input is in UTF-16: convert it to UTF-8 first
-= 2 2 2 3 3 3 0 1 0 1 2 2 2 2 2 2 0 2 0 1 1
+= 2 2 2 3 3 3 0 1 0 1 2 2 2 2 2 0 2 0 1 1
 $ echo old > f; mkfifo pipe; $VXNLS normalise -q -c a:date --sample 1 --rejects f < pipe > out & exec 3> pipe
 > printf 'a\nx\ny\n' >&3; until [ $(ls | wc -l) = 5 ]; do sleep 0.02; done
 > kill -TERM $!; wait $! 2> /dev/null; echo $?; echo *; cat f
