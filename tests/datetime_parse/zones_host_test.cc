@@ -4,7 +4,6 @@
 #include <time.h>
 
 #include <algorithm>
-#include <ranges>
 #include <string>
 #include <utility>
 #include <vector>
@@ -55,8 +54,11 @@ std::vector<LocalTime> local_times() {
       const int64_t before = offset(at), after = offset(at + 3 * day);
       if ((at - start) % (183 * day) == 0) found.push_back({at + before, at});
       if (before == after) continue;
-      const auto holds = [&](int64_t utc) { return offset(utc) == before; };
-      const int64_t change = *std::ranges::partition_point(std::views::iota(at, at + 3 * day), holds);
+      int64_t low = at, change = at + 3 * day;
+      while (change - low > 1) {
+        const int64_t middle = (low + change) / 2;
+        (offset(middle) == before ? low : change) = middle;
+      }
       // A third offset would come in where two changes lie close together.
       if (offset(change - 4 * day) != before || offset(change + 4 * day) != after) continue;
       const int64_t first = change + std::min(before, after), end = change + std::max(before, after);

@@ -133,7 +133,7 @@ struct Walk {
     const VXLocaleData& data = plain.data;
     for (const int y : {1999, 2000, 2024}) {
       const year the_year{y};
-      for (unsigned month = 1; month <= 12; ++month) {
+      for (int month = 1; month <= 12; ++month) {
         const sys_days at = the_year / month / 1;
         const Date first = date_of(at), quarter = date_of(the_year / ((month - 1) / 3 * 3 + 1) / 1);
         if (months_read_back) period(16, "monthYearPattern1", data.monthYearPattern1, at, 0, first);
