@@ -20,7 +20,7 @@ struct Case {
 /// Everything that a call leaves behind. What it does not write keeps what it held.
 struct Trace {
   VXStatus status = 0;
-  std::array<uint8_t, 128> memory;
+  alignas(8) std::array<uint8_t, 128> memory;
   bool operator==(const Trace&) const = default;
   uint8_t* buffer() { return memory.data(); }
   template <class T>
