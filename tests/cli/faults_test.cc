@@ -285,10 +285,10 @@ class Faults : public testing::Test {
 
 TEST_F(Faults, EveryAllocationThatFailsIsTold) {
   const bool thorough = std::getenv("VXNLS_LONG_TESTS") != nullptr;
-  int64_t failures = fail_each_allocation({"format date 2026-11-21 -l de_DE"}, false, shared<Ways>(thorough ? 14 : 3));
+  int64_t failures = fail_each_allocation({"format date 2026-11-21 -l de_DE"}, false, shared<Ways>(thorough ? 14 : 2));
   open_host();
   for (const bool lasting : {false, true}) {
-    Ways* const ways = shared<Ways>(thorough ? 14 : lasting ? 2 : 3);
+    Ways* const ways = shared<Ways>(thorough ? 14 : lasting ? 1 : 2);
     for (const Line& line : lines) failures += fail_each_allocation(line, lasting, ways);
   }
   RecordProperty("failures", std::to_string(failures));

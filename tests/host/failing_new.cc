@@ -2,7 +2,9 @@
 
 #include <execinfo.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <new>
 #include <string_view>
 
@@ -15,18 +17,20 @@ int64_t spared_ones;
 bool keeps_failing;
 vxtest::Ways* known_ways;
 
-bool is_new_way() {
-  void* callers[32];
-  const int depth = backtrace(callers, known_ways->callers());
-  const std::string_view way(reinterpret_cast<const char*>(callers), static_cast<size_t>(depth) * sizeof *callers);
-  return known_ways->add(std::hash<std::string_view>()(way));
+/// `caller`: where operator new returns to; how many calls lie between that and here is the compiler's to say.
+bool is_new_way(const void* caller) {
+  void* callers[48];
+  void** const end = callers + backtrace(callers, static_cast<int>(std::size(callers)));
+  void** const first = std::find(callers, end, caller);
+  const auto depth = std::min(static_cast<size_t>(known_ways->callers()), static_cast<size_t>(end - first));
+  return known_ways->add(std::hash<std::string_view>()({reinterpret_cast<char*>(first), depth * sizeof *callers}));
 }
 
-bool fails() {
+bool fails(const void* caller) {
   if (!counting.load(std::memory_order_acquire)) return false;
   const int64_t number = ++count;
   if (first_failed != 0) return keeps_failing;
-  if (number <= spared_ones || (known_ways != nullptr && !is_new_way())) return false;
+  if (number <= spared_ones || (known_ways != nullptr && !is_new_way(caller))) return false;
   int64_t none = 0;
   return first_failed.compare_exchange_strong(none, number) || keeps_failing;
 }
@@ -60,10 +64,10 @@ int64_t stop_failing_new() {
 }  // namespace vxtest
 
 void* operator new(size_t bytes, const std::nothrow_t&) noexcept {
-  return fails() ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+  return fails(__builtin_return_address(0)) ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
 }
 void* operator new(size_t bytes) {
-  void* const block = operator new(bytes, std::nothrow);
+  void* const block = fails(__builtin_return_address(0)) ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
