@@ -318,7 +318,7 @@ void put_page(Output& out, VXLocale* locale, const std::vector<LocaleDatabase::F
 
 Json page_as_json(VXLocale* locale, const std::vector<LocaleDatabase::Fallback>& fallbacks) {
   const Record record(*locale->localeData);
-  Json page;
+  Json page = Json::object();
   const auto put = [&](const Section& section) {
     for (const Field& field : section.fields)
       page[std::string(section.key)][std::string(field.key)] = record.json(field);

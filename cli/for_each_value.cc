@@ -67,8 +67,15 @@ ExitCode convert_input(Invocation& invocation, const Convert& convert) {
     } catch (const ValueError& error) {
       invocation.messages.error(fmt::format("line {}: {}: {}", line.number, in_quotes(line.text), error.what()));
       code = ExitCode::some_unread;
-      invocation.out.line(json ? json_line({{"value", line.text}, {"line", line.number}, {"error", error.what()}})
-                               : unread.value_or(""));
+      if (json) {
+        Json refused = Json::object();  // g++ 12 does not give up a list of entries cleanly when memory fails half-way
+        refused["value"] = line.text;
+        refused["line"] = line.number;
+        refused["error"] = error.what();
+        invocation.out.line(json_line(refused));
+      } else {
+        invocation.out.line(unread.value_or(""));
+      }
     }
   }
   if (in_blocks && left > 0) fail(ExitCode::io, "standard input ends {} values before its last block does", left);
