@@ -16,7 +16,8 @@
 
 namespace vxtest {
 
-/// A positive number of 64 bits, in integers. Every operation rounds to nearest, ties to even.
+/// A positive number of 64 bits, in integers. Every operation rounds to nearest, ties to even. The library reads by the
+/// processor's own arithmetic where there is such; a test holds the two against each other.
 using Real = vxnls::SoftExtended;
 
 inline const Real& power_of_ten(int64_t n) { return vxnls::soft_powers_of_ten.entry[n]; }
