@@ -95,6 +95,7 @@ TEST(Modified, EveryString) {
 
 TEST(Modified, EveryPairOfSurrogatesInBothOrders) {
   for (uint32_t first = 0xD800; first < 0xE000; ++first) {
+    if (!visited(first)) continue;
     for (uint32_t second = 0xD800; second < 0xE000; ++second) {
       const std::string text = utf8_of(first) + utf8_of(second);
       ASSERT_TRUE(is_as_modelled(vxzsu8Decode, bytes(text), 6, first % 2, false)) << std::hex << first << ' ' << second;
@@ -104,6 +105,7 @@ TEST(Modified, EveryPairOfSurrogatesInBothOrders) {
 
 TEST(Modified, EveryCodePointThereAndBack) {
   for (uint32_t c = 0; c < 0x110000; ++c) {
+    if (!visited(c)) continue;
     const std::string plain = utf8_of(c);
     const std::string modified = c < 0x10000 ? plain : surrogates_of(plain);
     for (const uint32_t options : all_options) {
