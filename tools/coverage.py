@@ -4,8 +4,9 @@
 Usage: tools/coverage.py BUILD [ROOM...]
 
 Instances of a template count together: a line is run, a branch is taken, when it is in one of them. Instances whose line
-branches differently (`if constexpr`) are held apart. It reads the JSON of gcov, as the text of gcov 12 leaves out the
-branches of the last template of a header, and takes no count of the branches that exceptions would take.
+branches differently (`if constexpr`) are held apart. The places into which an always_inline function goes count together
+as well. It reads the JSON of gcov, as the text of gcov 12 leaves out the branches of the last template of a header, and
+takes no count of the branches that exceptions would take.
 
 A line that no input reaches is marked GCOV_EXCL_LINE, one with a branch that none takes GCOV_EXCL_BR_LINE, with the reason.
 """
@@ -26,6 +27,30 @@ def instances_at(functions, line):
     starts = [(function["start_line"], function["start_column"]) for function in functions
               if function["start_line"] <= line <= function["end_line"]]
     return starts.count(max(starts)) if starts else 1
+
+
+def lines_inlined(source):
+    """The numbers of the lines of always_inline functions: up to the closing brace below the first line's begin."""
+    numbers, indent = set(), None
+    for number, text in enumerate(source, 1):
+        if "gnu::always_inline" in text:
+            indent = len(text) - len(text.lstrip())
+        if indent is not None:
+            numbers.add(number)
+            if text.startswith(" " * indent + "}"):
+                indent = None
+    return numbers
+
+
+def folded(shapes):
+    """The branches of places that stand one behind the other, as one place's, which the shortest row is."""
+    one = min((length for length in shapes if length > 0), default=1)
+    sums = {}
+    for length, counts in shapes.items():
+        step = one if length % one == 0 else length
+        before = sums.get(step, [0] * step)
+        sums[step] = [before[at] + sum(counts[at::step]) for at in range(step)] if length else []
+    return sums
 
 
 def counted(build, root, rooms):
@@ -66,12 +91,14 @@ def main():
     for path, lines in sorted(counted(build, root, rooms).items()):
         with open(os.path.join(root, path), encoding="utf-8") as file:
             source = file.read().splitlines()
-        of_room = sums[path.split(os.sep)[0]]
+        of_room, inlined = sums[path.split(os.sep)[0]], lines_inlined(source)
         for number, (runs, shapes) in sorted(lines.items()):
             text = source[number - 1].strip()
             # A closing brace that never ran holds what only an exception undoes.
             if "GCOV_EXCL_LINE" in text or (runs == 0 and not text.strip("{}(); ")):
                 continue
+            if number in inlined:
+                shapes = folded(shapes)
             branches = [] if "GCOV_EXCL_BR_LINE" in text else [count for shape in shapes.values() for count in shape]
             of_room[0] += 1
             of_room[1] += runs > 0
