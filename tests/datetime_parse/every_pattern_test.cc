@@ -2,7 +2,7 @@
 // formatter says, and read strictly in both flavours.
 #include <vector>
 
-#include "tests/datetime_format/expander.h"
+#include "tests/datetime_format/writer.h"
 #include "tests/datetime_parse/reading.h"
 
 namespace vxtest {
@@ -95,58 +95,23 @@ struct Pattern {
   }
 };
 
-/// All that is written at one place; both roads of the formatter, whose short one wants room for 48 units.
-template <class Unit>
-void expect_written(const std::optional<std::u32string>& expected, auto write) {
-  static GuardedBuffer<Unit> memory(512);
-  for (const int64_t room : {int64_t{47}, int64_t{512}}) {
-    Unit* const out = memory.at(static_cast<size_t>(room));
-    int64_t length = -7;
-    const VXStatus status = write(out, room, &length);
-    const auto size = expected ? static_cast<int64_t>(expected->size()) : -7;  // ASCII in both flavours
-    ASSERT_EQ(status, !expected ? VX_E_DIRECTIVE : size <= room ? 0 : VX_E_TRUNCATED);
-    ASSERT_EQ(length, std::min(size, room));
-    ASSERT_TRUE(!expected || std::equal(out, out + length, expected->begin())) << utf8(*expected);
-  }
-}
-
 class EveryPattern : public testing::Test {
  protected:
   EveryPattern() { locale_.use(zone); }
 
   void expect_as_ruled(const Pattern& pattern) {
     const std::u32string text = pattern.text();
-    SCOPED_TRACE(utf8(text));
-    for (NLSName VXLocaleData::*const entry :
-         {&VXLocaleData::datetimePattern, &VXLocaleData::timePattern1, &VXLocaleData::datePattern1}) {
-      set_name(locale_.data.*entry, text);
-    }
     bool came_back = true;
     for (const Moment& m : moments) {
-      const std::optional<std::u32string> written = expect_written_as_modelled(text, m);
+      const auto days = (sys_days{year{m.year} / m.month / m.day} - sys_days{year{1960} / 1 / 1}).count();
+      const auto value = static_cast<double>(((days * 24 + m.hour) * 60 + m.minute) * 60 + m.second);
+      const std::optional<std::u32string> written = writer_.expect_everywhere(value, text);
       if (HasFatalFailure()) return;
       came_back = written && read_back(pattern, *written, m) && came_back;
       if (!written) break;  // nor of any other moment
     }
-    EXPECT_EQ(came_back, pattern.comes_back());
+    EXPECT_EQ(came_back, pattern.comes_back()) << utf8(text);
     brought_back_ += came_back;
-  }
-
-  std::optional<std::u32string> expect_written_as_modelled(std::u32string_view pattern, const Moment& m) {
-    VXLocale* const locale = locale_.get();
-    const auto month = static_cast<uint32_t>(m.month), day = static_cast<uint32_t>(m.day),
-               year = static_cast<uint32_t>(m.year);
-    const sys_days at = std::chrono::year{m.year} / m.month / m.day, epoch = std::chrono::year{1960} / January / 1;
-    const auto value = static_cast<double>((at - epoch).count()) * 86400 + (m.hour * 60 + m.minute) * 60 + m.second;
-    const auto expected = Expander::of_seconds(locale_.data, value, zone, offset).expand(pattern);
-    const auto date = Expander(locale_.data, at, zone, offset).expand(pattern);
-    expect_written<VXChar>(expected, [&](auto... a) { return NLSDatetimeFormat(locale, 0, a..., value); });
-    expect_written<uint8_t>(expected, [&](auto... a) { return NLSDatetimeFormatU(locale, 0, a..., value); });
-    expect_written<VXChar>(expected, [&](auto... a) { return NLSTimeFormat(locale, 1, a..., value); });
-    expect_written<uint8_t>(expected, [&](auto... a) { return NLSTimeFormatU(locale, 1, a..., value); });
-    expect_written<VXChar>(date, [&](auto... a) { return NLSDateFormat(locale, month, day, year, 1, a...); });
-    expect_written<uint8_t>(date, [&](auto... a) { return NLSDateFormatU(locale, month, day, year, 1, a...); });
-    return expected;
   }
 
   /// Whether all of the text is taken, and read as what is shown of the moment, and nothing else.
@@ -178,6 +143,7 @@ class EveryPattern : public testing::Test {
   }
 
   ZonedLocale locale_;
+  Writer writer_{locale_, zone, offset, 2};
   int brought_back_ = 0;
 };
 
