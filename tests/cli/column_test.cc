@@ -3,12 +3,12 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <unicode/gregocal.h>
+#include <unicode/numberformatter.h>
 #include <unicode/smpdtfmt.h>
 
 #include <array>
 #include <chrono>
-#include <cstring>
-#include <functional>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <random>
@@ -50,12 +50,6 @@ ProfilerOptions options_of(const char* locale, bool given = false) {
   return options;
 }
 
-Profiler fed(const ProfilerOptions& options, const Values& values, size_t from = 0, size_t end = SIZE_MAX) {
-  Profiler profiler(locale_maker(), options);
-  for (size_t i = from; i < std::min(values.size(), end); ++i) profiler.add(values[i], {i + 1, i + 1, 0});
-  return profiler;
-}
-
 Values repeated(size_t count, const std::string& value, Values more) {
   more.insert(more.end(), count, value);
   return more;
@@ -85,9 +79,7 @@ TEST(ColumnProfile, Decisions) {
       {env, {"31/02/21", "03/04/21"}, "date none nothing", "0 1 0 1"},  // no such day is no evidence
       {env, {"99/12/31", "21/03/04", "21/03/25"}, "date year-first evidence", "3 0 0 0"},
       {env, {"21/03/04", "21/03/25", "21/04/26"}, "date none nothing", "0 3 0 0"},
-      {options_of("ru_RU", true), {"25.12.04", "5. 6. 04", "21.10.\t04"}, "date day-first evidence", "3 0 0 0"},
-      {env, {"5 Mar 2021", "March 5, 2021"}, "date none nothing", "2 0 0 0"},  // names need no order
-      {env, {"2021-03-04", "x", ""}, "date none nothing", "1 0 0 1"},          // half is enough
+      {env, {"2021-03-04", "x", ""}, "date none nothing", "1 0 0 1"},  // half is enough
       {env, {"2021-03-04", "x", "y"}, "text none nothing", "3 0 0 0"},
       {env, {"", " "}, "text none nothing", "0 0 0 0"},
       {env, {"20210304"}, "integer none nothing", "1 0 0 0"},
@@ -105,8 +97,13 @@ TEST(ColumnProfile, Decisions) {
       {strict, {"2021-03-04", "2021-3-4", " 2021-03-04"}, "text none nothing", "3 0 0 0"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(c.values));
-    const ColumnReport report = fed(c.options, c.values).report("c");
+    SCOPED_TRACE(PrintToString(c.values));
+    const auto fed = [&c](size_t from, size_t end) {
+      Profiler profiler(locale_maker(), c.options);
+      for (size_t i = from; i < end; ++i) profiler.add(c.values[i], {i + 1, i + 1, 0});
+      return profiler;
+    };
+    const ColumnReport report = fed(0, c.values.size()).report("c");
     const Decision& d = report.decision;
     std::string decision = fmt::format("{} {} {}", word_of(kind_words, d.kind), word_of(order_words, d.order),
                                        word_of(source_words, d.order_by));
@@ -118,17 +115,13 @@ TEST(ColumnProfile, Decisions) {
 
     // The same however the values are split, and through the file and back.
     for (size_t cut = 0; cut <= c.values.size(); ++cut) {
-      Profiler first = fed(c.options, c.values, 0, cut);
-      first.merge(fed(c.options, c.values, cut));
-      EXPECT_EQ(to_json(first.report("c")).dump(), to_json(report).dump()) << "cut at " << cut;
+      Profiler first = fed(0, cut);
+      first.merge(fed(cut, c.values.size()));
+      EXPECT_EQ(to_json(first.report("c")), to_json(report)) << "cut at " << cut;
     }
     ColumnReport again;
     again.decision = read_profile(write_profile({{report}}), "f").at(0);
     EXPECT_EQ(to_json(again)["decision"], to_json(report)["decision"]);
-    Reader reader(locale_maker(), again.decision);
-    uint64_t read = 0;
-    for (const std::string& value : c.values) read += reader.read(value) == Outcome::read ? 1 : 0;
-    EXPECT_EQ(read, report.read);
   }
 }
 
@@ -138,12 +131,10 @@ TEST(ColumnProfile, WrongFilesAreRefusedWithThePlace) {
   };
   const std::string date = R"("column": "when", "kind": "date", "locale": "de_DE", "order": "day-first", )";
   const std::pair<std::string, const char*> cases[] = {
-      {"", "f: line 1, column 1: it is no JSON"},
       {"{\n \"a\": ]", "f: line 2, column 7: it is no JSON"},
       {R"({"vxnls-profile": 2})", "its version is 2"},
       {R"({"vxnls-profile": 1, "columns": [{}]})", "column 1: the member \"decision\" is missing"},
       {with(date + "\"form\": []"), "column \"when\": there is no member \"form\", only column, kind"},
-      {with(date + "\"forms\": \"%d\""), "\"forms\": a list of patterns is wanted"},
       {with(date + "\"forms\": [\"%d.%m\"]"), "the form \"%d.%m\": a date has day, month and year"},
       {with(date + "\"forms\": [\"%m/%d/%Y\"]"), "the form \"%m/%d/%Y\": it is month-first, the column day-first"},
       {with(date + "\"first-year\": 19"), "\"first-year\": a year from 1582 to 9900 is wanted"},
@@ -162,7 +153,6 @@ TEST(ColumnProfile, WrongFilesAreRefusedWithThePlace) {
 
 Decision decision_of(Kind kind, const char* locale, Values forms = {}, Order order = Order::none) {
   Decision decision;
-  decision.column.push_back('c');
   decision.kind = kind;
   decision.locale = locale;
   decision.forms = std::move(forms);
@@ -170,134 +160,106 @@ Decision decision_of(Kind kind, const char* locale, Values forms = {}, Order ord
   return decision;
 }
 
-Decision numbers(std::string point, std::string separators = {}, std::string unit = {}) {
-  Decision decision = decision_of(Kind::number, "de_DE");
-  decision.decimal_point = std::move(point);
-  decision.group_separators = std::move(separators);
-  decision.unit = std::move(unit);
-  return decision;
-}
-
-constexpr Outcome unread = Outcome::unread, ambiguous = Outcome::ambiguous, contradicts = Outcome::contradicts;
-
-/// Values that are read and their new texts, as "value = text | value = text"; and others, with the part that is
-/// complained about and what is said.
-struct Complaint {
-  const char* value;
-  Outcome outcome;
-  const char* part;
-  const char* message = "";  // part of it
-};
-void expect(const Decision& decision, const char* texts, const std::vector<Complaint>& complaints = {},
-            const OutputChoice& output = {}) {
+/// Values and what becomes of them, as "value = text | value = text". In place of a text, of what is not read: "!" for
+/// unread, "?" for ambiguous, "#" for contradicting; the part that is complained about; and part of the message.
+void expect(const Decision& decision, const std::string& rows, const OutputChoice& output = {}) {
   Reader reader(locale_maker("Europe/Berlin"), decision, output);
-  const std::regex pair("([^|]*) = ([^|]*?)(?: \\| |$)");
-  for (std::cregex_iterator found(texts, texts + strlen(texts), pair), end; found != end; ++found) {
-    const std::string value = found->str(1);
-    EXPECT_EQ(reader.read(value), Outcome::read) << value;
-    EXPECT_EQ(reader.text(), found->str(2)) << value;
-  }
-  for (const Complaint& c : complaints) {
-    SCOPED_TRACE(c.value);
-    const std::string value = c.value;
-    EXPECT_EQ(reader.read(value), c.outcome);
+  const std::regex row("([^|]*) = ([^|]*?)(?: \\| |$)");
+  for (std::sregex_iterator found(rows.begin(), rows.end(), row), end; found != end; ++found) {
+    SCOPED_TRACE(found->str());
+    const std::string value = found->str(1), wanted = found->str(2);
+    const Outcome outcome = reader.read(value);
+    if (outcome == Outcome::read) {
+      EXPECT_EQ(reader.text(), wanted);
+      continue;
+    }
     const Refusal& refusal = reader.refusal();
-    EXPECT_EQ(value.substr(refusal.position, refusal.length), c.part) << refusal.position;
-    EXPECT_NE(refusal.expected.find(c.message), std::string::npos) << refusal.expected;
+    const size_t colon = wanted.find(": ");
+    EXPECT_EQ("=-!?#"[static_cast<size_t>(outcome)] + value.substr(refusal.position, refusal.length),
+              wanted.substr(0, colon));
+    EXPECT_THAT(refusal.expected, HasSubstr(colon == std::string::npos ? "" : wanted.substr(colon + 2)));
   }
   EXPECT_EQ(reader.read(decision.strict ? "  " : " \u00A0 "), Outcome::empty);
 }
 
-TEST(ColumnReader, Dates) {
-  expect(decision_of(Kind::date, "de_DE", {"%Y-%m-%d", "%d.%m.%Y", "%d.%m.%y", "%d. %b %Y", "%A, %d. %b %Y"},
-                     Order::day_first),
-         "04.03.59 = 2059-03-04 | 04.03.60 = 1960-03-04 | 5. Feb 2021 = 2021-02-05 | 2021\u201103\u201204 = 2021-03-04",
-         {{"5. Mörz 2021", unread, "Mörz", "is not the name of a month"},
-          {"Sa., 5. März 2021", unread, "Sa., ", "another day of the week"},
-          {"29.02.1900", unread, "29.02.1900", "no day 1900-02-29"},
-          {"12.25.2021", contradicts, "12.25.2021", "day-first"},
-          {"4/3/2021", unread, "/", "is wanted"},
-          // Places are those of the original.
-          {"\u00A0\u200E4.\u200E13.2021", contradicts, "4.\u200E13.2021"},
-          {"\u00A0\u200E４.\u200E1３.202x", unread, "1３", "is not a month"},
-          {"4.3.2021\xFF", unread, "\xFF", "follows"}});
+TEST(ColumnReader, DatesTimesAndPeriods) {
+  const Decision german = decision_of(
+      Kind::date, "de_DE", {"%Y-%m-%d", "%d.%m.%Y", "%d.%m.%y", "%d. %b %Y", "%A, %d. %b %Y"}, Order::day_first);
+  expect(
+      german,
+      "04.03.59 = 2059-03-04 | 04.03.60 = 1960-03-04 | 5. Feb 2021 = 2021-02-05 | 2021\u201103\u201204 = 2021-03-04 | "
+      "5. Mörz 2021 = !Mörz: is not the name of a month | Sa., 5. März 2021 = !Sa., : another day of the week | "
+      "29.02.1900 = !29.02.1900: no day 1900-02-29 | 12.25.2021 = #12.25.2021: day-first | 4/3/2021 = !/: is wanted | "
+      // Places are those of the original.
+      "\u00A0\u200E4.\u200E13.2021 = #4.\u200E13.2021 | \u00A0\u200E４.\u200E1３.202x = !1３: is not a month | "
+      "4.3.2021\xFF = !\xFF: follows");
   Decision century = decision_of(Kind::date, "en_US", {"%m/%d/%y"}, Order::month_first);
   century.first_year = 1900;
-  expect(century, "12/31/99 = 1999-12-31 | 12/31/00 = 1900-12-31", {{"02/29/00", unread, "02/29/00"}});
+  expect(century, "12/31/99 = 1999-12-31 | 12/31/00 = 1900-12-31 | 02/29/00 = !02/29/00");
   // Undecided orders, and the same where years may stand first.
   expect(decision_of(Kind::date, "en_US", {"%d/%m/%y"}),
-         "25/12/21 = 2021-12-25 | 12/25/21 = 2021-12-25 | 03/03/21 = 2021-03-03",
-         {{"03/04/21", ambiguous, "03/04/21", "--day-first"}, {"31/02/21", unread, "31/02/21", "no day"}});
-  expect(decision_of(Kind::date, "en_US", {"%d/%m/%y", "%y/%m/%d"}), "99/12/31 = 1999-12-31 | 25/12/60 = 1960-12-25",
-         {{"25/12/21", ambiguous, "25/12/21"}});
-}
-
-TEST(ColumnReader, TimesAndPeriods) {
+         "25/12/21 = 2021-12-25 | 12/25/21 = 2021-12-25 | 03/03/21 = 2021-03-03 | 03/04/21 = ?03/04/21: --day-first | "
+         "31/02/21 = !31/02/21: no day");
+  expect(decision_of(Kind::date, "en_US", {"%d/%m/%y", "%y/%m/%d"}),
+         "99/12/31 = 1999-12-31 | 25/12/60 = 1960-12-25 | 25/12/21 = ?25/12/21");
   expect(decision_of(Kind::time, "en_US", {"%H:%M:%S", "%H:%M", "%I:%M %p"}),
-         "9:05 = 09:05:00 | 9:05 PM = 21:05:00 | 12:05\u202Fa.m. = 00:05:00 | 23:59:59,123456789 = 23:59:59.123456789",
-         {{"24:00", unread, "24", "is not an hour (0 to 23)"},
-          {"13:05 PM", unread, "13", "is not an hour (1 to 12)"},
-          {"10:20Z", unread, "Z", "is not AM or PM"}});
-  expect(decision_of(Kind::datetime, "en_US",
-                     {"%Y-%m-%dT%H:%M:%S", "%Y-%m-%dT%H:%M:%S%z", "%A, %d %b %Y %H:%M:%S%z", "%m/%d/%Y, %I:%M %p"},
+         "9:05 = 09:05:00 | 9:05 PM = 21:05:00 | 12:05\u202Fa.m. = 00:05:00 | "
+         "23:59:59,123456789 = 23:59:59.123456789 | 24:00 = !24: is not an hour (0 to 23) | "
+         "13:05 PM = !13: is not an hour (1 to 12) | 10:20Z = !Z: is not AM or PM");
+  expect(decision_of(Kind::datetime, "en_US", {"%Y-%m-%dT%H:%M:%S%z", "%A, %d %b %Y %H:%M:%S%z", "%m/%d/%Y, %I:%M %p"},
                      Order::month_first),
-         "2021-03-04t10:20:30.5 = 2021-03-04T10:20:30.5 | 2021-03-04T10:20:30Z = 2021-03-04T10:20:30Z | "
-         "2021-03-04T10:20:30 -0330 = 2021-03-04T10:20:30-03:30 | Fri, 05 Mar 2021 10:20:30 GMT = 2021-03-05T10:20:30Z "
-         "| 3/4/2021,  10:20 pm = 2021-03-04T22:20:00",
-         {{"2021-03-04T10:20:30+13:00", unread, "13", "is not an offset"},
-          {"13/4/2021, 10:20 pm", contradicts, "13/4/2021, 10:20 pm"},
-          {"2021-03-04", unread, "", "ends where a time is wanted"}});
-  expect(decision_of(Kind::period, "fr_FR", {"%Y-W%V", "W%V %Y", "%Y-%m", "%m/%Y", "%b %Y", "%q %Y", "%Y-%q"}),
-         "W53 2020 = 2020-W53 | 2021-3 = 2021-03 | févr. 2021 = 2021-02 | T1 2021 = 2021-Q1",
-         {{"2021-W54", unread, "54", "is not a week"}, {"13/2021", unread, "13", "is not a month"}});
+         "2021-03-04t10:20:30.5Z = 2021-03-04T10:20:30.5Z | 2021-03-04T10:20:30 -0330 = 2021-03-04T10:20:30-03:30 | "
+         "Fri, 05 Mar 2021 10:20:30 GMT = 2021-03-05T10:20:30Z | 3/4/2021,  10:20 pm = 2021-03-04T22:20:00 | "
+         "2021-03-04T10:20:30+13:00 = !13: is not an offset | 13/4/2021, 10:20 pm = #13/4/2021, 10:20 pm | "
+         "2021-03-04 = !: ends where a time is wanted");
+  expect(decision_of(Kind::period, "fr_FR", {"%Y-W%V", "W%V %Y", "%Y-%m", "%m/%Y", "%b %Y", "%q %Y"}),
+         "W53 2020 = 2020-W53 | 2021-3 = 2021-03 | févr. 2021 = 2021-02 | T1 2021 = 2021-Q1 | "
+         "2021-W54 = !54: is not a week | 13/2021 = !13: is not a month");
+  Decision strict = german;
+  strict.strict = true;
+  strict.forms = {"%d.%m.%Y", "%#d. %B %Y"};
+  expect(strict,
+         "04.03.2021 = 2021-03-04 | 5. März 2021 = 2021-03-05 | 4.3.2021 = !3 | 04.03.2021  = ! : follows | "
+         "\u200E04.03.2021 = !\u200E04 | ０４.03.2021 = !０４");
 }
 
 TEST(ColumnReader, Numbers) {
-  expect(numbers(",", ".' ", "€"),
+  Decision number = decision_of(Kind::number, "de_DE");
+  expect(number,
+         "1,5 = 1.5 | 1.5 = 1.5 | 12,34,567 = 1234567 | 0,123 = 0.123 | 1,234 = ?1,234: --decimal | 1.234 = ?1.234 | "
+         "12.34.567 = !12.34.567");
+  number.decimal_point = ",";
+  number.group_separators = ".' ";
+  number.unit = "€";
+  expect(number,
          "1,5- = -1.5 | (1,5) = -1.5 | 1’234,5 € = 1234.5 | €\u00A01,5 = 1.5 | -€1,5 = -1.5 | +,5 = 0.5 | 5, = 5 | "
          "1,5E-3 = 1.5E-3 | 1.234 = 1234 | 1,234 = 1.234 | ١٬٢٣٤٫٥ = 1234.5 | "
-         "12345678901234567890,12345678901234567890 = 12345678901234567890.12345678901234567890",
-         {{"1.5", contradicts, "1.5", "decimal point of the column is \",\""},
-          {"1,5 %", contradicts, "1,5 %", "\"%\" stands at a number"},
-          {"1.23.456", unread, "1.23.456", "separators"},
-          {"12,5x", unread, "x", "follows the number"},
-          {"-", unread, "", "a digit is wanted"},
-          {".A", unread, "A"},
-          {"1e999", unread, "1e999", "too large"}});
-  expect(
-      numbers(""), "1,5 = 1.5 | 1.5 = 1.5 | 12,34,567 = 1234567 | 0,123 = 0.123",
-      {{"1,234", ambiguous, "1,234", "--decimal"}, {"1.234", ambiguous, "1.234"}, {"12.34.567", unread, "12.34.567"}});
-  expect(numbers(".", ",", "%"), "%12.5 = 12.5",
-         {{"1 234 %", contradicts, "1 234 %", "groups are separated by \",\""}});
-  Decision whole = numbers(".", ",");
-  whole.kind = Kind::integer;
-  expect(whole, "1,234 = 1234", {{"1.5", contradicts, "1.5", "whole numbers"}});
-}
-
-TEST(ColumnReader, StrictTakesValuesAsTheyStand) {
-  Decision date = decision_of(Kind::date, "de_DE", {"%d.%m.%Y", "%#d. %B %Y"}, Order::day_first);
-  Decision number = numbers(".", ",");
-  date.strict = number.strict = true;
-  expect(date, "04.03.2021 = 2021-03-04 | 5. März 2021 = 2021-03-05",
-         {{"4.3.2021", unread, "3"},
-          {"04.03.2021 ", unread, " ", "follows"},
-          {"\u200E04.03.2021", unread, "\u200E04"},
-          {"０４.03.2021", unread, "０４"}});
-  expect(number, "-1,234.5 = -1234.5",
-         {{"\u22121.5", unread, "−"}, {"(1.5)", unread, "1.5", "a plain number"}, {"1.5 ", unread, "1.5"}});
+         "12345678901234567890,12345678901234567890 = 12345678901234567890.12345678901234567890 | "
+         "1.5 = #1.5: decimal point of the column is \",\" | 1,5 % = #1,5 %: \"%\" stands at a number | "
+         "1.23.456 = !1.23.456: separators | 12,5x = !x: follows the number | - = !: a digit is wanted | .A = !A | "
+         "1e999 = !1e999: too large");
+  number.decimal_point = ".";
+  number.group_separators = ",";
+  number.unit = "%";
+  expect(number, "%12.5 = 12.5 | 1 234 % = #1 234 %: groups are separated by \",\"");
+  number.unit.clear();
+  expect(number, "-1,234,567.123456789012345678 = -1.234.567,123456789012345678 | 12 = 12",
+         {.to_pattern = "", .to_locale = "de_DE"});
+  expect(number, "12345678.5 = 1,23,45,678.5", {.to_pattern = "", .to_locale = "hi_IN"});
+  number.strict = true;
+  expect(number, "-1,234.5 = -1234.5 | \u22121.5 = !− | (1.5) = !1.5: a plain number | 1.5  = !1.5");
+  number.kind = Kind::integer;
+  expect(number, "1,234 = 1234 | 1.5 = #1.5: whole numbers");
 }
 
 TEST(ColumnReader, OtherOutputsAndFormsThatCannotBeMeant) {
   const Decision date = decision_of(Kind::date, "en_US", {"%m/%d/%Y"}, Order::month_first);
-  expect(date, "3/4/2021 = 4. März 2021", {}, {.to_pattern = "%#d. %B %Y", .to_locale = "de_DE"});
-  expect(date, "3/4/2021 = 04/03/2021", {}, {.to_pattern = "", .to_locale = "fr_FR"});
+  expect(date, "3/4/2021 = 4. März 2021", {.to_pattern = "%#d. %B %Y", .to_locale = "de_DE"});
+  expect(date, "3/4/2021 = 04/03/2021", {.to_pattern = "", .to_locale = "fr_FR"});
   // An instant is told by the clocks of the zone.
   expect(decision_of(Kind::datetime, "en_US", {"%Y-%m-%dT%H:%M:%S", "%Y-%m-%dT%H:%M:%S%z"}),
-         "2021-07-04T23:20:30Z = 05.07.2021 01:20 | 2021-07-04T23:20:30 = 04.07.2021 23:20", {},
+         "2021-07-04T23:20:30Z = 05.07.2021 01:20 | 2021-07-04T23:20:30 = 04.07.2021 23:20",
          {.to_pattern = "%d.%m.%Y %H:%M", .to_locale = ""});
-  expect(numbers(".", ","), "-1,234,567.123456789012345678 = -1.234.567,123456789012345678 | 12 = 12", {},
-         {.to_pattern = "", .to_locale = "de_DE"});
-  expect(numbers(".", ","), "12345678.5 = 1,23,45,678.5", {}, {.to_pattern = "", .to_locale = "hi_IN"});
   for (const char* wrong : {"%d.%Q", "%H:%M", "%"}) {
     EXPECT_THROW(Reader(locale_maker(), date, {.to_pattern = wrong, .to_locale = ""}), vxcli::Failure) << wrong;
   }
@@ -308,11 +270,11 @@ TEST(ColumnReader, OtherOutputsAndFormsThatCannotBeMeant) {
   }
 }
 
-// A million rows from ten countries, dirt included, against answers that were known before: days by std::chrono, their
-// texts by ICU's own formatter and patterns that stand here, numbers by their digits. Nothing of what is tested takes
-// part.
+// A million rows from ten countries, dirt included, against answers that were known before: days by std::chrono, texts
+// of days and numbers by ICU's own formatters. Nothing of what is tested takes part.
 
 using icu::UnicodeString;
+using icu::number::LocalizedNumberFormatter;
 using Random = std::mt19937;
 
 constexpr size_t rows_a_country = 100'000;
@@ -325,106 +287,75 @@ struct Cell {
   std::string text;
   std::optional<std::string> answer;
   bool against = false;  // it can be read in one way, which is not that of the column
-  bool hard = false;     // people understand it, by what is in no locale: "ca. 5.3.2021", "2O21-03-05"
+  bool hard = false;     // people understand it, by what is in no locale: "ca. 5.3.2021"
 };
 
-/// A country's ICU patterns, the numeric ones all in one order, and how it writes numbers.
+/// A country's ICU patterns, the numeric ones all in one order.
 struct Country {
   const char* locale;
   const char* dates;
-  const char* other_order;  // with day and month exchanged; null: none
-  const char *decimal_point, *group_separator;
-  char16_t zero = u'0';
+  const char* other_order;   // with day and month exchanged; null: none
+  const char* other_points;  // a locale with point and comma exchanged; null: its own are neither
 };
 const Country countries[] = {
-    {"en_US", "M/d/yy|MM/dd/yyyy|MMM d, yyyy|MMMM d, yyyy|EEE, MMM d, yyyy|d-MMM-yy|yyyy-MM-dd", "dd/MM/yyyy", ".",
-     ","},
-    {"en_GB", "dd/MM/yyyy|d/M/yy|d MMM yyyy|d MMMM yyyy|EEEE, d MMMM yyyy|yyyy-MM-dd", "MM/dd/yyyy", ".", ","},
-    {"de_DE", "dd.MM.yyyy|d.M.yy|d. MMMM yyyy|d. MMM yyyy|EEE, d. MMM yyyy|yyyy-MM-dd", "MM.dd.yyyy", ",", "."},
-    {"fr_FR", "dd/MM/yyyy|dd/MM/yy|d MMM yyyy|d MMMM yyyy|EEEE d MMMM yyyy|dd-MM-yyyy", "MM/dd/yyyy", ",", "\u202F"},
+    {"en_US", "M/d/yy|MM/dd/yyyy|MMM d, yyyy|MMMM d, yyyy|EEE, MMM d, yyyy|d-MMM-yy|yyyy-MM-dd", "dd/MM/yyyy", "de"},
+    {"en_GB", "dd/MM/yyyy|d/M/yy|d MMM yyyy|d MMMM yyyy|EEEE, d MMMM yyyy|yyyy-MM-dd", "MM/dd/yyyy", "de"},
+    {"de_DE", "dd.MM.yyyy|d.M.yy|d. MMMM yyyy|d. MMM yyyy|EEE, d. MMM yyyy|yyyy-MM-dd", "MM.dd.yyyy", "en"},
+    {"fr_FR", "dd/MM/yyyy|dd/MM/yy|d MMM yyyy|d MMMM yyyy|EEEE d MMMM yyyy|dd-MM-yyyy", "MM/dd/yyyy", "en"},
     {"es_ES", "d/M/yy|dd-MM-yyyy|d MMM yyyy|d 'de' MMMM 'de' yyyy|EEEE, d 'de' MMMM 'de' yyyy|yyyy/MM/dd", "MM-dd-yyyy",
-     ",", "."},
-    {"pt_BR", "dd/MM/yyyy|dd/MM/yy|d 'de' MMM 'de' yyyy|d 'de' MMMM 'de' yyyy|yyyy-MM-dd", "MM/dd/yyyy", ",", "."},
-    {"pl_PL", "dd.MM.yyyy|d.MM.yyyy|d MMM yyyy|d MMMM yyyy|EEEE, d MMMM yyyy|yyyy-MM-dd", "MM.dd.yyyy", ",", "\u00A0"},
-    {"ru_RU", "dd.MM.yyyy|dd.MM.yy|d MMM yyyy 'г'.|d MMMM yyyy 'г'.|d MMMM yyyy|yyyy-MM-dd", "MM.dd.yyyy", ",",
-     "\u00A0"},
-    {"ja_JP", "yyyy/MM/dd|yy/MM/dd|yyyy年M月d日|yyyy-MM-dd|yyyy.MM.dd", nullptr, ".", ","},
-    {"ar_EG", "d\u200F/M\u200F/yyyy|dd/MM/yy|d MMMM yyyy|EEEE، d MMMM yyyy|yyyy-MM-dd", "MM/dd/yyyy", "\u066B",
-     "\u066C", u'\u0660'}};
-
-/// Moves the digits of a text to those of another zero.
-void use_digits(UnicodeString& text, char16_t zero) {
-  for (int32_t i = 0; i < text.length(); ++i) {
-    if (text[i] >= u'0' && text[i] <= u'9') text.setCharAt(i, static_cast<char16_t>(text[i] - u'0' + zero));
-  }
-}
-
-/// What people write and no locale has: the meaning is plain, the text is not.
-void make_hard(UnicodeString& text, Random& random) {
-  const int32_t zero = text.indexOf(u'0');
-  switch (below(random, 4)) {
-    case 0: text.append(u" (?)"); break;
-    case 1: text.insert(0, u"ca. "); break;
-    case 2: zero < 0 ? text.append(u"*") : text.replace(zero, 1, u'O'); break;
-    default: text.append(u";");
-  }
-}
+     "en"},
+    {"pt_BR", "dd/MM/yyyy|dd/MM/yy|d 'de' MMM 'de' yyyy|d 'de' MMMM 'de' yyyy|yyyy-MM-dd", "MM/dd/yyyy", "en"},
+    {"pl_PL", "dd.MM.yyyy|d.MM.yyyy|d MMM yyyy|d MMMM yyyy|EEEE, d MMMM yyyy|yyyy-MM-dd", "MM.dd.yyyy", "en"},
+    {"ru_RU", "dd.MM.yyyy|dd.MM.yy|d MMM yyyy 'г'.|d MMMM yyyy 'г'.|d MMMM yyyy|yyyy-MM-dd", "MM.dd.yyyy", "en"},
+    {"ja_JP", "yyyy/MM/dd|yy/MM/dd|yyyy年M月d日|yyyy-MM-dd|yyyy.MM.dd", nullptr, "de"},
+    {"ar_EG", "d\u200F/M\u200F/yyyy|dd/MM/yy|d MMMM yyyy|EEEE، d MMMM yyyy|yyyy-MM-dd", "MM/dd/yyyy", nullptr}};
 
 /// What copying and exporting does to a text, its meaning kept.
 void soil(UnicodeString& text, Random& random, bool number) {
-  static constexpr char16_t spaces[] = {0x00A0, 0x202F, 0x2009};
-  switch (below(random, 12)) {
-    case 0: text.insert(0, u' '); break;
-    case 1: text.append(u' ').append(char16_t{0x00A0}); break;
-    case 2: text.insert(0, char16_t{0x200E}); break;
-    case 3: text.append(char16_t{0x200F}); break;
-    case 4: text.findAndReplace(u" ", UnicodeString(spaces[below(random, 3)])); break;
-    case 5: use_digits(text, 0xFF10); break;  // full-width
-    case 6: text.findAndReplace(u"-", UnicodeString(number ? char16_t{0x2212} : char16_t{0x2010})); break;
-    case 7: text.append(u'\t'); break;
-    default: break;
+  const size_t luck = below(random, 12), one = below(random, 3);
+  if (luck < 2) text.insert(0, u" \u00A0\u200E"[one]);
+  else if (luck < 4) text.append(u"\t\u00A0\u200F"[one]);
+  else if (luck == 4) text.findAndReplace(u" ", UnicodeString(u"\u00A0\u202F\u2009"[one]));
+  else if (luck == 5) text.findAndReplace(u"-", UnicodeString(number ? u'\u2212' : u'\u2010'));
+  for (int32_t i = 0; luck == 6 && i < text.length(); ++i) {  // full-width
+    if (text[i] >= u'0' && text[i] <= u'9') text.setCharAt(i, static_cast<char16_t>(text[i] + (u'０' - u'0')));
   }
 }
 
 /// `rows` cells, always the same for a seed. 6 in 100 are empty or rubbish, 1 in 100 is hard, 1 in 4 of the others
 /// soiled; of 1 in 200 `write` is asked to write against the column, where that shows.
 template <class Write>
-std::vector<Cell> column(size_t rows, Random& random, const std::vector<const char*>& rubbish, bool number,
-                         const Write& write) {
+std::vector<Cell> column(size_t rows, Random& random, const Values& rubbish, bool number, const Write& write) {
   std::vector<Cell> cells;
   while (cells.size() < rows) {
     const size_t luck = below(random, 1000);
+    Cell& cell = cells.emplace_back();
     if (luck < 60) {
-      cells.push_back({luck < 5 ? "" : luck < 10 ? " \u00A0" : rubbish[below(random, rubbish.size())], std::nullopt});
+      if (luck >= 5) cell.text = luck < 10 ? " \u00A0" : rubbish[below(random, rubbish.size())];
       continue;
     }
-    Cell cell;
     UnicodeString text = write(luck < 65, cell);
     cell.hard = !cell.against && below(random, 100) == 0;
     if (cell.against) cell.answer.reset();
-    else if (cell.hard) make_hard(text, random);
+    else if (cell.hard) below(random, 2) == 0 ? text.append(u" (?)") : text.insert(0, u"ca. ");
     else if (below(random, 4) == 0) soil(text, random, number);
     text.toUTF8String(cell.text);
-    cells.push_back(std::move(cell));
   }
   return cells;
 }
 
 std::vector<Cell> date_column(const Country& country, size_t rows, uint32_t seed) {
   std::vector<std::unique_ptr<icu::SimpleDateFormat>> formats;
-  const auto add = [&](const std::string& pattern) {  // in the Gregorian calendar, UTC
+  std::istringstream patterns(country.dates + std::string("|") + (country.other_order ? country.other_order : ""));
+  for (std::string pattern; std::getline(patterns, pattern, '|');) {  // in the Gregorian calendar, UTC
     UErrorCode error = U_ZERO_ERROR;
     const icu::Locale locale(country.locale);
     formats.push_back(std::make_unique<icu::SimpleDateFormat>(UnicodeString::fromUTF8(pattern), locale, error));
-    auto calendar = std::make_unique<icu::GregorianCalendar>(locale, error);
+    auto calendar = std::make_unique<icu::GregorianCalendar>(*icu::TimeZone::getGMT(), locale, error);
     calendar->setGregorianChange(-1e17, error);
     formats.back()->adoptCalendar(calendar.release());
-    formats.back()->adoptTimeZone(icu::TimeZone::createTimeZone("UTC"));
-  };
-  std::istringstream patterns(country.dates);
-  for (std::string pattern; std::getline(patterns, pattern, '|');) add(pattern);
-  const size_t own = formats.size();
-  if (country.other_order != nullptr) add(country.other_order);
+  }
+  const size_t own = formats.size() - (country.other_order != nullptr ? 1 : 0);
   Random random(seed);
   // Every other column has recent days only: two-digit years that could be days as well.
   const bool recent = seed % 2 == 1 && country.other_order != nullptr;
@@ -447,34 +378,32 @@ std::vector<Cell> date_column(const Country& country, size_t rows, uint32_t seed
 }
 
 std::vector<Cell> number_column(const Country& country, size_t rows, uint32_t seed) {
+  const auto formatter = [](const char* locale, UNumberGroupingStrategy grouping) {
+    return icu::number::NumberFormatter::withLocale(locale).grouping(grouping).precision(
+        icu::number::Precision::unlimited());
+  };
+  const LocalizedNumberFormatter own[] = {formatter(country.locale, UNUM_GROUPING_OFF),
+                                          formatter(country.locale, UNUM_GROUPING_THOUSANDS)};
+  const LocalizedNumberFormatter other = formatter(country.other_points, UNUM_GROUPING_THOUSANDS);
   Random random(seed);
-  const std::string point = country.decimal_point, separator = country.group_separator;
-  return column(rows, random,
-                {"n/a", "--", "1.2.3", "1,2,3", "12a", "e5", "1..2", "1,,2", "2021-03-04", "1.23.4567", "+-5"}, true,
-                [&](bool against, Cell& cell) {
-                  std::string sign(below(random, 5) == 0 ? "-" : ""), whole = std::to_string(random() % 10), fraction;
-                  for (size_t more = whole == "0" ? 0 : below(random, 9); more > 0; --more) {
-                    whole += static_cast<char>('0' + random() % 10);
-                  }
-                  for (size_t more = below(random, 3) == 0 ? 0 : 1 + below(random, 4); more > 0; --more) {
-                    fraction += static_cast<char>('0' + random() % 10);
-                  }
-                  cell.answer = sign + whole + (fraction.empty() ? "" : "." + fraction);
-                  const bool grouped = below(random, 2) == 0 && whole.size() > 3;
-                  cell.against = against && point.size() + separator.size() == 2 && grouped && !fraction.empty();
-                  for (size_t i = whole.size() - 3; grouped && i > 0 && i < whole.size(); i -= 3) {
-                    whole.insert(i, cell.against ? point : separator);
-                  }
-                  if (!fraction.empty()) fraction.insert(0, cell.against ? separator : point);
-                  UnicodeString text = UnicodeString::fromUTF8(sign + whole + fraction);
-                  use_digits(text, country.zero);
-                  return text;
-                });
+  const auto below_ten_to = [&](size_t power) { return below(random, static_cast<size_t>(std::pow(10, power))); };
+  return column(
+      rows, random, {"n/a", "--", "1.2.3", "1,2,3", "12a", "e5", "1..2", "1,,2", "2021-03-04", "1.23.4567", "+-5"},
+      true, [&](bool against, Cell& cell) {
+        const size_t whole = below_ten_to(1 + below(random, 9));
+        cell.answer = fmt::format("{}{}", below(random, 5) == 0 ? "-" : "", whole);
+        const size_t decimals = below(random, 3) == 0 ? 0 : 1 + below(random, 4);
+        // Without a 0 at the end, which ICU would leave out.
+        if (decimals > 0) *cell.answer += fmt::format(".{:0{}}", below_ten_to(decimals) | 1U, decimals);
+        cell.against = against && country.other_points != nullptr && decimals > 0 && whole >= 1000;
+        UErrorCode error = U_ZERO_ERROR;
+        return (cell.against ? other : own[below(random, 2)]).formatDecimal(*cell.answer, error).toString(error);
+      });
 }
 using MakeColumn = decltype(&date_column);
 
 struct Score {
-  uint64_t rows = 0, readable = 0, hard = 0, read = 0, right = 0, wrong = 0, ambiguous = 0;
+  uint64_t rows = 0, readable = 0, hard = 0, read = 0, right = 0, ambiguous = 0;
 
   void print(const char* name) const {
     std::printf("%-13s rows %8lu  read %8lu  precision %8.4f %%  recall %8.4f %%  ambiguous %6lu\n", name, rows, read,
@@ -483,19 +412,12 @@ struct Score {
   }
 };
 
-ProfilerOptions options_for(const std::string& locale) {
-  ProfilerOptions options;
-  options.locales = {locale};
-  options.shown = 1'000'000;  // every value that is not read
-  return options;
-}
-
 /// Profiles a column in several pieces and reads it by the decision. Holds the report against what the reader does.
-Decision measure(const std::vector<Cell>& cells, const ProfilerOptions& options, Score& score) {
-  const LocaleMaker make_locale = locale_maker();
+Decision measure(const std::vector<Cell>& cells, ProfilerOptions options, Score& score) {
+  options.shown = cells.size();  // every value that is not read
   std::vector<Profiler> parts;
   for (size_t i = 0; i < cells.size(); ++i) {
-    if (i == 0 || i == cells.size() / 3 || i == cells.size() / 2) parts.emplace_back(make_locale, options);
+    if (i == 0 || i == cells.size() / 3 || i == cells.size() / 2) parts.emplace_back(locale_maker(), options);
     parts.back().add(cells[i].text, {i + 2, i + 1, 0});
   }
   for (size_t part = 1; part < parts.size(); ++part) parts[0].merge(parts[part]);
@@ -503,19 +425,17 @@ Decision measure(const std::vector<Cell>& cells, const ProfilerOptions& options,
 
   std::array<uint64_t, 5> outcomes{};
   std::set<uint64_t> left;  // records that were not read
-  Reader reader(make_locale, report.decision);
+  Reader reader(locale_maker(), report.decision);
   for (size_t i = 0; i < cells.size(); ++i) {
-    const Cell& cell = cells[i];
-    const Outcome outcome = reader.read(cell.text);
+    const Outcome outcome = reader.read(cells[i].text);
     ++outcomes[static_cast<size_t>(outcome)];
-    ++score.rows;
-    score.readable += cell.answer ? 1 : 0;
-    score.hard += cell.hard ? 1 : 0;
+    score.readable += cells[i].answer ? 1 : 0;
+    score.hard += cells[i].hard ? 1 : 0;
+    score.right += outcome == Outcome::read && cells[i].answer == reader.text() ? 1 : 0;
     if (outcome != Outcome::read && outcome != Outcome::empty) left.insert(i + 1);
-    if (outcome != Outcome::read) continue;
-    ++score.read;
-    ++(cell.answer == reader.text() ? score.right : score.wrong);
   }
+  score.rows += cells.size();
+  score.read += report.read;
   score.ambiguous += report.ambiguous;
   EXPECT_EQ(report.values, cells.size());
   EXPECT_EQ(outcomes, (std::array{report.read, report.empty, report.unread, report.ambiguous, report.contradicting}))
@@ -531,49 +451,33 @@ Decision measure(const std::vector<Cell>& cells, const ProfilerOptions& options,
   return report.decision;
 }
 
-TEST(ColumnAnswers, EachCountryIsReadRightly) {
+/// Each country's columns by themselves, where all is read that can be; and all in one column, where nothing can be
+/// decided, and nothing may be misread.
+TEST(ColumnAnswers, AreRightOrReported) {
   for (const MakeColumn make : {&date_column, &number_column}) {
-    Score score;
-    uint32_t seed = 1;
+    Score apart, mixed;
+    std::vector<std::vector<Cell>> columns;
     for (const Country& country : countries) {
       SCOPED_TRACE(country.locale);
-      const Decision decision = measure(make(country, rows_a_country, seed++), options_for(country.locale), score);
-      EXPECT_EQ(score.wrong, 0U);
-      if (make == &number_column) {
-        EXPECT_EQ(decision.kind, Kind::number);
-        EXPECT_EQ(decision.decimal_point, country.zero == u'0' ? country.decimal_point : decision.decimal_point);
-        continue;
-      }
-      EXPECT_EQ(decision.kind, Kind::date);
-      EXPECT_EQ(decision.order, country.locale == std::string("en_US")   ? Order::month_first
-                                : country.locale == std::string("ja_JP") ? Order::year_first
-                                                                         : Order::day_first);
-      EXPECT_EQ(decision.order_by, Source::evidence);
+      columns.push_back(make(country, rows_a_country, static_cast<uint32_t>(columns.size() + 1)));
+      measure(columns.back(), options_of(country.locale), apart);
     }
-    EXPECT_EQ(score.right, score.readable - score.hard);
-    score.print(make == &date_column ? "dates" : "numbers");
-  }
-}
+    EXPECT_EQ(apart.read, apart.right);
+    EXPECT_EQ(apart.right, apart.readable - apart.hard);
+    apart.print(make == &date_column ? "dates" : "numbers");
 
-/// All countries in one column: nothing can be decided, and nothing may be misread.
-TEST(ColumnAnswers, MixedCountriesAreReportedAndNeverMisread) {
-  for (const MakeColumn make : {&date_column, &number_column}) {
-    std::vector<std::vector<Cell>> columns;
-    uint32_t seed = 1;
-    for (const Country& country : countries) columns.push_back(make(country, rows_a_country / 10, seed++));
     std::vector<Cell> cells;
     for (size_t row = 0; row < rows_a_country / 10; ++row) {
       for (const std::vector<Cell>& column : columns) {
         if (!column[row].against) cells.push_back(column[row]);  // here its country's order is one of several
       }
     }
-    Score score;
-    const Decision decision = measure(cells, options_for("en_GB"), score);
-    score.print(make == &date_column ? "mixed dates" : "mixed numbers");
+    const Decision decision = measure(cells, options_of("en_GB"), mixed);
     EXPECT_EQ(decision.order, Order::none);
     EXPECT_EQ(decision.decimal_point, "");
-    EXPECT_GT(score.ambiguous, 0U);
-    EXPECT_EQ(score.wrong, 0U);
+    EXPECT_GT(mixed.ambiguous, 0U);
+    EXPECT_EQ(mixed.read, mixed.right);
+    mixed.print(make == &date_column ? "mixed dates" : "mixed numbers");
   }
 }
 
@@ -582,22 +486,20 @@ TEST(ColumnAnswers, DamagedTextsAreCountedAsTheyAreRead) {
   static constexpr std::string_view signs = "0123456789.,-/: '+%()TZeEaAmM\xC2\xA0\xE2\x80\x8F\xD9\xAB\xFF\t";
   Random random(1);
   Score ignored;
-  for (const MakeColumn make : {&date_column, &number_column}) {
-    uint32_t seed = 1;
-    for (const Country& country : countries) {
+  for (const Country& country : countries) {
+    for (const bool dates : {true, false}) {
       SCOPED_TRACE(country.locale);
-      std::vector<Cell> cells = make(country, 3000, seed++);
-      for (Cell& cell : cells) {
-        for (size_t edits = random() % 4; edits > 0 && !cell.text.empty(); --edits) {
-          const size_t at = random() % cell.text.size();
+      std::vector<Cell> cells = (dates ? date_column : number_column)(country, 3000, 1);
+      for (auto& [text, answer, against, hard] : cells) {
+        for (size_t edits = random() % 4; edits > 0 && !text.empty(); --edits) {
+          const size_t at = random() % text.size();
           const std::string_view sign = signs.substr(random() % signs.size(), random() % 2);
-          cell.text.replace(at, random() % 2, random() % 4 == 0 ? cell.text.substr(at, random() % 8) : sign);
+          text.replace(at, random() % 2, random() % 4 == 0 ? text.substr(at, random() % 8) : sign);
         }
       }
-      ProfilerOptions options = options_for(country.locale);
+      ProfilerOptions options = options_of(country.locale);
       measure(cells, options, ignored);
-      options.kind = make == &date_column ? Kind::date : Kind::number;
-      measure(cells, options, ignored);
+      options.kind = dates ? Kind::date : Kind::number;
       options.strict = true;
       measure(cells, options, ignored);
     }
