@@ -31,7 +31,7 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 ROOMS = ("calendar", "collation", "datetime_format", "datetime_parse", "kernel_strings", "module", "number_format",
          "number_parse", "unicode", "utf8")
-WHOLE = re.compile(r"locale_database_test|host_test|own_host_test|corpus_(?!record_splitter|command_arguments).*")
+WHOLE = re.compile(r"locale_database_test|host_test|corpus_(?!record_splitter|command_arguments).*")
 COUNTED = ("caught", "survived", "waiting")
 OWN_RUN, SLOW = 0.5, 2  # seconds of the processor from which a case runs alone, and after the quick ones of its room
 DATA = ("number_format/powers.cc",)  # each value is compared by a test
