@@ -1,98 +1,83 @@
-// Numbers written the slow way: strings, exact digits by big integers, and double arithmetic only where the rounding is
-// defined by it.
+// Numbers written the slow way: in strings of exact digits, and double arithmetic only where the rounding is defined by
+// it.
 #ifndef VXNLS_TESTS_NUMBER_FORMAT_MODELS_H
 #define VXNLS_TESTS_NUMBER_FORMAT_MODELS_H
 
-#include <gmpxx.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <optional>
-#include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "vxnls/vxnls.h"
 
 namespace vxtest {
 
+/// With so many digits after the point, as many as the value has and zeros; the last one rounded half to even.
+inline std::string written(double value, std::chars_format form, int digits) {
+  char text[1500];
+  return {text, std::to_chars(text, std::end(text), value, form, digits).ptr};
+}
+
+/// The same, rounded half up.
+inline std::string half_up(double value, std::chars_format form, int digits) {
+  const std::string all = written(value, form, 1100);
+  std::string text = written(value, form, digits);
+  const size_t next = all.find('.') + 1 + static_cast<size_t>(digits), more = all.find_first_not_of('0', next + 1);
+  const bool is_half = all[next] == '5' && (more == all.npos || all[more] == 'e');
+  // What went down to an even digit takes the next one, without a carry.
+  if (const size_t last = next - (digits > 0 ? 1 : 2); is_half && text[last] == all[last]) ++text[last];
+  return text;
+}
+
 /// The digits of a double: `whole` without leading zeros, empty below 1, and `fraction` without trailing ones.
 struct Exact {
   std::string whole, fraction;
+  size_t zeros;  // that the fraction begins with
 
   explicit Exact(double value) {
-    // With more digits than any double of that exponent has, in the bits that their powers of ten take.
-    const auto digits = static_cast<size_t>(60 + (value == 0 ? 0 : std::abs(std::ilogb(value)) * 3 / 4));
-    mp_exp_t point = 0;
-    std::string all = mpf_class(std::fabs(value), 4 * digits).get_str(point, 10, digits);
-    if (point < 0) all.insert(0, static_cast<size_t>(-point), '0');
-    const auto places = static_cast<size_t>(std::max(point, mp_exp_t{0}));
-    if (all.size() < places) all.resize(places, '0');
-    whole = all.substr(0, places);
-    fraction = all.substr(places);
-  }
-
-  /// The first digits, half up, behind a 0 that takes a carry.
-  static std::string half_up(std::string all, size_t count) {
-    all.resize(std::max(all.size(), count + 1), '0');
-    const std::string text = mpz_class(mpz_class("0" + all.substr(0, count), 10) + (all[count] >= '5')).get_str();
-    return std::string(count + 1 - text.size(), '0') + text;
-  }
-  /// With `decimals` digits after the point, half up; "0" before the point below 1.
-  std::string plain(int decimals) const {
-    std::string text = half_up(whole + fraction, whole.size() + static_cast<size_t>(decimals));
-    if (!whole.empty() && text[0] == '0') text.erase(0, 1);
-    if (decimals > 0) text.insert(text.size() - static_cast<size_t>(decimals), ".");
-    return text;
-  }
-  /// As d.dddE+XX with so many significant digits.
-  std::string scientific(int digits, int* exponent) const {
-    std::string all = whole + fraction;
-    const size_t zeros = std::min(all.find_first_not_of('0'), all.size());
-    *exponent = all.empty() ? 0 : static_cast<int>(whole.size()) - 1 - static_cast<int>(zeros);
-    std::string text = half_up(all.substr(zeros), static_cast<size_t>(digits));
-    if (text[0] == '0') text.erase(0, 1);
-    else ++*exponent, text.pop_back();
-    if (digits > 1) text.insert(1, ".");
-    return text + exponent_text(*exponent, false);
-  }
-  /// "E" with its number: `bare`, without "+" and leading zeros.
-  static std::string exponent_text(int exponent, bool bare) {
-    const std::string digits = std::to_string(std::abs(exponent));
-    if (bare) return (exponent < 0 ? "E-" : "E") + digits;
-    return (exponent < 0 ? "E-" : "E+") + std::string(digits.size() < 2 ? 1 : 0, '0') + digits;
+    const std::string text = written(std::fabs(value), std::chars_format::fixed, 1074);
+    const size_t point = text.find('.');
+    if (text[0] != '0') whole = text.substr(0, point);
+    fraction = text.substr(point + 1, text.find_last_not_of('0') - point);
+    zeros = std::min(fraction.find_first_not_of('0'), fraction.size());
   }
 };
 
-/// Units as characters: in UTF-8 the bytes, in UTF-32 \1 for a point and \2 for a separator beyond ASCII.
+/// Units as characters: in UTF-8 the bytes, in UTF-32 a stand-in for each.
 struct Marks {
   std::string point, separator;
   std::vector<int> groups;  // from the right, the last one repeats; -1: no further groups; 0: never fits
 };
 
-struct Written {
-  VXStatus status = 0;
-  std::string text;
-  bool is_written = true;  // false: neither text nor length
-  bool operator==(const Written&) const = default;
-};
+/// A status, and the text or that there is none, nor a length.
+using Written = std::pair<VXStatus, std::string>;
+constexpr const char* untouched = "(untouched)";
 
-inline std::ostream& operator<<(std::ostream& out, const Written& written) {
-  return out << std::hex << written.status << std::dec << " [" << written.text << "]";
-}
-
-/// Puts the separators into the digits that a text begins with; false where they never fit.
-inline bool group(std::string& text, const Marks& marks) {
+/// With separators in the digits that a text begins with, where they may ever fit.
+inline std::optional<std::string> grouped(std::string text, const Marks& marks) {
   size_t at = std::min(text.find_first_not_of("0123456789"), text.size());
-  for (size_t group = 0; !marks.groups.empty(); ++group) {
+  for (size_t group = 0;; ++group) {
     const int length = marks.groups[std::min(group, marks.groups.size() - 1)];
-    if (length == 0) return false;
-    if (length < 0 || at <= static_cast<size_t>(length)) break;
+    if (length == 0) return {};
+    if (length < 0 || at <= static_cast<size_t>(length)) return text;
     at -= static_cast<size_t>(length);
     text.insert(at, marks.separator);
   }
-  return true;
+}
+
+/// With its sign, and padding up to a width.
+inline std::string laid_out(bool negative, const std::string& text, uint32_t flags, int64_t width) {
+  const bool left = (flags & NLS_FORMAT_LEFT) != 0, zeros = !left && (flags & NLS_FORMAT_ZERO_PAD) != 0;
+  const std::string sign = negative ? "-" : (flags & NLS_FORMAT_PLUS) ? "+" : (flags & NLS_FORMAT_BLANK) ? " " : "";
+  const int64_t missing = width - static_cast<int64_t>(sign.size() + text.size());
+  const std::string padding(static_cast<size_t>(std::max<int64_t>(missing, 0)), zeros ? '0' : ' ');
+  return left ? sign + text + padding : zeros ? sign + padding + text : padding + sign + text;
 }
 
 class DoubleModel {
@@ -100,252 +85,208 @@ class DoubleModel {
   explicit DoubleModel(const Marks& marks) : marks_(marks), point_(static_cast<int>(marks.point.size())) {}
 
   Written format(double value, int32_t width, int32_t decimals, uint32_t flags, int64_t size) {
-    bool wants_exponent = (flags & NLS_FORMAT_FIXED_EXPONENT) != 0;
-    bool in_field = (flags & (NLS_FORMAT_FIXED | NLS_FORMAT_FIXED_EXPONENT | NLS_FORMAT_SIGNIFICANT)) != 0;
-    reports_ = (flags & NLS_FORMAT_FIXED) != 0;
-    int places = decimals;
-    if (flags & NLS_FORMAT_SIGNIFICANT) {
-      wants_exponent = wants_exponent || decimals >= 1;
-      reports_ = reports_ || decimals < 0;
-      places = std::abs(decimals);
-    }
+    const bool significant = (flags & NLS_FORMAT_SIGNIFICANT) != 0;
+    const bool wants_exponent = (flags & NLS_FORMAT_FIXED_EXPONENT) != 0 || (significant && decimals >= 1);
+    reports_ = (flags & NLS_FORMAT_FIXED) != 0 || (significant && decimals < 0);
+    int places = significant ? std::abs(decimals) : decimals;
     best_ = (flags & NLS_FORMAT_BEST) != 0 || places == NLS_BEST_DECIMALS;
     if (best_) places = NLS_BEST_DECIMALS;
-    in_field = in_field || (best_ && width != 0);
+    const bool in_field =
+        (flags & (NLS_FORMAT_FIXED | NLS_FORMAT_FIXED_EXPONENT | NLS_FORMAT_SIGNIFICANT)) != 0 || (best_ && width != 0);
     if (width < 0 && !in_field) flags |= NLS_FORMAT_LEFT;
+    groups_ = (flags & NLS_FORMAT_GROUP) != 0;
+    // A blank for the sign is for what stands on the right, behind blanks.
+    if ((flags & (NLS_FORMAT_LEFT | NLS_FORMAT_ZERO_PAD)) != 0) flags &= ~NLS_FORMAT_BLANK;
     flags_ = flags;
     size_ = std::max<int64_t>(size, 0);
     negative_ = value < 0;
     magnitude_ = std::fabs(value);
     if (std::isnan(value)) return missing(value, width, places);
     field_ = static_cast<int>(std::clamp<int64_t>(width, 0, size_));
+    room_ = field_ - (negative_ ? 1 : 0);
     if (std::isinf(value)) {
-      const std::string name = negative_ ? "-Inf" : "Inf";
       // Without a width nothing fits: kept on purpose.
-      return field_ >= static_cast<int>(name.size()) ? Written{0, name} : stars(VX_E_TRUNCATED);
+      return room_ >= 3 ? Written{0, negative_ ? "-Inf" : "Inf"} : stars(VX_E_TRUNCATED);
     }
     return in_field ? fixed(width, places, wants_exponent) : free(std::abs(static_cast<int64_t>(width)), decimals);
   }
 
  private:
-  Written fixed(int32_t width, int decimals, bool wants_exponent) {
-    if (width < 1) return {VX_E_WIDTH, "", false};
+  Written fixed(int32_t width, int decimals, bool wants_exponent) const {
+    if (width < 1) return {VX_E_WIDTH, untouched};
     if (width > 32 || (wants_exponent && width < 7)) return stars(VX_E_WIDTH);
-    room_ = field_ - (negative_ ? 1 : 0);
+    if (wants_exponent) return exponent_form(0, std::max(room_ - 7, 1));
+    const auto otherwise = [&] { return exponent_form(reports_ ? VX_W_PRECISION : 0, 0); };
+    const VXStatus fewer = reports_ && !best_ ? VX_W_PRECISION : 0;
     const Exact exact(magnitude_);
     const int n = static_cast<int>(exact.whole.size());
     const bool integral = exact.fraction.empty();
     if (decimals < 0) decimals = 6;
-    if (wants_exponent) {
-      const auto text = exponent(room_, std::max(room_ - 7, 1));
-      return text ? done(0, *text) : stars(VX_E_TRUNCATED);
-    }
-    const VXStatus fewer = reports_ && !best_ ? VX_W_PRECISION : 0;
     if (best_) {
       decimals = room_ - 1 - point_;
       if (decimals < 2) decimals = std::max(room_ - point_, 0);
-      if (magnitude_ < 1 && magnitude_ != 0 && room_ > 2) {
-        const auto zeros = static_cast<int>(exact.fraction.find_first_not_of('0'));
-        if ((magnitude_ < 1e-05 && room_ > 4) || zeros >= decimals) return in_exponent_form();
-      }
+      const bool tiny = magnitude_ < 1e-05 && room_ > 4, vanishes = static_cast<int>(exact.zeros) >= decimals;
+      if (n == 0 && !integral && room_ > 2 && (tiny || vanishes)) return otherwise();
       if (integral) decimals = 0;
     }
-    if (n > room_ || n == 32) return in_exponent_form();
+    if (n > room_ || n == 32) return otherwise();
     if (room_ == 0) {
-      if (magnitude_ >= 0.5) return in_exponent_form();
-      if (field_ == 0) return stars(VX_E_TRUNCATED);
-      return done(decimals > 0 ? fewer : 0, "0");
+      if (magnitude_ >= 0.5) return otherwise();
+      return field_ == 0 ? stars(VX_E_TRUNCATED) : done(decimals > 0 ? fewer : 0, "0", false);
     }
+    const auto room_before = [&] { return decimals == 0 ? room_ : room_ - decimals - point_; };
     VXStatus status = 0;
-    if (n > (decimals == 0 ? room_ : room_ - decimals - point_)) {
+    if (n > room_before()) {
       decimals = std::max(room_ - n - point_, 0);
       status = fewer;
     }
-    std::string text;
-    for (;; --decimals) {
-      double rounded = magnitude_;
-      if (!integral) {
-        if (decimals <= 15 - n) rounded += half(decimals);
-        rounded *= 0x1.0000000000001p+0;
-      }
-      if (decimal_text(rounded, decimals, text)) break;
+    double rounded = magnitude_;
+    for (; !integral; --decimals) {
+      rounded = (magnitude_ + (decimals <= 15 - n ? half(decimals) : 0)) * 0x1.0000000000001p+0;
+      if (static_cast<int>(Exact(rounded).whole.size()) <= room_before()) break;
+      if (decimals == 0) return otherwise();
       status = fewer;
-      if (decimals == 0) return in_exponent_form();
     }
-    if (best_ && decimals > 0) {
-      text.erase(text.find_last_not_of('0') + 1);
-      if (text.ends_with(marks_.point)) text.resize(text.size() - marks_.point.size());
-      // The "0" that had given way returns when there is room again.
-      const bool has_whole = !text.empty() && text[0] != marks_.point[0];
-      if (!has_whole && static_cast<int>(text.size()) < room_) text.insert(0, 1, '0');
-    }
-    return done(status, (negative_ ? "-" : "") + text);
+    // Every integer digit, decimals up to 15 significant digits, then zeros.
+    const Exact shown(rounded);
+    const auto whole = static_cast<int>(shown.whole.size()), zeros = static_cast<int>(shown.zeros);
+    std::string text = whole == 0 && room_before() > 0 ? "0" : shown.whole;
+    std::string fraction =
+        shown.fraction.substr(0, static_cast<size_t>(std::max(whole > 0 ? 15 - whole : zeros + 15, 0)));
+    fraction.resize(static_cast<size_t>(decimals), '0');
+    if (best_) fraction.erase(fraction.find_last_not_of('0') + 1);
+    if (!fraction.empty()) text += marks_.point + fraction;
+    // The "0" that had given way returns when there is room again.
+    if (whole == 0 && text[0] != '0' && static_cast<int>(text.size()) < room_) text.insert(0, 1, '0');
+    return done(status, text, negative_);
   }
 
   Written free(int64_t field, int decimals) {
+    constexpr auto plain = std::chars_format::fixed, scientific = std::chars_format::scientific;
     const bool general = (flags_ & (NLS_FORMAT_GENERAL | 0x0400)) != 0 ||
                          (flags_ & (NLS_FORMAT_PLAIN | NLS_FORMAT_FRACTION | NLS_FORMAT_INTEGER | 0x0030)) == 0;
     if (best_) decimals = 12;
     if (decimals < 0 || (general && decimals == 0)) decimals = 6;
     decimals = std::min(decimals, 350);
     std::string text;
-    int exponent = 0;
     if (general) {
-      text = Exact(magnitude_).scientific(decimals, &exponent);
-      if (exponent >= -4 && exponent < decimals) text = Exact(magnitude_).plain(decimals - 1 - exponent);
-      const size_t tail = std::min(text.find('E'), text.size());
-      size_t end = tail;
-      if ((flags_ & NLS_FORMAT_KEEP_ZEROS) == 0 && text.find('.') < tail) {
-        while (text[end - 1] == '0') --end;
-        if (text[end - 1] == '.') --end;
+      text = half_up(magnitude_, scientific, decimals - 1);
+      const int exponent = std::stoi(text.substr(text.find('e') + 1));
+      if (exponent >= -4 && exponent < decimals) text = half_up(magnitude_, plain, decimals - 1 - exponent);
+      const size_t tail = std::min(text.find('e'), text.size());
+      if ((flags_ & NLS_FORMAT_KEEP_ZEROS) == 0 && text.find('.') != text.npos) {
+        const size_t last = text.find_last_not_of('0', tail - 1), end = last + (text[last] == '.' ? 0 : 1);
         text.erase(end, tail - end);
       }
     } else if ((flags_ & 0x0030) != 0) {
       // The library's work area holds no more digits of a fraction.
-      const std::string fraction = Exact(magnitude_).fraction;
-      const size_t digits = fraction.size() - std::min(fraction.find_first_not_of('0'), fraction.size());
-      if (decimals == 350 && magnitude_ < 1 && digits > 350) return {VX_E_DIRECTIVE, ""};
-      text = Exact(magnitude_).scientific(decimals + 1, &exponent);
+      const Exact exact(magnitude_);
+      if (decimals == 350 && magnitude_ < 1 && exact.fraction.size() - exact.zeros > 350) return {VX_E_DIRECTIVE, ""};
+      text = half_up(magnitude_, scientific, decimals);
+    } else if ((flags_ & NLS_FORMAT_INTEGER) != 0) {
+      text = half_up(magnitude_, plain, 0);
     } else {
-      const bool integer = (flags_ & NLS_FORMAT_INTEGER) != 0, fraction = (flags_ & NLS_FORMAT_FRACTION) != 0;
-      text =
-          Exact(fraction && !integer ? magnitude_ - std::floor(magnitude_) : magnitude_).plain(integer ? 0 : decimals);
+      const bool fraction = (flags_ & NLS_FORMAT_FRACTION) != 0;
+      text = half_up(fraction ? magnitude_ - std::floor(magnitude_) : magnitude_, plain, decimals);
     }
+    std::replace(text.begin(), text.end(), 'e', 'E');
     if (const size_t point = text.find('.'); point != text.npos) text.replace(point, 1, marks_.point);
-    if (negative_) text.insert(0, 1, '-');
-    std::string shown = text;
-    const bool grouped = (flags_ & NLS_FORMAT_GROUP) != 0;
-    const int64_t limit = field == 0 ? size_ : std::min(field, size_);
     VXStatus status = 0;
-    if (grouped && (!lay_out(shown, true, 0) || static_cast<int64_t>(shown.size()) > limit)) status = VX_E_GROUPING;
-    shown = text;
-    lay_out(shown, grouped && status == 0, field);
-    if (static_cast<int64_t>(shown.size()) <= size_) return {status, shown};
+    if (groups_) {
+      const auto separated = grouped(text, marks_);
+      const int64_t limit = field == 0 ? size_ : std::min(field, size_);
+      if (separated && ssize(laid_out(negative_, *separated, flags_, 0)) <= limit) text = *separated;
+      else status = VX_E_GROUPING;
+    }
+    text = laid_out(negative_, text, flags_, field);
+    if (ssize(text) <= size_) return {status, text};
     field_ = static_cast<int>(size_);
     return stars(VX_E_TRUNCATED);
   }
 
-  static double half(int decimals) { return decimal("5e-", decimals + 1); }
-  static double power(int n) { return decimal("1e", n); }
-  static double decimal(const std::string& before, int exponent) {
-    return std::strtod((before + std::to_string(exponent)).c_str(), nullptr);
-  }
-
-  /// The digits of a rounded value: every integer digit, decimals up to 15 significant digits, then zeros. False where
-  /// they do not fit.
-  bool decimal_text(double value, int decimals, std::string& text) const {
-    const Exact exact(value);
-    const int room = decimals == 0 ? room_ : room_ - decimals - point_;
-    std::string fraction = exact.fraction;
-    auto kept = static_cast<int>(15 - exact.whole.size());
-    if (exact.whole.empty()) kept += static_cast<int>(std::min(fraction.find_first_not_of('0'), fraction.size()));
-    fraction.resize(static_cast<size_t>(std::clamp(kept, 0, static_cast<int>(fraction.size()))));
-    fraction.resize(static_cast<size_t>(decimals), '0');
-    text = exact.whole.empty() && room > 0 ? "0" : exact.whole;
-    if (decimals > 0) text += marks_.point + fraction;
-    return static_cast<int>(exact.whole.size()) <= room;
-  }
-
   Written missing(double value, int32_t width, int32_t decimals) const {
     const int code = static_cast<uint8_t>(-(std::bit_cast<uint64_t>(value) >> 40 & 0xFF));
-    const char shown = code == 1 ? '_' : code >= 3 && code <= 28 ? static_cast<char>(code + 0x3E) : '.';
-    const auto length = static_cast<int>(std::min<int64_t>(reports_ ? std::max(width, 1) : 1, size_));
+    const auto length = std::min<int64_t>(reports_ ? std::max(width, 1) : 1, size_);
     if (length == 0) return {VX_E_TRUNCATED, ""};
     std::string text(static_cast<size_t>(length), ' ');
     const int at = width - decimals - 1;
-    text[static_cast<size_t>(at < 0 || at >= length ? length - 1 : at)] = shown;
+    text[static_cast<size_t>(at < 0 || at >= length ? length - 1 : at)] = code == 1 ? '_'
+                                                                          : code >= 3 && code <= 28
+                                                                              ? static_cast<char>(code + 0x3E)
+                                                                              : '.';
     return {0, text};
   }
 
-  Written in_exponent_form() const {
-    const auto text = exponent(room_, 0);
-    return text ? done(reports_ ? VX_W_PRECISION : 0, (negative_ ? "-" : "") + *text) : stars(VX_E_TRUNCATED);
-  }
-
-  /// Where it fits. `digits` 0: as many as the room holds, without trailing zeros.
-  std::optional<std::string> exponent(int room, int digits) const {
-    const bool automatic = digits == 0;
+  /// Where it fits. `asked` 0: as many digits as the room holds, without trailing zeros.
+  Written exponent_form(VXStatus status, int asked) const {
     // m in [0.1, 1) and k with value = m * 10^k
-    int binary;
+    int k = 0;
+    std::frexp(magnitude_, &k);
+    k = magnitude_ == 0 ? 1 : k * 77 / 256;
     double m = magnitude_;
-    std::frexp(m, &binary);
-    int k = m == 0 ? 1 : binary * 77 / 256;
-    if (k > 0) m = m / power(std::min(k, 307)) / power(std::max(k - 307, 0));
-    else m = m * power(std::min(-k, 307)) * power(std::max(-k - 307, 0));
+    if (k > 0) m = m / decimal(1, std::min(k, 307)) / decimal(1, std::max(k - 307, 0));
+    else m = m * decimal(1, std::min(-k, 307)) * decimal(1, std::max(-k - 307, 0));
     for (; m != 0 && m < 0.1; --k) m *= 10;
     for (; m >= 1; ++k) m *= 0x1.999999999999bp-4;
 
+    const auto tail = [&](int e) { return asked == 0 ? fmt::format("E{}", e) : fmt::format("E{:+03}", e); };
     // How many digits fit with `before` of them before the point.
     const auto capacity = [&](int before) {
-      const int units = room - static_cast<int>(Exact::exponent_text(k - before, automatic).size());
-      if (before == 0 || units - point_ > before) return units - point_;
-      return units >= before ? before : 0;
+      const int units = room_ - static_cast<int>(tail(k - before).size());
+      return before == 0 || units - point_ > before ? units - point_ : units >= before ? before : 0;
     };
-    const int asked = automatic ? room : digits;
-    int before = 1;
+    int before = 1, digits = 0;
     const auto arrange = [&] {
       before = 1;
-      if (asked >= 2 && capacity(1) < 2) {
-        // Two digits before the point need none; none before it may make the exponent shorter.
+      // Two digits before the point need none; none before it may make the exponent shorter.
+      if (asked != 1 && capacity(1) < 2)
         for (const int other : {2, 0})
           if (capacity(other) > capacity(before)) before = other;
-      }
-      digits = std::min(asked, capacity(before));
-      return digits > 0;
+      digits = std::min(asked == 0 ? room_ : asked, capacity(before));
     };
-    if (!arrange()) return {};
-    if (m != 0) {
-      if (digits < 15) m += half(digits);
-      m *= 0x1.0000000000008p+0;
+    arrange();
+    if (m != 0 && digits > 0) {
+      m = (m + (digits < 15 ? half(digits) : 0)) * 0x1.0000000000008p+0;
       if (m >= 1) {
         m *= 0x1.999999999999bp-4;
         ++k;
-        if (!arrange()) return {};
+        arrange();
       }
     }
+    if (digits <= 0) return stars(VX_E_TRUNCATED);
     std::string text = Exact(m).fraction.substr(0, static_cast<size_t>(std::min(digits, 14)));
     text.erase(text.find_last_not_of('0') + 1);
     if (text.size() < 2 && capacity(1) > 0) before = 1;  // none was won
-    const auto least = static_cast<size_t>(!automatic && digits > 14 ? digits : std::max(before, 1));
+    const auto least = static_cast<size_t>(asked > 0 && digits > 14 ? digits : std::max(before, 1));
     if (text.size() < least) text.resize(least, '0');
-    if (static_cast<int>(text.size()) > before) text.insert(static_cast<size_t>(before), marks_.point);
-    text += Exact::exponent_text(magnitude_ == 0 ? 0 : k - before, automatic);
-    if (!automatic && negative_) text.insert(0, 1, '-');
-    if (static_cast<int>(text.size()) > (automatic ? room : field_)) return {};
-    return text;
+    if (ssize(text) > before) text.insert(static_cast<size_t>(before), marks_.point);
+    text += tail(magnitude_ == 0 ? 0 : k - before);
+    return ssize(text) > room_ ? stars(VX_E_TRUNCATED) : done(status, text, negative_);
   }
 
-  /// Sign, separators and padding up to a width; false where the separators never fit.
-  bool lay_out(std::string& text, bool grouped, int64_t width) const {
-    const bool left = (flags_ & NLS_FORMAT_LEFT) != 0, zero_pad = (flags_ & NLS_FORMAT_ZERO_PAD) != 0 && !left;
-    const bool blank = (flags_ & NLS_FORMAT_BLANK) != 0 && !left && !zero_pad, negative = text[0] == '-';
-    const std::string sign = negative ? "-" : (flags_ & NLS_FORMAT_PLUS) ? "+" : blank ? " " : "";
-    if (negative) text.erase(0, 1);
-    const bool fits = !grouped || group(text, marks_);
-    const auto all = static_cast<int64_t>(sign.size() + text.size());
-    const std::string padding(static_cast<size_t>(std::max<int64_t>(width - all, 0)), zero_pad ? '0' : ' ');
-    text = left ? sign + text + padding : zero_pad ? sign + padding + text : padding + sign + text;
-    return fits;
+  static double decimal(int digit, int exponent) {
+    return std::strtod(fmt::format("{}e{}", digit, exponent).c_str(), nullptr);
   }
+  static double half(int decimals) { return decimal(5, -decimals - 1); }
 
-  Written done(VXStatus status, const std::string& text) const {
-    const auto field = static_cast<size_t>(field_);
-    const bool grouped = reports_ && (flags_ & NLS_FORMAT_GROUP);
-    std::string shown = text;
-    if (status == 0 && !(lay_out(shown, grouped, field_) && shown.size() <= field)) {
-      status = VX_E_GROUPING;
-      shown = text;
-      if (grouped && (lay_out(shown, false, field_), shown.size() > field)) shown = text;
+  /// Separators, sign and padding of a fixed field, where nothing was lost and they fit.
+  Written done(VXStatus status, const std::string& text, bool negative) const {
+    const bool separates = groups_ && reports_ && status == 0;
+    if (const auto separated = grouped(text, marks_); separates && separated) {
+      const std::string all = laid_out(negative, *separated, flags_, field_);
+      if (ssize(all) <= field_) return {0, all};
     }
-    if (shown.size() < field) shown.insert(0, field - shown.size(), ' ');
-    return {status, shown};
+    const VXStatus without = separates ? VX_E_GROUPING : 0;
+    const std::string bare = laid_out(negative, text, 0, field_), all = laid_out(negative, text, flags_, field_);
+    if (status != 0) return {status, bare};
+    return ssize(all) <= field_ ? Written{without, all} : Written{VX_E_GROUPING, bare};
   }
   Written stars(VXStatus status) const { return {status, std::string(static_cast<size_t>(field_), '*')}; }
 
   const Marks marks_;
   const int point_;
   // of the call under way
-  bool negative_ = false, best_ = false;
+  bool negative_ = false, best_ = false, groups_ = false;
   bool reports_ = false;  // fewer decimals are a status, groups are inserted
   uint32_t flags_ = 0;
   int field_ = 0, room_ = 0;
@@ -353,35 +294,28 @@ class DoubleModel {
   double magnitude_ = 0;
 };
 
-__extension__ using Wide = __int128;
-
-inline Written integer_model(const Marks& marks, Wide value, bool is_signed, int width, int precision, uint32_t flags,
-                             int64_t size) {
+template <class Integer>
+Written integer_model(const Marks& marks, Integer value, int width, int precision, uint32_t flags, int64_t size) {
   const int64_t least = precision < 0 ? 6 : precision, field = std::abs(static_cast<int64_t>(width));
-  const Written refused{VX_E_TRUNCATED, "", false};
+  const Written refused{VX_E_TRUNCATED, untouched};
   if (least > size || field > size) return refused;
+  const auto magnitude = value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
+  constexpr bool other_bases = std::is_unsigned_v<Integer>;
   const bool lower = (flags & NLS_FORMAT_HEX_LOWER) != 0, any_hex = lower || (flags & NLS_FORMAT_HEX_UPPER) != 0;
-  const bool hex = !is_signed && any_hex, octal = !is_signed && !hex && (flags & NLS_FORMAT_OCTAL) != 0;
-  const char* const alphabet = lower ? "0123456789abcdef" : "0123456789ABCDEF";
-  std::string text, sign;
-  for (Wide left = value < 0 ? -value : value; left != 0; left /= hex ? 16 : octal ? 8 : 10)
-    text.insert(0, 1, alphabet[static_cast<int>(left % (hex ? 16 : octal ? 8 : 10))]);
-  const auto shown = static_cast<int64_t>(text.size());
-  if ((flags & NLS_FORMAT_GROUP) != 0 && !any_hex && (flags & NLS_FORMAT_OCTAL) == 0) group(text, marks);
-  if (shown < least) text.insert(0, static_cast<size_t>(least - shown), '0');
-  if (is_signed) sign = value < 0 ? "-" : (flags & NLS_FORMAT_PLUS) ? "+" : (flags & NLS_FORMAT_BLANK) ? " " : "";
-  const bool left = (flags & NLS_FORMAT_LEFT) != 0;
-  const auto padding = [&](size_t taken) {
-    return static_cast<size_t>(std::max<int64_t>(field - static_cast<int64_t>(taken), 0));
-  };
+  const bool hex = other_bases && any_hex, octal = other_bases && !hex && (flags & NLS_FORMAT_OCTAL) != 0;
+  const auto* const form = hex ? lower ? "{:x}" : "{:X}" : octal ? "{:o}" : "{}";
+  std::string text = magnitude == 0 ? "" : fmt::format(fmt::runtime(form), magnitude), prefix;
+  const int64_t zeros = least - ssize(text);
+  if ((flags & NLS_FORMAT_GROUP) != 0 && !any_hex && (flags & NLS_FORMAT_OCTAL) == 0) text = *grouped(text, marks);
+  if (zeros > 0) text.insert(0, static_cast<size_t>(zeros), '0');
+  if (hex && (flags & NLS_FORMAT_HEX_PREFIX) != 0) prefix = lower ? "0x" : "0X";
+  if (octal && (flags & NLS_FORMAT_OCTAL_PREFIX) != 0) prefix = "0";
+  if (other_bases) flags &= ~(NLS_FORMAT_PLUS | NLS_FORMAT_BLANK);
+  if (least != 0 || (flags & NLS_FORMAT_LEFT) != 0) flags &= ~NLS_FORMAT_ZERO_PAD;
   // A sign counts against the width that the zeros fill, a prefix does not.
-  if ((flags & NLS_FORMAT_ZERO_PAD) != 0 && !left && least == 0)
-    text.insert(0, padding(sign.size() + text.size()), '0');
-  if (hex && (flags & NLS_FORMAT_HEX_PREFIX) != 0) sign = lower ? "0x" : "0X";
-  if (octal && (flags & NLS_FORMAT_OCTAL_PREFIX) != 0) sign = "0";
-  text.insert(0, sign);
-  text.insert(left ? text.size() : 0, padding(text.size()), ' ');
-  return static_cast<int64_t>(text.size()) <= size ? Written{0, text} : refused;
+  const bool fills = (flags & NLS_FORMAT_ZERO_PAD) != 0;
+  text = fills ? prefix + laid_out(value < 0, text, flags, field) : laid_out(value < 0, prefix + text, flags, field);
+  return ssize(text) <= size ? Written{0, text} : refused;
 }
 
 }  // namespace vxtest

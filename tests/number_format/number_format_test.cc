@@ -21,30 +21,19 @@ struct Convention {
   const char32_t* pattern;
   std::vector<int> groups, groups_of_integers;
   char32_t point = U'.', separator = U',';
-
-  template <class Unit>
-  Marks marks(bool of_integers = false) const {
-    const auto mark = [](char32_t c, char other) {
-      return c >= 0x80 && sizeof(Unit) > 1 ? std::string(1, other) : utf8(std::u32string(1, c));
-    };
-    return {mark(point, 1), mark(separator, 2), of_integers ? groups_of_integers : groups};
-  }
 };
 
 const Convention conventions[] = {
     {U"3", {3}, {3}},
     {U"3;2", {3, 2}, {3, 2}},
     {U"2;3;4", {2, 3, 4}, {2, 3, 4}, U',', U'.'},
-    {U"-", {3}, {-1}, U',', U' '},
+    {U"-", {3}, {-1}, U',', U'\u00A0'},
     {U"3;-", {3, -1}, {3, -1}, U'.', U'\''},
-    {U"3;3", {3}, {3}, U',', U'\u00A0'},
-    {U"", {0}, {}},
-    {U"0", {0}, {0}},
-    {U"3;0", {3}, {3, 0}},  // to integers a size of 0 never comes, so the rest is one group
+    {U"", {0}, {-1}},
+    {U"3;0", {3}, {3, -1}},  // to integers a size of 0 never comes, so the rest is one group
     {U"1", {1}, {1}, U'\u066B', U'\u066C'},
-    {U"x", {3}, {}, U'\u2396', U'.'},
-    {U"3", {3}, {3}, U'.', U'\U0001F600'},
-    {U"12", {12}, {1, 2}, U'.', U'\u2019'},
+    {U"x", {3}, {-1}, U'\u2396', U'.'},
+    {U"12", {12}, {1, 2}, U'.', U'\U0001F600'},
     {U"/98:", {3}, {9, 8}},  // the neighbours of the digits are passed over
     {U"111111111111111111111111111111111111111111111111111111111111", {3}, {1}},
 };
@@ -58,22 +47,23 @@ struct Call {
   int64_t size = most_room;
 };
 
+template <class Unit>
+constexpr auto pick(auto in_utf32, auto in_utf8) {
+  if constexpr (sizeof(Unit) == 1) return in_utf8;
+  else return in_utf32;
+}
+
 class Writer {
  public:
-  explicit Writer(const Convention& convention = conventions[0])
-      : units_(convention.marks<VXChar>()),
-        bytes_(convention.marks<uint8_t>()),
-        integer_units_(convention.marks<VXChar>(true)),
-        integer_bytes_(convention.marks<uint8_t>(true)),
-        convention_(convention) {
+  explicit Writer(const Convention& convention = conventions[0]) : convention_(convention) {
     set_name(locale.data.groupingPattern, convention.pattern);
     locale.data.decimalPoint = convention.point;
     locale.data.groupSeparator = convention.separator;
   }
 
   /// What a call writes between the pages. Only a missing value may leave blanks behind its text.
-  template <class Unit, class Function>
-  Written call(int64_t size, Function function, bool may_blank = false) const {
+  template <class Unit>
+  Written call(int64_t size, auto function, bool may_blank = false) const {
     static GuardedBuffer<Unit> memory(most_room);
     static unsigned turn = 0;
     const auto room = static_cast<size_t>(std::max<int64_t>(size, 0));
@@ -81,66 +71,67 @@ class Writer {
     std::fill_n(buffer, room, Unit{'~'});
     int64_t length = -7;
     const VXStatus status = function(buffer, size, &length);
-    const size_t written = length == -7 ? 0 : static_cast<size_t>(length);
-    if (written > room) return {status, "bad length"};
-    for (size_t i = written; i < room; ++i)
-      if (buffer[i] != '~' && !(may_blank && buffer[i] == ' ')) return {status, "written behind the text"};
-    if constexpr (sizeof(Unit) == 1) return {status, std::string(buffer, buffer + written), length != -7};
+    const size_t end = length == -7 ? 0 : static_cast<size_t>(length);
+    if (end > room) return {status, "bad length"};
+    const auto is_free = [&](Unit unit) { return unit == '~' || (may_blank && unit == ' '); };
+    if (!std::all_of(buffer + end, buffer + room, is_free)) return {status, "written behind the text"};
     std::string text;
-    for (size_t i = 0; i < written; ++i) {
-      if (buffer[i] < 0x80) text += static_cast<char>(buffer[i]);
-      else if (buffer[i] == convention_.point) text += '\1';
-      else text += buffer[i] == convention_.separator ? "\2" : utf8(std::u32string(1, buffer[i]));
-    }
-    return {status, text, length != -7};
+    for (size_t i = 0; i < end; ++i) text += stand_in(buffer[i]);
+    return {status, length == -7 ? untouched : text};
   }
 
   template <class Unit>
-  Written write(const Call& c, const NLSDoubleExOpts* extended = nullptr) {
-    const auto by = [&](auto function) {
-      return [&, function](Unit* buffer, int64_t size, int64_t* length) {
-        return function(locale.get(), c.width, c.decimals, c.flags, buffer, size, length, extended, c.value);
-      };
+  Written write(const Call& c, const NLSDoubleExOpts* extended = nullptr) const {
+    const auto by = [&](Unit* buffer, int64_t size, int64_t* length) {
+      const auto function = pick<Unit>(NLSDoubleFormatWithExOpts, NLSDoubleFormatUWithExOpts);
+      return function(locale.get(), c.width, c.decimals, c.flags, buffer, size, length, extended, c.value);
     };
-    if constexpr (sizeof(Unit) == 1) return call<Unit>(c.size, by(NLSDoubleFormatUWithExOpts), std::isnan(c.value));
-    else return call<Unit>(c.size, by(NLSDoubleFormatWithExOpts), std::isnan(c.value));
+    return call<Unit>(c.size, by, std::isnan(c.value));
   }
 
   /// Both flavours of a double, as the model says; gives what that says of UTF-32.
-  Written check(const Call& c) {
-    const Written expected = units_.format(c.value, c.width, c.decimals, c.flags, c.size);
-    const bool one = convention_.point < 0x80 && convention_.separator < 0x80;
-    const Written expected_bytes = one ? expected : bytes_.format(c.value, c.width, c.decimals, c.flags, c.size);
-    const Written units = write<VXChar>(c), bytes = write<uint8_t>(c);
-    EXPECT_TRUE(units == expected && bytes == expected_bytes)
-        << std::hexfloat << c.value << " width " << c.width << " decimals " << c.decimals << " flags " << std::hex
-        << c.flags << " size " << std::dec << c.size << "\nwritten " << units << bytes << "\nmodel   " << expected
-        << expected_bytes;
-    return expected;
-  }
-
-  /// Both flavours of an integer.
-  template <class Value, class Plain, class Utf8>
-  void check_integer(Plain plain, Utf8 in_utf8, Value value, int width, int precision, uint32_t flags,
-                     int64_t size = most_room) {
-    const auto as_modelled = [&]<class Unit>(Unit, auto function, const Marks& marks) {
-      const auto write = [&](Unit* buffer, int64_t room, int64_t* length) {
-        return function(locale.get(), value, width, precision, flags, buffer, room, length);
-      };
-      EXPECT_EQ(call<Unit>(size, write),
-                integer_model(marks, value, std::is_signed_v<Value>, width, precision, flags, size))
-          << "width " << width << " precision " << precision << " flags " << std::hex << flags << std::dec << " size "
-          << size << " value " << static_cast<double>(value);
+  Written check(const Call& c) const {
+    const auto as_modelled = [&]<class Unit>(Unit) {
+      const Written expected = DoubleModel(marks<Unit>()).format(c.value, c.width, c.decimals, c.flags, c.size);
+      EXPECT_EQ(write<Unit>(c), expected)
+          << fmt::format("{:a} width {} decimals {} flags {:x} size {}", c.value, c.width, c.decimals, c.flags, c.size);
+      return expected;
     };
-    as_modelled(VXChar{}, plain, integer_units_);
-    as_modelled(uint8_t{}, in_utf8, integer_bytes_);
+    as_modelled(uint8_t{});
+    return as_modelled(VXChar{});
   }
 
-  PlainLocale locale;
+  template <class Value>
+  void check_integer(auto in_utf32, auto in_utf8, Value value, int width, int precision, uint32_t flags,
+                     int64_t size) const {
+    const auto as_modelled = [&]<class Unit>(Unit) {
+      const auto by = [&](Unit* buffer, int64_t room, int64_t* length) {
+        return pick<Unit>(in_utf32, in_utf8)(locale.get(), value, width, precision, flags, buffer, room, length);
+      };
+      EXPECT_EQ(call<Unit>(size, by), integer_model(marks<Unit>(true), value, width, precision, flags, size))
+          << fmt::format("{} width {} precision {} flags {:x} size {}", value, width, precision, flags, size);
+    };
+    as_modelled(VXChar{});
+    as_modelled(uint8_t{});
+  }
+
+  mutable PlainLocale locale;
 
  private:
-  DoubleModel units_, bytes_;
-  Marks integer_units_, integer_bytes_;
+  template <class Unit>
+  Marks marks(bool of_integers = false) const {
+    const auto mark = [&](char32_t c) {
+      return sizeof(Unit) == 1 ? utf8(std::u32string(1, c)) : std::string(1, stand_in(c));
+    };
+    return {mark(convention_.point), mark(convention_.separator),
+            of_integers ? convention_.groups_of_integers : convention_.groups};
+  }
+  template <class Unit>
+  char stand_in(Unit c) const {
+    if (sizeof(Unit) == 1 || c < 0x80) return static_cast<char>(c);
+    return c == convention_.point ? '\1' : c == convention_.separator ? '\2' : '\3';
+  }
+
   const Convention& convention_;
 };
 
@@ -151,19 +142,19 @@ double any_value(std::mt19937_64& random) {
   const std::string digits = std::array{any.substr(0, 1 + below(17)), any.substr(0, 1 + below(4)) + "5",
                                         std::string(1 + below(17), '9'), std::string("1")}[below(4)];
   const auto exponent = static_cast<int>(below(4) != 0 ? below(34) : 300 - below(632)) - 14;
-  const uint64_t missing = 0xFFFFFF0000000000 ^ below(32) << 40;
-  const double rare[] = {HUGE_VAL, 0, std::nextafter(0.95, 0), std::nextafter(1e15, 0), std::bit_cast<double>(missing)};
+  const double rare[] = {HUGE_VAL, 0, std::nextafter(0.95, 0), std::nextafter(1e15, 0),
+                         std::bit_cast<double>(0xFFFFFF0000000000 ^ below(32) << 40)};
   const double others[] = {static_cast<double>(random() >> below(64)), std::bit_cast<double>(random() >> below(64)),
                            std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(below(120)) - 80),
                            below(8) == 0 ? rare[below(5)] : std::bit_cast<double>(random())};
   const uint64_t which = below(12);
-  const std::string text = digits + "e" + std::to_string(exponent + 1 - static_cast<int>(digits.size()));
+  const std::string text = fmt::format("{}e{}", digits, exponent + 1 - static_cast<int>(digits.size()));
   double value = which < std::size(others) ? others[which] : std::strtod(text.c_str(), nullptr);
   for (uint64_t steps = below(8) == 0 ? 1 + below(3) : 0; steps > 0; --steps) value = std::nextafter(value, HUGE_VAL);
   return below(3) == 0 ? -value : value;
 }
 
-constexpr uint32_t fixed = NLS_FORMAT_FIXED, in_plain = NLS_FORMAT_PLAIN, exponential = 0x0020, plus = NLS_FORMAT_PLUS,
+constexpr uint32_t fixed = NLS_FORMAT_FIXED, in_plain = NLS_FORMAT_PLAIN, plus = NLS_FORMAT_PLUS,
                    blank = NLS_FORMAT_BLANK, left = NLS_FORMAT_LEFT, pad = NLS_FORMAT_ZERO_PAD,
                    groups = NLS_FORMAT_GROUP, octal = NLS_FORMAT_OCTAL, octal_0 = NLS_FORMAT_OCTAL_PREFIX,
                    lower = NLS_FORMAT_HEX_LOWER, upper = NLS_FORMAT_HEX_UPPER, prefix = NLS_FORMAT_HEX_PREFIX;
@@ -171,27 +162,23 @@ constexpr uint32_t fixed = NLS_FORMAT_FIXED, in_plain = NLS_FORMAT_PLAIN, expone
 /// Five million fixed fields, and a million numbers in free mode: in room for just the text, in more and in less.
 TEST(DoubleFormat, AgreesWithTheModel) {
   constexpr uint32_t fields[] = {fixed, NLS_FORMAT_BEST, NLS_FORMAT_FIXED_EXPONENT, NLS_FORMAT_SIGNIFICANT};
-  constexpr uint32_t free_forms[] = {0,          0x0400,   NLS_FORMAT_GENERAL,  NLS_FORMAT_KEEP_ZEROS,
-                                     in_plain,   in_plain, NLS_FORMAT_FRACTION, NLS_FORMAT_INTEGER,
-                                     exponential};
-  constexpr uint32_t options[] = {groups, plus, left, pad, blank};
+  constexpr uint32_t free_forms[] = {0,        0x0400,   NLS_FORMAT_GENERAL,  NLS_FORMAT_KEEP_ZEROS, 0x0020,
+                                     in_plain, in_plain, NLS_FORMAT_FRACTION, NLS_FORMAT_INTEGER};
   std::mt19937_64 random(20240611);
   const auto one_of = [&](const auto& from) { return from[random() % std::size(from)]; };
-  const auto between = [&](int low, int high) {
-    return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
-  };
+  const auto between = [&](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
   for (int turn = 0; turn < 120; ++turn) {
-    Writer writer(conventions[static_cast<size_t>(turn) % std::size(conventions)]);
+    const Writer writer(conventions[static_cast<size_t>(turn) % std::size(conventions)]);
     for (int i = 0; i < 50'000; ++i) {
       const bool is_free = i % 6 == 0;
       Call c{any_value(random), between(-2, 34), random() % 16 == 0 ? NLS_BEST_DECIMALS : between(-3, 20), 0};
       if (is_free && random() % 8 == 0) c.width = between(-300, 300);
       if (is_free && random() % 32 == 0) c.decimals = between(0, 360);
       if (random() % 8 != 0) c.size = 400;
-      for (const uint32_t option : options) c.flags |= random() % 4 == 0 ? option : 0;
+      for (const uint32_t option : {groups, plus, left, pad, blank}) c.flags |= random() % 4 == 0 ? option : 0;
       c.flags |= is_free ? one_of(free_forms) : one_of(fields) | (random() % 16 == 0 ? one_of(fields) : 0);
       // Now and then in room for just what is written, or in any.
-      if (random() % 16 == 0) c.size = static_cast<int64_t>(writer.check(c).text.size());
+      if (random() % 16 == 0) c.size = static_cast<int64_t>(writer.check(c).second.size());
       else if (random() % 8 == 0) c.size = between(-1, 34);
       writer.check(c);
       if (testing::Test::HasFailure()) return;
@@ -201,40 +188,32 @@ TEST(DoubleFormat, AgreesWithTheModel) {
 
 // What is wanted of single numbers, of the model as well.
 TEST(DoubleFormat, Texts) {
-  const struct {
-    Call call;
-    VXStatus status;
-    const char* text;
-  } rows[] = {
-      {{-3.14159, 0, 2, NLS_FORMAT_FRACTION}, 0, "-0.14"},
-      {{12.5, 8, 1, in_plain | blank | pad}, 0, "000012.5"},
-      {{12.5, 2, 1, in_plain | blank}, 0, " 12.5"},  // a width is the least
-      {{1234567.5, 10, 1, in_plain | groups}, VX_E_GROUPING, " 1234567.5"},
-      {{5e-324, 0, 350, NLS_FORMAT_EXPONENT}, VX_E_DIRECTIVE, ""},
-      {{0.285, 8, 2, fixed}, 0, "    0.29"},
-      {{1e12, 10, 2, fixed}, VX_W_PRECISION, "      1E12"},
-      {{0.9499999999999999, 5, 1, fixed}, 0, "  1.0"},  // rounded up on purpose, to just 1
-      {{-0.3, 1, 0, fixed}, 0, "0"},
-      {{1234567.891, 11, 2, fixed | groups}, VX_E_GROUPING, " 1234567.89"},
-      {{1, 6, 0, NLS_FORMAT_FIXED_EXPONENT}, VX_E_WIDTH, "******"},
-      {{qmMissVal('_'), 10, 3, fixed}, 0, "      _   "},  // where the units digit stands
-      {{std::numeric_limits<double>::quiet_NaN(), 3, 5, fixed}, 0, "  ."},
-      {{qmMissVal('.'), 40, 0, fixed, 5}, 0, "    ."},
-      {{qmMissVal('.'), 5, 0, fixed, 0}, VX_E_TRUNCATED, ""},
-      {{-HUGE_VAL, 3, 2, fixed}, VX_E_TRUNCATED, "***"},
+  const std::pair<Call, Written> rows[] = {
+      {{-3.14159, 0, 2, NLS_FORMAT_FRACTION}, {0, "-0.14"}},
+      {{12.5, 8, 1, in_plain | blank | pad}, {0, "000012.5"}},
+      {{12.5, 2, 1, in_plain | blank}, {0, " 12.5"}},  // a width is the least
+      {{1234567.5, 10, 1, in_plain | groups}, {VX_E_GROUPING, " 1234567.5"}},
+      {{5e-324, 0, 350, NLS_FORMAT_EXPONENT}, {VX_E_DIRECTIVE, ""}},
+      {{1e12, 10, 2, fixed}, {VX_W_PRECISION, "      1E12"}},
+      {{0.9499999999999999, 5, 1, fixed}, {0, "  1.0"}},  // rounded up on purpose, to just 1
+      {{-0.3, 1, 0, fixed}, {0, "0"}},
+      {{1, 6, 0, NLS_FORMAT_FIXED_EXPONENT}, {VX_E_WIDTH, "******"}},
+      {{1, -5, 0, fixed}, {VX_E_WIDTH, untouched}},
+      {{qmMissVal('_'), 10, 3, fixed}, {0, "      _   "}},  // where the units digit stands
+      {{qmMissVal('.'), 40, 0, fixed, 5}, {0, "    ."}},
+      {{-HUGE_VAL, 3, 2, fixed}, {VX_E_TRUNCATED, "***"}},
   };
-  Writer writer;
-  for (const auto& row : rows) EXPECT_EQ(writer.check(row.call), (Written{row.status, row.text}));
-  EXPECT_EQ(writer.check({1, -5, 0, fixed}), (Written{VX_E_WIDTH, "", false}));
+  const Writer writer;
+  for (const auto& [call, expected] : rows) EXPECT_EQ(writer.check(call), expected);
   // What stands for the ordinary missing value: never a part of its bytes.
   const double ordinary = qmMissVal('.');
   const NLSDoubleExOpts star{1, {}, '*'}, none{1, {}, 0}, unset{0, {}, '*'}, dash{1, {}, 0x2014};
-  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &star), (Written{0, "*"}));
-  EXPECT_EQ(writer.write<VXChar>({qmMissVal('B'), 0, 0, 0}, &star), (Written{0, "B"}));
-  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &none), (Written{VX_E_MISSCHAR, "."}));
-  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &unset), (Written{0, "."}));
-  EXPECT_EQ(writer.write<uint8_t>({ordinary, 4, 0, fixed}, &dash), (Written{0, " —"}));
-  EXPECT_EQ(writer.write<uint8_t>({ordinary, 1, 0, fixed}, &dash), (Written{0, "—"}));
+  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &star), Written(0, "*"));
+  EXPECT_EQ(writer.write<VXChar>({qmMissVal('B'), 0, 0, 0}, &star), Written(0, "B"));
+  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &none), Written(VX_E_MISSCHAR, "."));
+  EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &unset), Written(0, "."));
+  EXPECT_EQ(writer.write<uint8_t>({ordinary, 4, 0, fixed}, &dash), Written(0, " —"));
+  EXPECT_EQ(writer.write<uint8_t>({ordinary, 1, 0, fixed}, &dash), Written(0, "—"));
 }
 
 TEST(DoubleFormat, PercentagesAndCurrency) {
@@ -247,7 +226,6 @@ TEST(DoubleFormat, PercentagesAndCurrency) {
       {NLSPercentFormat, {-0.125, 0, 1, 1}, "(12.5%)", ")%"},
       {NLSPercentFormat, {-0.125, 10, 1, 1}, "(   12.5%)", ")%"},
       {NLSPercentFormat, {-0.125, 10, 1, 0xFFFFFFFE}, "    -12.5%", "%"},
-      {NLSCurrencyFormat, {1234.5, 12, 2, 0}, "   $1,234.50", "$"},
       {NLSCurrencyFormat, {-1234.5, 12, 2, 0}, "  $-1,234.50", "$"},
       {NLSCurrencyFormat, {1234.5, 0, 2, 0}, "$1234.50", "$"},  // no separators in what the symbol leaves of nothing
       {NLSCurrencyFormat, {1234.5, 8, 2, 0}, "$1234.50", "$"},  // they do not fit: no failure
@@ -256,27 +234,22 @@ TEST(DoubleFormat, PercentagesAndCurrency) {
       {NLSCurrencyFormat, {7.5, 0, 2, 0}, "7.50", ""},
       {NLSCurrencyFormat, {1.5, 64, 2, 0}, dollars + "1.50", dollars},
   };
-  Writer writer;
-  for (const auto& row : rows) {
-    set_name(writer.locale.data.currencySymbol, utf32(row.added));
-    const auto added = static_cast<int64_t>(row.added.size()), whole = static_cast<int64_t>(row.text.size());
-    for (int64_t size = -1; size <= whole; ++size) {
+  const Writer writer;
+  for (const auto& [function, c, text, added] : rows) {
+    set_name(writer.locale.data.currencySymbol, utf32(added));
+    for (int64_t size = -1; size <= ssize(text); ++size) {
       int64_t told = 0;
-      const auto write = [&](VXChar* buffer, int64_t room, int64_t* length) {
-        const Call& c = row.call;
+      const auto write = [&, &wide = c, by = function](VXChar* buffer, int64_t room, int64_t* length) {
         const auto status =
-            row.function(writer.locale.get(), c.width, c.decimals, c.flags, buffer, room, &told, c.value);
+            by(writer.locale.get(), wide.width, wide.decimals, wide.flags, buffer, room, &told, wide.value);
         *length = status == 0 ? told : std::max<int64_t>(room, 0);
         return status;
       };
-      const Written written = writer.call<VXChar>(size, write);
-      SCOPED_TRACE(testing::Message() << row.text << " in " << size << ": " << written);
-      EXPECT_EQ(written.status, size < whole ? VX_E_TRUNCATED : 0);
+      const auto [status, shown] = writer.call<VXChar>(size, write);
+      EXPECT_EQ(status, size < ssize(text) ? VX_E_TRUNCATED : 0) << text << " in " << size;
       // After a failure what is added counts, but is not written.
-      EXPECT_EQ(told, std::max(size, added));
-      if (size == whole) {
-        EXPECT_EQ(written.text, row.text);
-      }
+      EXPECT_EQ(told, std::max(size, ssize(added))) << text << " in " << size;
+      EXPECT_TRUE(status != 0 || shown == text) << shown;
     }
   }
 }
@@ -287,7 +260,7 @@ constexpr uint32_t of_integers[][7] = {{0, groups, plus, blank, left | plus, pad
                                         lower | prefix | groups, upper | prefix | pad, lower | upper | prefix}};
 
 TEST(IntegerFormat, EverySixteenBitValueWithEveryWidth) {
-  Writer writer;
+  const Writer writer;
   for (int32_t value = -32768; value <= 65535 && !testing::Test::HasFailure(); ++value) {
     for (int width = 0; width <= 24; ++width) {
       // Precision 0, which lets zeros pad, and one other by turns: 6 (asked for by -1), 2, 5, 8.
@@ -305,36 +278,34 @@ TEST(IntegerFormat, EverySixteenBitValueWithEveryWidth) {
 /// The borders of a type, and every power of ten and two, +-2; in every convention, as wide and precise as it may be,
 /// in little room; and read back.
 template <class Value>
-void check_borders(auto plain, auto in_utf8, auto reader) {
+void check_borders(auto in_utf32, auto in_utf8, auto reader) {
+  __extension__ using Wide = __int128;
   std::mt19937_64 random(1);
   const auto one_of = [&](std::initializer_list<int> from) { return *(from.begin() + random() % from.size()); };
   for (const Convention& convention : conventions) {
-    Writer writer(convention);
+    const Writer writer(convention);
     const auto check_around = [&](Wide centre) {
-      for (int off = -2; off <= 2; ++off) {
-        const auto value = static_cast<Value>(centre + off);
-        if (value != centre + off) continue;
+      for (Wide wanted = centre - 2; wanted <= centre + 2; ++wanted) {
+        const auto value = static_cast<Value>(wanted);
+        if (value != wanted) continue;
         for (const auto& row : of_integers)
           for (const uint32_t flags : row)
             for (const int width : {0, 1, -19, 20, 33, -40, 64, 65, 300, INT32_MIN})
-              writer.check_integer(plain, in_utf8, value, width, one_of({0, 0, 1, 25, -3, INT32_MAX}), flags,
+              writer.check_integer(in_utf32, in_utf8, value, width, one_of({0, 0, 1, 25, -3, INT32_MAX}), flags,
                                    one_of({-1, 0, 19, 26, 64, 64, 300, 301}));
+        VXChar text[128];
+        int64_t length = 0;
         Value read{};
         uint64_t consumed = 0;
-        const auto write = [&](VXChar* text, int64_t room, int64_t* length) {
-          plain(writer.locale.get(), value, 0, 1, NLS_FORMAT_GROUP, text, room, length);
-          return reader(writer.locale.get(), text, *length, 0, &read, &consumed);
-        };
-        EXPECT_EQ(writer.call<VXChar>(most_room, write).status, 0u);
+        in_utf32(writer.locale.get(), value, 0, 1, NLS_FORMAT_GROUP, text, 128, &length);
+        EXPECT_EQ(reader(writer.locale.get(), text, length, 0, &read, &consumed), 0u);
         EXPECT_EQ(read, value);
       }
     };
     check_around(std::numeric_limits<Value>::min());
-    check_around(std::numeric_limits<Value>::max());
     for (const int base : {2, 10})
-      for (Wide power = 1; power <= std::numeric_limits<Value>::max(); power *= base)
+      for (Wide power = 1; power <= Wide{std::numeric_limits<Value>::max()} + 1; power *= base)
         for (const int sign : {1, -1}) check_around(power * sign);
-    for (int i = 0; i < 50; ++i) check_around(static_cast<Value>(random() >> random() % 64));
     if (testing::Test::HasFailure()) return;
   }
 }
@@ -352,34 +323,32 @@ TEST(IntegerFormat, BordersOfEveryMember) {
 }
 
 TEST(NumberFormat, NullsAndNoLocale) {
-  Writer writer;
-  VXLocale* const locale = writer.locale.get();
+  PlainLocale plain;
   VXChar units[16];
   uint8_t bytes[16];
   int64_t length = 0;
-  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSDoubleFormat, locale), 9, 1, 0u, units, 16, &length, 1234.5);
-  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSPercentFormat, locale), 9, 1, 0u, units, 16, &length, 1234.5);
-  VX_EXPECT_NULLS_REFUSED(NLSCurrencyFormat, locale, 9, 1, 0u, units, 16, &length, 1234.5);
-  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSIntFormat, locale), 1, 0, 0, 0u, units, 4, &length);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSDoubleFormat, plain.get()), 9, 1, 0u, units, 16, &length, 1234.5);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSPercentFormat, plain.get()), 9, 1, 0u, units, 16, &length, 1234.5);
+  VX_EXPECT_NULLS_REFUSED(NLSCurrencyFormat, plain.get(), 9, 1, 0u, units, 16, &length, 1234.5);
+  VX_EXPECT_NULLS_REFUSED(std::bind_front(NLSIntFormat, plain.get()), 1, 0, 0, 0u, units, 4, &length);
   VX_EXPECT_NULLS_REFUSED(vxzFDblToBuff, units, 8, &length, &length, 0.5);
   const auto integer_digits = [](VXChar* to, int64_t* digits) { return vxzIDblToBuff(12, to, 8, digits, nullptr); };
   VX_EXPECT_NULLS_REFUSED(integer_digits, units, &length);
   EXPECT_EQ(integer_digits(units, &length), 0u);
   VXLocale without_data{};
   for (VXLocale* const none : {static_cast<VXLocale*>(nullptr), &without_data}) {
-    for (const uint32_t flags : {NLS_FORMAT_PLAIN, NLS_FORMAT_FIXED}) {
-      EXPECT_EQ(NLSDoubleFormatUWithExOpts(none, 9, 1, flags | NLS_FORMAT_GROUP, bytes, 16, &length, nullptr, 1234.5),
-                0u);
+    for (const uint32_t flags : {in_plain | groups, fixed | groups}) {
+      EXPECT_EQ(NLSDoubleFormatUWithExOpts(none, 9, 1, flags, bytes, 16, &length, nullptr, 1234.5), 0u);
       EXPECT_EQ(std::string(bytes, bytes + length), "  1,234.5");
     }
-    EXPECT_EQ(NLSIntFormat(none, 1234, 0, 0, NLS_FORMAT_GROUP, units, 4, &length), 0u);  // no locale, no groups
+    EXPECT_EQ(NLSIntFormat(none, 1234, 0, 0, groups, units, 4, &length), 0u);  // no locale, no groups
     EXPECT_EQ(length, 4);
   }
 }
 
 /// Both parts of a value, of its fraction as many digits as there is room for.
 void check_digits(double value, int64_t room) {
-  static Writer writer;
+  static const Writer writer;
   const Exact exact(value);
   int64_t needed = -1, zeros = -1;
   const auto whole = [&](VXChar* buffer, int64_t size, int64_t* count) {
@@ -388,18 +357,18 @@ void check_digits(double value, int64_t room) {
   const auto fraction = [&](VXChar* buffer, int64_t size, int64_t* count) {
     return vxzFDblToBuff(buffer, size, count, &zeros, value);
   };
-  const auto count = static_cast<int64_t>(exact.whole.size());
-  EXPECT_EQ(writer.call<VXChar>(count, whole), (Written{0, exact.whole})) << std::hexfloat << value;
+  const int64_t count = ssize(exact.whole);
+  EXPECT_EQ(writer.call<VXChar>(count, whole), Written(0, exact.whole)) << value;
   EXPECT_EQ(needed, count);
   if (count > 0) {
-    EXPECT_EQ(writer.call<VXChar>(count - 1, whole), (Written{VX_E_DIGITS, ""})) << std::hexfloat << value;
+    EXPECT_EQ(writer.call<VXChar>(count - 1, whole), Written(VX_E_DIGITS, "")) << value;
   }
-  const size_t first = std::min(exact.fraction.find_first_not_of('0'), exact.fraction.size());
-  const std::string expected = value == 0 ? "0" : exact.fraction.substr(first, static_cast<size_t>(room));
-  EXPECT_EQ(writer.call<VXChar>(room, fraction), (Written{0, expected})) << std::hexfloat << value;
-  EXPECT_EQ(zeros, room > 0 ? static_cast<int64_t>(first) : 0);
+  const std::string expected = value == 0 ? "0" : exact.fraction.substr(exact.zeros, static_cast<size_t>(room));
+  EXPECT_EQ(writer.call<VXChar>(room, fraction), Written(0, expected)) << value;
+  EXPECT_EQ(zeros, room > 0 ? static_cast<int64_t>(exact.zeros) : 0);
 }
 
+/// Five million, and every power of two and ten with its neighbours.
 TEST(Digits, AgreeWithExactArithmeticOverAllExponents) {
   std::mt19937_64 random(20240307);
   for (int i = 0; i < 5'000'000 && !testing::Test::HasFailure(); ++i) {
@@ -409,15 +378,11 @@ TEST(Digits, AgreeWithExactArithmeticOverAllExponents) {
     // The whole expansion of a subnormal has 1074 digits; most uses ask for few.
     check_digits(std::bit_cast<double>(static_cast<uint64_t>(i % 2047) << 52 | mantissa), i % 16 == 0 ? most_room : 20);
   }
-}
-
-TEST(Digits, PowersOfTwoAndTenAndTheirNeighbours) {
-  std::vector<double> values = {0};
-  for (int e = -1074; e < 1024; ++e) values.push_back(std::ldexp(1.0, e));
-  for (int e = -323; e <= 308; ++e) values.push_back(std::strtod(("1e" + std::to_string(e)).c_str(), nullptr));
-  for (const double value : values)
-    for (const double near : {std::nextafter(value, 0), value, std::nextafter(value, HUGE_VAL), -value})
-      check_digits(near, most_room);
+  for (int e = -1074; e < 1024; ++e)
+    for (const double value :
+         {std::ldexp(1.0, e), std::strtod(fmt::format("1e{}", std::min(e % 324, 308)).c_str(), nullptr)})
+      for (const double near : {std::nextafter(value, 0), value, -std::nextafter(value, 1e300)})
+        check_digits(near, most_room);
   for (const int64_t room : {0, 1, 4}) check_digits(0.0009765625, room);
   VXChar buffer[1];
   int64_t count = 0, zeros = 0;
