@@ -5,14 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <ostream>
-#include <regex>
-#include <sstream>
 #include <string>
 
 #include "datetime_parse/walk.h"
-#include "examples/own_host/locale_file.h"
 #include "tests/support/guard_page.h"
 #include "tests/support/zoned_locale.h"
 
@@ -98,39 +94,6 @@ inline VXExplanation read_by(PlainLocale& locale, std::u32string_view pattern, s
   VXExplanation out;
   read(VX_EXPLAIN_TIME, locale.get(), text, kind, &out);
   return out;
-}
-
-/// Runs a script of statements that end with a line or ";". "datePattern %d/%m" changes that entry of the record, "zone
-/// Zone/East" the locale's zone, "date 4" says what is read, and by which kind; "TEXT = RESULT" is a case, whose result
-/// `told` has to give. "_" is a blank.
-inline void run(std::string script, auto told) {
-  ZonedLocale locale;
-  static const std::map<std::string, uint32_t> kinds = {
-      {"date", VX_EXPLAIN_DATE}, {"time", VX_EXPLAIN_TIME}, {"datetime", VX_EXPLAIN_DATETIME}};
-  static const std::regex reading(" *(date|time|datetime) (\\w+)"), entry(" *(\\w+(?:Pattern|Marker)\\d?) ?(.*)"),
-      zone(" *zone (.*)"), text_and_result(" *(.*?) *= *(.*?) *"), comment(" *(//.*)?");
-  uint32_t what = 0, kind = 0;
-  std::replace(script.begin(), script.end(), '\n', ';');
-  std::istringstream statements(script);
-  for (std::string statement; std::getline(statements, statement, ';');) {
-    std::smatch parts;
-    const auto part = [&](size_t i) { return utf32(std::regex_replace(parts[i].str(), std::regex("_"), " ")); };
-    if (std::regex_match(statement, parts, reading)) {
-      what = kinds.at(parts[1]), kind = static_cast<uint32_t>(std::stoul(parts[2], nullptr, 0));
-    } else if (std::regex_match(statement, parts, entry)) {
-      const auto* const row = std::ranges::find(own::entries, parts[1].str(), [](auto& e) { return e.key; });
-      ASSERT_NE(row, std::end(own::entries)) << statement;
-      set_name(*reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&locale.data) + row->offset), part(2));
-    } else if (std::regex_match(statement, parts, zone)) {
-      locale.use(part(1));
-    } else if (std::regex_match(statement, parts, text_and_result)) {
-      VXExplanation out;
-      const Read got = read(what, locale.get(), part(1), kind, &out);
-      EXPECT_EQ(told(what, got, out), parts[2]) << statement;
-    } else {
-      EXPECT_TRUE(std::regex_match(statement, comment)) << statement;
-    }
-  }
 }
 
 }  // namespace vxtest
