@@ -2,15 +2,12 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "cli/coding.h"
-#include "cli/errors.h"
-#include "cli/table/progress.h"
 #include "cli/table/splitter.h"
 #include "cli/text.h"
 #include "cli/value.h"
@@ -32,25 +29,6 @@ std::string read_iso8601(std::string_view text) {
   if (read.time) parts += fmt::format(" {}h{}m{}s", read.time->hour, read.time->minute, read.time->second);
   if (read.offset) parts += fmt::format(" {:+}", *read.offset);
   return parts;
-}
-
-TEST(Iso8601, EveryDayAgreesWithTheStandardLibrary) {
-  using namespace std::chrono;
-  constexpr sys_days epoch{year(1960) / January / 1}, end{year(4000) / January / 1};  // where the calendars part
-  for (sys_days day{year(1582) / January / 1}; day < end; day += days(1)) {
-    const year_month_day date(day);
-    const std::string text = fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
-                                         static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
-    ASSERT_EQ(read_iso8601(text), text);
-    const auto number = (day - epoch).count();
-    ASSERT_EQ(iso8601::write(date_of(number)), text);
-    ASSERT_EQ(day_number(date_of(number)), number);
-  }
-  EXPECT_EQ(iso8601::write(date_of(last_day)), "20000-12-31");
-  EXPECT_EQ(day_number({20000, 12, 31}), last_day);
-  for (const iso8601::Date& date : {iso8601::Date{2026, 2, 29}, {4000, 2, 29}, {2026, 4, 31}, {2000, 2, 30}}) {
-    EXPECT_THROW(day_number(date), ValueError) << date.year;  // 4000 is a common year here
-  }
 }
 
 TEST(Iso8601, FormsAndFaults) {
@@ -288,12 +266,6 @@ TEST(Rewriter, KeepsTheStyleOfACell) {
   std::string out;
   EXPECT_FALSE(Splitter(Dialect::of(Format::tsv)).encode({}, "\t", out));
   EXPECT_FALSE(Splitter(Dialect::of(Format::lines)).encode({}, "a\nb", out));
-}
-
-TEST(Progress, Text) {
-  EXPECT_EQ(progress_text(12'340'000, 100'000'000, std::chrono::seconds(2)), "12.3 MB of 100.0 MB, 12%, 6.2 MB/s");
-  EXPECT_EQ(progress_text(500'000, 0, std::chrono::seconds(0)), "0.5 MB");
-  EXPECT_EQ(progress_text(200, 100, std::chrono::seconds(1)), "0.0 MB of 0.0 MB, 100%, 0.0 MB/s");
 }
 
 }  // namespace
