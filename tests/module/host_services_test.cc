@@ -44,7 +44,7 @@ TEST(Loading, VersionsDiffer) {
   EXPECT_EQ(NLSLOCRealDestroy(&without_pool) | NLSLOCRealDestroy(nullptr), 0u);
   EXPECT_EQ(vxnlsloc(nullptr, &host.journal), nullptr);
   // The pool is made, the record does not fit: a line in the journal.
-  host.fail_call(2, false, VX_E_MEMORY);
+  host.fail_call(2, {VX_E_MEMORY});
   const Calls failing = host.trace([&] { EXPECT_EQ(vxnlsloc(&host.kernel, &host.journal), nullptr); });
   EXPECT_EQ(failing.at(2), "status_to_journal journal 4 -2143305726 *");
   vxextent(nullptr);

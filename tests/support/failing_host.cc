@@ -1,16 +1,13 @@
 #include "tests/support/failing_host.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <sstream>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
-#include "examples/own_host/own_host.h"
 #include "tests/support/plain_locale.h"
 
 namespace vxtest {
@@ -25,10 +22,17 @@ thread_local size_t locks_held = 0;
 // books
 
 template <class Object>
-Object* taken(Host& host, Object* object, std::string name, const void* owner = nullptr) {
+Object* taken(Host& host, std::shared_ptr<Object> object, std::string name, const void* owner = nullptr) {
   const std::lock_guard lock(host.books);
-  host.things[object] = {std::move(name), owner};
-  return object;
+  host.things[object.get()] = {std::move(name), owner, object};
+  return object.get();
+}
+
+template <class Made>
+auto* made(Host& host, const auto& ops, const char* name) {
+  const auto object = std::make_shared<Made>();
+  object->ops = &ops;
+  return taken(host, object, name);
 }
 
 void complain(Host& host, std::string_view what, const void* object) {
@@ -36,34 +40,18 @@ void complain(Host& host, std::string_view what, const void* object) {
   host.complaints.push_back(std::string(what) + ' ' + host.things[object].name);
 }
 
-/// False, with a complaint, when the library does not hold the object.
-bool given_back(Host& host, const void* object) {
-  {
-    const std::lock_guard lock(host.books);
-    if (host.things.erase(object) != 0) return true;
-  }
-  return complain(host, "given back but not held", object), false;
-}
-
-/// Strikes out what lies in a pool or a track.
-template <class Free>
-void forget(Host& host, const void* owner, Free free) {
-  const std::lock_guard lock(host.books);
-  std::erase_if(host.things, [&](const auto& thing) {
-    if (thing.second.owner == owner) free(thing.first);
-    return thing.second.owner == owner;
-  });
+/// The object for the last time, and all that lies in it; null, with a complaint, when the library does not hold it.
+std::shared_ptr<void> given_back(Host& host, const void* object) {
+  const std::unique_lock lock(host.books);
+  const auto node = host.things.extract(object);
+  std::erase_if(host.things, [&](const auto& thing) { return thing.second.owner == object; });
+  if (node.empty()) host.complaints.emplace_back("given back but not held");
+  return node.empty() ? nullptr : node.mapped().object;
 }
 
 // How a call is told
 
 std::string told(const VXChar* text, int64_t length) { return utf8(std::u32string(text, text + length)); }
-
-// Attributes, which operations are given by pointers to constants.
-template <class Argument>
-constexpr bool is_structure = false;
-template <class Pointee>
-constexpr bool is_structure<const Pointee*> = std::is_class_v<Pointee>;
 
 struct Line {
   const Host& host;
@@ -78,8 +66,6 @@ struct Line {
       out << " [" << *first << ']';
     } else if constexpr (std::is_arithmetic_v<First>) {
       out << ' ' << (std::is_unsigned_v<First> ? std::hex : std::dec) << first << std::dec;
-    } else if constexpr (is_structure<First>) {
-      return tell(*first, rest...);
     } else if constexpr (std::is_pointer_v<First>) {
       const auto known = host.things.find(reinterpret_cast<const void*>(first));
       const bool is_one = reinterpret_cast<uintptr_t>(first) == 1;
@@ -92,6 +78,9 @@ struct Line {
     }
     tell(rest...);
   }
+  template <class Attributes, class... Rest>
+  requires std::is_class_v<Attributes>
+  void tell(const Attributes* attributes, Rest... rest) { tell(*attributes, rest...); }
   template <class... Rest>
   void tell(const VXChar* text, int64_t length, Rest... rest) {
     out << ' ' << told(text, length);
@@ -110,17 +99,16 @@ struct Line {
 /// 0, or the status with which this call fails.
 template <class... Arguments>
 VXStatus fault_of(Host& host, const char* operation, Arguments... arguments) {
-  const int64_t first = host.first_failing.load(std::memory_order_relaxed);
-  const int64_t call = first != 0 ? ++host.calls_since : 0;
-  const bool fails = first != 0 && (call == first || (host.lasting && call > first));
-  if (!fails && !host.tracing.load(std::memory_order_relaxed)) return 0;
   const std::lock_guard lock(host.books);
+  const int64_t later = ++host.calls_since - host.first_failing;
+  const bool fails = host.first_failing != 0 && (later == 0 || (host.fault.lasting && later > 0));
+  if (!fails && host.traced == nullptr) return 0;
   Line line{host, {}};
   line.out << std::string(locks_held, ' ') << operation;
   line.tell(arguments...);
-  if (host.tracing) host.traced.push_back(line.out.str());
+  if (host.traced != nullptr) host.traced->push_back(line.out.str());
   if (fails) host.failures.push_back(line.out.str());
-  return fails ? host.fault_status.load() : 0;
+  return fails ? host.fault.status : 0;
 }
 
 // Operations: what all have in common, and then what each does
@@ -171,7 +159,7 @@ struct Operation {
       else return result;
     }
     // Nobody looks at the status of read_option, so what it leaves is meant.
-    (fail(arguments, fault, host.rubbish && named != "read_option"), ...);
+    (fail(arguments, fault, host.fault.rubbish && named != "read_option"), ...);
     if constexpr (named == "lower" || named == "upper") return std::get<1>(std::tie(arguments...));
     else if constexpr (std::is_same_v<Result, VXStatus>) return fault;
     else return Result{};
@@ -182,22 +170,19 @@ constexpr Operation<name, Work> operation(Work) {
   return {};
 }
 
-constexpr VXPoolOps pool_ops = {
-    operation<"allocate">([](Host& host, auto* pool, int64_t bytes, uint32_t flags) {
-      void* const block = std::malloc(static_cast<size_t>(bytes));
-      // What is not asked to be zero is anything but.
-      std::memset(block, flags == VX_ZERO_FILL ? 0 : 0xA5, static_cast<size_t>(bytes));
-      return taken(host, block, "block " + std::to_string(bytes), pool);
-    }),
-    operation<"free">([](Host& host, auto*, void* block) {
-      if (given_back(host, block)) std::free(block);
-    }),
-    operation<"destroy_pool">([](Host& host, VXPool* pool) {
-      if (!given_back(host, pool)) return;
-      forget(host, pool, [](const void* block) { std::free(const_cast<void*>(block)); });
-      delete pool;
-    }),
+constexpr auto give_back = [](Host& host, auto*... objects) {
+  given_back(host, std::get<sizeof...(objects) - 1>(std::tie(objects...)));
 };
+constexpr auto write_nothing = [](Host&, auto...) { return 0; };
+
+constexpr VXPoolOps pool_ops = {operation<"allocate">([](Host& host, auto* pool, int64_t bytes, uint32_t flags) {
+                                  const auto size = static_cast<size_t>(bytes);
+                                  const std::shared_ptr<void> block(std::malloc(size), std::free);
+                                  // What is not asked to be zero is anything but.
+                                  std::memset(block.get(), flags == VX_ZERO_FILL ? 0 : 0xA5, size);
+                                  return taken(host, block, "block " + std::to_string(bytes), pool);
+                                }),
+                                operation<"free">(give_back), operation<"destroy_pool">(give_back)};
 
 std::thread::id holder_of(const VXLock* lock) { return static_cast<const own::Lock*>(lock)->holder; }
 
@@ -214,34 +199,30 @@ constexpr VXLockOps lock_ops = {
     }),
     operation<"destroy_lock">([](Host& host, VXLock* lock) {
       if (holder_of(lock) != std::thread::id()) complain(host, "destroyed while it is held:", lock);
-      if (given_back(host, lock)) own::Lock::destroy(lock);
+      given_back(host, lock);
     }),
 };
 
+VXTrackEntry* referenced(Host& host, VXTrackEntry* entry) {
+  const std::lock_guard lock(host.books);
+  host.references += entry != nullptr;
+  return entry;
+}
 constexpr VXTrackOps track_ops = {
-    operation<"find">([](Host& host, VXTrack* track, auto, auto, const void* key, int64_t bytes) {
-      VXTrackEntry* const entry = own::Track::find(track, 0, 0, key, bytes);
-      host.references += entry != nullptr;
-      return entry;
+    operation<"find">([](Host& host, auto... given) { return referenced(host, own::Track::find(given...)); }),
+    operation<"insert">([](Host& host, auto... given) { return referenced(host, own::Track::insert(given...)); }),
+    operation<"release_entry">([](Host& host, auto...) {
+      const std::lock_guard lock(host.books);
+      --host.references;
     }),
-    operation<"insert">(
-        [](Host& host, VXTrack* track, auto, auto, void* payload, auto, auto* key, int64_t bytes, VXStatus* status) {
-          VXTrackEntry* const entry = own::Track::insert(track, 0, 0, payload, 0, key, bytes, status);
-          host.references += entry != nullptr;
-          return entry != nullptr ? taken(host, entry, "entry", track) : entry;
-        }),
-    operation<"release_entry">([](Host& host, auto...) { --host.references; }),
-    operation<"set_destroy">([](Host&, VXTrack* track, auto, VXTrackDestroy callback) {
-      return own::Track::set_destroy(track, 0, callback);
-    }),
-    operation<"destroy_track">([](Host& host, VXTrack* track) {
-      if (!given_back(host, track)) return;
-      forget(host, track, [](const void*) {});
-      own::Track::destroy(track);
+    operation<"set_destroy">([](Host&, auto... given) { return own::Track::set_destroy(given...); }),
+    operation<"destroy_track">([](Host& host, VXTrack* self) {
+      const auto track = std::static_pointer_cast<own::Track>(given_back(host, self));
+      if (track == nullptr || track->callback == nullptr) return;
+      for (auto& [key, entry] : track->entries) track->callback(&entry);
     }),
 };
 
-constexpr auto write_nothing = [](Host&, auto...) { return 0; };
 constexpr VXJournalOps journal_ops = {
     operation<"message_to_buffer">(write_nothing),
     operation<"message_to_journal">(write_nothing),
@@ -250,43 +231,30 @@ constexpr VXJournalOps journal_ops = {
     {},  // not called
     operation<"get_locale">([](Host&, VXJournal* journal, auto...) { return journal; })};
 
-VXLogger* logger_of(Host& host) { return reinterpret_cast<VXLogger*>(&host.journal); }
+constexpr auto give_logger = [](Host& host, auto...) { return reinterpret_cast<VXLogger*>(&host.journal); };
+constexpr VXLoggerServiceOps logger_ops = {operation<"find_logger">(give_logger),
+                                           operation<"create_logger">(give_logger)};
 
-constexpr VXLoggerServiceOps logger_ops = {
-    operation<"find_logger">([](Host& host, auto...) { return host.has_logger ? logger_of(host) : nullptr; }),
-    operation<"create_logger">([](Host& host, auto...) { return logger_of(host); }),
-};
-
-constexpr VXExtensionOps message_ops = {operation<"destroy_extension">([](Host& host, VXExtension* extension) {
-  if (given_back(host, extension)) delete extension;
-})};
-VXStatus fill_in_english(Host&, auto*, VXLocaleData* data, auto...) {
-  static const auto english = std::make_unique<PlainLocale>();
-  const NLSName written = data->localeName;
-  *data = english->data;
-  return data->localeName = written, 0;
-}
-constexpr VXLocaleDatabaseOps locale_database_ops = {
-    message_ops.destroy, operation<"fill">([](auto&&... given) { return fill_in_english(given...); })};
+constexpr VXExtensionOps message_ops = {operation<"destroy_extension">(give_back)};
+constexpr VXLocaleDatabaseOps locale_database_ops = {message_ops.destroy,
+                                                     operation<"fill">([](Host&, auto*, VXLocaleData* data, auto...) {
+                                                       static const PlainLocale english;
+                                                       const NLSName written = data->localeName;
+                                                       *data = english.data;
+                                                       return data->localeName = written, 0;
+                                                     })};
 constexpr VXUnicodeDatabaseOps unicode_database_ops = {
     message_ops.destroy, operation<"test_class">([](Host&, auto*, uint32_t code_point, uint32_t bits) {
       return code_point == 0xE9 && (bits & 2) != 0;
     })};
 
-template <class Made, class Ops>
-auto* made(Host& host, const Ops& ops, const char* name) {
-  auto* const object = own::make<Made>();
-  object->ops = &ops;
-  return taken(host, object, name);
-}
-
 constexpr VXHandleOps handle_ops = {
     operation<"create_pool">(
-        [](Host& host, auto*, auto*, auto*, const char* name) { return taken(host, new VXPool{&pool_ops}, name); }),
+        [](Host& host, auto*, auto*, auto*, auto* name) { return made<VXPool>(host, pool_ops, name); }),
     operation<"create_lock">(
-        [](Host& host, auto*, auto*, auto*, const char* name) { return made<own::Lock>(host, lock_ops, name); }),
+        [](Host& host, auto*, auto*, auto*, auto* name) { return made<own::Lock>(host, lock_ops, name); }),
     operation<"create_track">(
-        [](Host& host, auto*, auto*, auto*, const char* name) { return made<own::Track>(host, track_ops, name); }),
+        [](Host& host, auto*, auto*, auto*, auto* name) { return made<own::Track>(host, track_ops, name); }),
     operation<"create_journal">([](Host& host, auto...) { return &host.journal; }),
     operation<"load_extension">([](Host& host, auto*, const VXChar* name, int64_t length, auto) {
       // All tables begin with destroy, and the library takes the object for what it asked.
@@ -294,30 +262,14 @@ constexpr VXHandleOps handle_ops = {
       const void* const table = asked == "vxemsg"     ? static_cast<const void*>(&message_ops)
                                 : asked == "vxnlsldb" ? static_cast<const void*>(&locale_database_ops)
                                                       : &unicode_database_ops;
-      return taken(host, new VXExtension{static_cast<const VXExtensionOps*>(table)}, asked);
+      return made<VXExtension>(host, *static_cast<const VXExtensionOps*>(table), asked.c_str());
     }),
 };
 
-struct Zone {
-  std::string_view name;
-  int32_t offset;
-};
-constexpr Zone zones_known[] = {{"America/New_York", -18000}, {"Etc/UTC", 0}, {"Asia/Kolkata", 19800}};
-
-const Zone* find_zone(std::string id) {
-  id.erase(id.find_last_not_of(' ') + 1);
-  if (strcasecmp(id.c_str(), "utc") == 0) id = "Etc/UTC";
-  for (const Zone& zone : zones_known) {
-    if (strcasecmp(zone.name.data(), id.c_str()) == 0) return &zone;
-  }
-  return nullptr;
-}
-
-VXStatus put_zone(Host& host, const Zone* zone, VXChar* out, int64_t* length) {
-  if (zone == nullptr) return VX_E_ZONE;
-  std::copy(zone->name.begin(), zone->name.end(), out);
-  *length = host.claimed_zone_length.value_or(static_cast<int64_t>(zone->name.size()));
-  return 0;
+VXStatus put_zone(Host& host, const VXChar* id, int64_t length, VXChar* out, int64_t* written) {
+  const VXStatus status = normalise_zone(nullptr, id, length, {}, out, written, nullptr);
+  if (status == 0) *written = host.claimed_zone_length.value_or(*written);
+  return status;
 }
 
 constexpr HostContextOps context_ops = {
@@ -327,31 +279,29 @@ constexpr HostContextOps context_ops = {
       *record = host.record.value_or(&found);
       return host.record || (length >= 5 && name[2] == '_') ? 0 : VX_E_NOMATCH;
     }),
-    operation<"normalise_zone">([](Host& host, auto*, const VXChar* id, int64_t length, auto, VXChar* out,
-                                   int64_t* out_length,
-                                   auto*) { return put_zone(host, find_zone(told(id, length)), out, out_length); }),
+    operation<"normalise_zone">([](Host& host, auto*, auto* id, int64_t n, auto, auto* out, auto* length, auto*) {
+      return put_zone(host, id, n, out, length);
+    }),
     operation<"os_zone">([](Host& host, auto*, VXChar* out, int64_t* length, auto) {
-      return put_zone(host, find_zone(host.system_zone), out, length);
+      return put_zone(host, units(host.system_zone), std::ssize(host.system_zone), out, length);
     }),
 };
 
-const Zone* rules_of(VXZone* zone) { return reinterpret_cast<Zone*>(zone); }
+VXZone* rules_of(VXZone* zone) { return *reinterpret_cast<VXZone**>(zone); }
 
 constexpr VXZoneServiceOps zone_ops = {
-    operation<"open_zone">([](Host& host, auto*, const VXChar* id, int64_t length, auto) {
-      const Zone* const zone = find_zone(told(id, length));
-      Zone* const open = zone != nullptr ? taken(host, new Zone(*zone), std::string(zone->name)) : nullptr;
+    operation<"open_zone">([](Host& host, auto* service, const VXChar* id, int64_t length, auto flags) {
+      VXZone* const rules = zone_rules.open(service, id, length, flags);
+      auto* const open = rules != nullptr ? taken(host, std::make_shared<VXZone*>(rules), told(id, length)) : nullptr;
       return reinterpret_cast<VXZone*>(open);
     }),
-    operation<"close_zone">([](Host& host, auto*, VXZone* zone) {
-      if (given_back(host, zone)) delete rules_of(zone);
+    operation<"close_zone">(give_back),
+    operation<"zone_offset">([](Host&, auto* service, VXZone* zone, auto... when) {
+      return zone_rules.offset(service, rules_of(zone), when...);
     }),
-    operation<"zone_offset">([](Host&, auto*, VXZone* zone, auto...) { return rules_of(zone)->offset; }),
-    operation<"describe_zone">(
-        [](Host& host, auto*, VXZone* zone, auto, auto, VXChar* name, int64_t* length, int32_t* offset) {
-          *offset = rules_of(zone)->offset;
-          return put_zone(host, rules_of(zone), name, length);
-        }),
+    operation<"describe_zone">([](Host&, auto* service, VXZone* zone, auto... given) {
+      return zone_rules.describe(service, rules_of(zone), given...);
+    }),
 };
 
 constexpr VXOptionServiceOps option_ops = {
@@ -378,7 +328,7 @@ constexpr VXCharDataOps character_ops = {
 FailingHost::FailingHost()
     : stored{&handle_ops, nullptr, &options, &characters, nullptr},
       kernel{&handle_ops, &loggers, nullptr, nullptr, nullptr},
-      context{&context_ops, &kernel, &pool, nullptr, nullptr, own::make<own::Lock>(), nullptr, nullptr, &zones},
+      context{&context_ops, &kernel, &pool, nullptr, nullptr, nullptr, nullptr, nullptr, &zones},
       journal{&journal_ops},
       loggers{&logger_ops},
       options{&option_ops},
@@ -386,23 +336,21 @@ FailingHost::FailingHost()
       pool{&pool_ops},
       zones{&zone_ops} {
   current = this;
-  context.creationLock->ops = &lock_ops;
-  things = {{&stored, {"stored", this}},   {&kernel, {"kernel", this}}, {&pool, {"pool", this}},
-            {&journal, {"journal", this}}, {&zones, {"zones", this}},   {context.creationLock, {"creation", this}}};
+  context.creationLock = made<own::Lock>(*this, lock_ops, "creation");
+  things[context.creationLock].owner = this;
+  for (const auto& [object, name] : {std::pair<void*, const char*>{&stored, "stored"},
+                                     {&kernel, "kernel"},
+                                     {&pool, "pool"},
+                                     {&journal, "journal"},
+                                     {&zones, "zones"}}) {
+    things[object] = {name, this, nullptr};
+  }
 }
 
-FailingHost::~FailingHost() {
-  close();
-  own::Lock::destroy(context.creationLock);
-  forget(*this, &pool, [](const void* block) { std::free(const_cast<void*>(block)); });
-}
-
-void FailingHost::fail_call(int64_t k, bool and_all_after, VXStatus status, bool with_rubbish) {
-  failures.clear();
+void FailingHost::fail_call(int64_t k, Fault how) {
+  if (k != 0) failures.clear();
   calls_since = 0;
-  lasting = and_all_after;
-  rubbish = with_rubbish;
-  fault_status = status;
+  fault = how;
   first_failing = k;
 }
 
@@ -434,9 +382,8 @@ bool FailingHost::make_cache() {
 }
 
 VXLocale* FailingHost::create(std::u32string_view name, VXStatus* status, std::u32string_view zone, bool shared) {
-  const auto units = [](std::u32string_view text) { return reinterpret_cast<const VXChar*>(text.data()); };
-  const LocaleCreateOptions asked = {!shared, {}, units(zone), static_cast<int64_t>(zone.size())};
-  return loaded_module->localeCreate(&context, units(name), static_cast<int64_t>(name.size()), status, &asked);
+  const LocaleCreateOptions asked = {!shared, {}, units(zone), std::ssize(zone)};
+  return loaded_module->localeCreate(&context, units(name), std::ssize(name), status, &asked);
 }
 
 void FailingHost::destroy_private(VXLocale* locale) {
@@ -450,7 +397,7 @@ void FailingHost::destroy_cache() {
 }
 
 void FailingHost::close() {
-  fail_nothing();
+  fail_call(0);
   destroy_cache();
   if (NLSModule* const gone = std::exchange(loaded_module, nullptr)) gone->realDestroy(gone);
   for (auto* const cache : {reinterpret_cast<VXExtension**>(&context.localeDatabase),

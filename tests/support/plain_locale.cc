@@ -19,6 +19,7 @@ KnownZone known_zones[] = {{U"Test/Zone", 0, 0},
                            {U"UTC", 0, 0}};
 
 VXZone* open(VXZoneService*, const VXChar* id, int64_t length, uint64_t) {
+  while (length > 0 && id[length - 1] == ' ') --length;
   auto* const found = std::ranges::find(known_zones, std::u32string(id, id + length), &KnownZone::name);
   return found != std::end(known_zones) ? reinterpret_cast<VXZone*>(found) : nullptr;
 }
@@ -48,7 +49,6 @@ const VXZoneServiceOps zone_rules = {open, [](VXZoneService*, VXZone*) -> VXStat
 
 VXStatus normalise_zone(HostContext*, const VXChar* id, int64_t length, VXZoneIdOptions, VXChar* out, int64_t* written,
                         uint64_t*) {
-  while (length > 0 && id[length - 1] == ' ') --length;
   VXZone* const zone = open(nullptr, id, length, 0);
   int32_t east = 0;
   return zone != nullptr ? describe(nullptr, zone, 0, 0, out, written, &east) : VX_E_ZONE;
@@ -71,8 +71,7 @@ PlainLocale::PlainLocale() : data(*english().localeData), locale(english()), con
 
 void PlainLocale::use_zone(std::u32string_view name) {
   context.zones = &zones;
-  const auto* const id = reinterpret_cast<const VXChar*>(name.data());
-  locale.timeZone = open(&zones, id, static_cast<int64_t>(name.size()), 0);
+  locale.timeZone = open(&zones, units(name), std::ssize(name), 0);
 }
 
 void PlainLocale::use_fixed_zone(int32_t seconds_east) {

@@ -11,6 +11,7 @@ namespace vxtest {
 
 std::u32string utf32(std::string_view utf8);  // of well-formed text
 std::string utf8(std::u32string_view text);
+inline const VXChar* units(std::u32string_view text) { return reinterpret_cast<const VXChar*>(text.data()); }
 void set_name(NLSName& name, std::u32string_view text);
 
 /// Zones: "Zone/East" lies 2 hours east of UTC, "Zone/West" 5 hours and 30 minutes west; "Zone/Summer" is 1 hour east,
