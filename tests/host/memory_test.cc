@@ -73,7 +73,6 @@ TEST(Memory, EachAllocationFailsOnceAndFromThenOn) {
       ASSERT_FALSE(HasFailure()) << "at allocation " << spared << (lasting ? " and all after it" : "");
       ++failures;
     } while (spared != 0);
-    RecordProperty(lasting ? "lasting" : "single", std::to_string(failures - 1));
     EXPECT_GT(failures, 100);
   }
 }
