@@ -1,8 +1,6 @@
 // The header serves programs that are compiled without exceptions and run-time types: this one only has to compile.
 #include "vxnls/vxnls.hpp"
 
-int digits_of(vxnls::locale locale, std::string_view text);
-int digits_of(vxnls::locale locale, std::string_view text) {
-  return static_cast<int>(
-      std::ranges::distance(vxnls::code_points(locale.format(locale.parse<int>(text).value()).value())));
+[[maybe_unused]] static auto digits_of(vxnls::locale locale, std::string_view text) {
+  return std::ranges::distance(vxnls::code_points(locale.format(locale.parse<int>(text).value()).value()));
 }
