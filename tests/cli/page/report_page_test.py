@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """The page of `vxnls recognise --html` in a real browser: what it shows, in both colour schemes, by keyboard and for a
-screen reader. Usage: report_page_test.py FOLDER_OF_VXNLS [FOLDER_FOR_SCREENSHOTS]. Exit code 77: no browser here."""
-import base64
+screen reader. Usage: report_page_test.py FOLDER_OF_VXNLS. Exit code 77: no browser here."""
 import json
 import os
 import pathlib
@@ -24,8 +23,8 @@ const ratio = (a, b) => { const [x, y] = [light(a), light(b)].sort((p, q) => q -
 const page = getComputedStyle(document.body).backgroundColor;
 const least = (elements, part) =>
   Math.min(...[...document.querySelectorAll(elements)].map(e => ratio(getComputedStyle(e)[part], page)));
-return {page, text: least('body, h1, h2, h3, p, a, th, td, li, code, caption, .hidden-character', 'color'),
-        mark: least('.whole span', 'backgroundColor')};
+return [page, least('body, h1, h2, h3, p, a, th, td, li, code, caption, .hidden-character', 'color'),
+        least('.whole span', 'backgroundColor')];
 """
 
 
@@ -35,9 +34,7 @@ class Browser:
                                         text=True)
         port = next(filter(None, (re.search(r"success.* on port (\d+)", line) for line in self.process.stdout)))[1]
         self.base = f"http://127.0.0.1:{port}/session"
-        options = {"binary": shutil.which("chromium"),
-                   "args": ["--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
-                            "--disable-background-networking", "--disable-component-update", "--disable-sync",
+        options = {"args": ["--headless=new", "--no-sandbox", "--disable-gpu", "--disable-background-networking",
                             f"--user-data-dir={folder}", "--window-size=1100,1400"]}
         capabilities = {"browserName": "chrome", "goog:chromeOptions": options, "goog:loggingPrefs": {"browser": "ALL"}}
         self.base += "/" + self.send("POST", "", {"capabilities": {"alwaysMatch": capabilities}})["sessionId"]
@@ -55,11 +52,9 @@ class Browser:
         return self.send("POST", "/goog/cdp/execute", {"cmd": command, "params": parameters})
 
     def close(self):
-        try:
-            self.send("DELETE", "")
-        finally:
-            self.process.terminate()
-            self.process.wait()
+        self.send("DELETE", "")
+        self.process.terminate()
+        self.process.wait()
 
 
 class ReportPage(unittest.TestCase):
@@ -79,9 +74,8 @@ class ReportPage(unittest.TestCase):
         cls.browser.send("POST", "/url", {"url": (path / "page.html").as_uri()})
 
     def test_nothing_runs_and_nothing_is_fetched(self):
-        self.assertEqual(self.browser.run("return document.title"), "Columns of orders.csv")
-        self.assertEqual(self.browser.run("return document.scripts.length"), 0)
-        self.assertEqual(self.browser.run("return performance.getEntriesByType('resource').map(e => e.name)"), [])
+        self.assertEqual(self.browser.run("""return [document.title, document.scripts.length,
+            performance.getEntriesByType('resource').length]"""), ["Columns of orders.csv", 0, 0])
         self.assertEqual(self.browser.send("POST", "/se/log", {"type": "browser"}), [])
 
     def test_cells_are_shown_as_they_are(self):
@@ -106,31 +100,21 @@ class ReportPage(unittest.TestCase):
         for scheme in ("light", "dark"):
             self.browser.devtools("Emulation.setEmulatedMedia",
                                   features=[{"name": "prefers-color-scheme", "value": scheme}])
-            contrast = self.browser.run(CONTRAST)
-            self.assertGreaterEqual(contrast["text"], 4.5, scheme)
-            self.assertGreaterEqual(contrast["mark"], 3, scheme)
-            pages.add(contrast["page"])
-            if len(sys.argv) > 2:
-                image = base64.b64decode(self.browser.send("GET", "/screenshot"))
-                pathlib.Path(sys.argv[2], f"report-{scheme}.png").write_bytes(image)
+            page, text, mark = self.browser.run(CONTRAST)
+            self.assertGreaterEqual(text, 4.5, scheme)
+            self.assertGreaterEqual(mark, 3, scheme)
+            pages.add(page)
         self.assertEqual(len(pages), 2)
-
-    def test_a_narrow_window_scrolls_in_one_direction(self):
-        self.browser.devtools("Emulation.setDeviceMetricsOverride", width=360, height=740, deviceScaleFactor=1,
-                              mobile=False)
-        self.addCleanup(self.browser.devtools, "Emulation.clearDeviceMetricsOverride")
-        self.assertLessEqual(self.browser.run("return document.documentElement.scrollWidth"), 360)
 
     def test_the_keyboard_reaches_everything(self):
         wanted = self.browser.run("return document.querySelectorAll('a, [tabindex=\"0\"]').length")
         self.browser.run("document.activeElement.blur(); window.getSelection().removeAllRanges(); window.scrollTo(0, 0)")
         tab = [{"type": "keyDown", "value": "\ue004"}, {"type": "keyUp", "value": "\ue004"}]
-        seen = []
-        for _ in range(wanted):
+        for place in range(wanted):
             self.browser.send("POST", "/actions", {"actions": [{"type": "key", "id": "keyboard", "actions": tab}]})
-            seen.append(self.browser.run("""const e = document.activeElement;
-                return [[...document.querySelectorAll('a, [tabindex="0"]')].indexOf(e), getComputedStyle(e).outlineStyle]"""))
-        self.assertEqual(seen, [[place, "solid"] for place in range(wanted)])
+            seen = self.browser.run("""const e = document.activeElement;
+                return [[...document.querySelectorAll('a, [tabindex="0"]')].indexOf(e), getComputedStyle(e).outlineStyle]""")
+            self.assertEqual(seen, [place, "solid"])
 
     def test_a_screen_reader_hears_names(self):
         named = {}
