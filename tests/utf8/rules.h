@@ -12,33 +12,11 @@
 
 namespace vxtest {
 
-/// The bytes that a lead announces, and whether there is a character of so many.
-inline size_t announced(char lead) {
-  const auto ones = static_cast<size_t>(std::countl_one(static_cast<uint8_t>(lead)));
-  return ones < 2 ? 1 : std::min<size_t>(ones, 6);
-}
-inline bool continues(char byte) { return std::countl_one(static_cast<uint8_t>(byte)) == 1; }
-inline bool begins(char lead) {
-  const auto byte = static_cast<uint8_t>(lead);
-  return byte < 0x80 || (byte > 0xC1 && byte < 0xF5);
-}
-
-enum class Step { trusting, checking };
-
-/// The first character of a text that is not empty.
-inline std::string_view next(std::string_view text, Step step) {
-  const size_t most = std::min(announced(text[0]), text.size());
-  size_t n = 1;
-  while (n < most && (step == Step::trusting || continues(text[n]))) ++n;
-  return text.substr(0, n);
-}
 inline int64_t count_characters(std::string_view text, Step step) {
   int64_t count = 0;
   for (; !text.empty(); ++count) text.remove_prefix(next(text, step).size());
   return count;
 }
-inline bool is_whole(std::string_view character) { return character.size() == announced(character[0]); }
-
 /// What a text becomes, piece by piece. A room holds whole pieces up to the first that does not fit.
 struct Pieces {
   std::string text = {};
