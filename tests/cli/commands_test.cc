@@ -476,14 +476,17 @@ vxnls: E[1;36mnote:E[0m there is no locale
 
 TEST(Descriptors, FailuresOfReadingAndWriting) {
   expect(R"~(
-$ vxnls zone list >&-; vxnls format date <&-; vxnls format date </
+$ vxnls zone list >&-; mkfifo pipe; exec 3<> pipe 4> pipe 3<&-; vxnls zone list >&4; vxnls -h > /dev/full
+> vxnls format date <&-; vxnls format date </
 > vxnls format date nonsense 2>&-; vxnls format date nonsense 2>/dev/full
 > ulimit -f 8; trap '' XFSZ; seq 1 10000 | vxnls format date > disk
 ! vxnls: cannot write standard output: Bad file descriptor
+! vxnls: cannot write standard output: Broken pipe
+! vxnls: cannot write standard output: No space left on device
 ! vxnls: cannot read standard input: Bad file descriptor
 ! vxnls: cannot read standard input: Is a directory
 ! vxnls: cannot write standard output: File too large
-= 3 3 3 1 1 3
+= 3 3 3 3 3 1 1 3
 $ mkdir host; cp $LIBRARIES/libvxhost.so.6 host; export LD_LIBRARY_PATH=$PWD/host
 > vxnls format date 0 2>&1 | cut -c 1-29; cp $LIBRARIES/libvxnlsloc.so.6 $LIBRARIES/vxemsg.so host
 > vxnls format date 0 2>&1 | cut -c 1-29
