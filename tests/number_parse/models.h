@@ -8,8 +8,8 @@
 #include <charconv>
 #include <cstdlib>
 #include <limits>
-#include <ostream>
 #include <string>
+#include <tuple>
 
 #include "number_parse/soft_extended.h"
 #include "vxnls/vxnls.h"
@@ -26,17 +26,9 @@ struct Signs {
   char32_t point, separator;
 };
 
-/// What a reader gives; the value as the bits of a double, or as an integer with its sign in 64 bits.
-struct Reading {
-  VXStatus status;
-  uint64_t value;
-  int64_t consumed;
-  bool operator==(const Reading&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const Reading& r) {
-  return out << std::hex << r.status << " value " << r.value << " consumed " << std::dec << r.consumed;
-}
+/// What a reader gives: a status; the value as the bits of a double, or as an integer with its sign in 64 bits; and the
+/// units that were read.
+using Reading = std::tuple<VXStatus, uint64_t, int64_t>;
 
 /// The digits of a text, without leading zeros, and their power of ten; and whether the value that they read as lies so
 /// near the middle of two doubles that the roundings before the last may decide.
