@@ -43,5 +43,5 @@ until "$binaries/pg_isready" -q -h "$folder"; do
   kill -0 "$server" 2>/dev/null || failed
   sleep 0.05
 done
-export PGHOST=$folder PGUSER=postgres VX_PG_LOG=$log
+export PGHOST=$folder PGUSER=postgres VX_PG_LOG=$log PATH=$binaries:$PATH
 "$@"
