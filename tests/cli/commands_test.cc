@@ -64,17 +64,13 @@ $ vxnls format date --pattern %Y-%m-%d 0 -1 -138061 6589335 2026-07-01T23:30 \
 02:30 +0100 +0100 Europe/Berlin
 $ for s in short medium 2 long; do vxnls format date 2026-11-05 -l en_GB --style $s; done | paste -sd,
 > vxnls format datetime 2026-11-05T09:05:07 -l en_US --style long --time-style short
-> for n in 0 61; do vxnls format date 0 --pattern "$(printf %.${n}d 0 | head -c $n)"; done 2>&1 |
->   sed 's/0\{60\}/60 zeros/'
-> for p in "$(printf '\377')" '日%Q' '%Y%#H'; do vxnls format date 0 --pattern "$p"; done
+> for p in "$(printf '\377')" '日%Q' "$(printf %061d 0)"; do vxnls format date 0 --pattern "$p" 2>&1 | cut -c 1-62; done
 05/11/2026,5 Nov 2026,5 November 2026,5 November 2026
 November 5, 2026 9:05 AM
-
-vxnls: --pattern "60 zeros"...: it has 61 characters, at most 60 are possible
-! vxnls: --pattern "\xFF": it is not UTF-8
-! vxnls: --pattern "日%Q": at byte 3: "%Q" is no directive; "vxnls format datetime --help" lists them
-! vxnls: --pattern "%Y%#H": at byte 2: "%#H" writes a time, and a date has none
-= 0 0 0 0 0 0 2 2 2 2
+vxnls: --pattern "\xFF": it is not UTF-8
+vxnls: --pattern "日%Q": at byte 3: "%Q" is no directive; "vx
+vxnls: --pattern "00000000000000000000000000000000000000000000
+= 0 0 0 0 0 2 2 2
 $ printf '\357\273\2770\r\nx\n\n2026-02-30\0\n1' | vxnls format date -l en_GB
 > z=/dev/zero; (head -c 65536 $z; echo; head -c 65537 $z; echo; head -c 200000 $z) | tr '\0' 1 |
 >   vxnls format date 2>&1 | sed 's/1\{60\}/.../'
@@ -96,17 +92,6 @@ vxnls: line 3: "..."...: longer than 65536 bytes
 ! vxnls: line 3: "": no value
 ! vxnls: line 4: "2026-02-30\u{0000}": at byte 10: "T" and a time, or the end is expected, not "\u{0000}"
 ! vxnls: line 2: "x\xFF": a date is 2026-11-21, a day number or now
-= 1 1 1
-$ vxnls format date today 20261121 4000-02-29
-> vxnls format time 2026-11-21 10:00Z; vxnls format datetime 99999999999999999999999999 1582-01-01T00:30+01 @x
-! vxnls: "today": a date is 2026-11-21, a day number or now
-! vxnls: "20261121": too large for a day number; the date is written 2026-11-21
-! vxnls: "4000-02-29": 4000-02 has 28 days
-! vxnls: "2026-11-21": a date without a time; write 2026-11-21T14:05
-! vxnls: "10:00Z": an offset without a date; write 2026-11-21T10:00Z
-! vxnls: "99999999999999999999999999": outside of 1582-01-01 to 20000-12-31
-! vxnls: "1582-01-01T00:30+01": outside of 1582-01-01 to 20000-12-31
-! vxnls: "@x": digits are expected behind "@": seconds since 1970-01-01 00:00 UTC
 = 1 1 1
 )~");
 }
@@ -133,13 +118,11 @@ $ zone() { echo $(vxnls $* zone | head -n 1); }
 > (zone; export TZ=:Asia/Tokyo; zone; export VXNLS_ZONE=europe/berlin; zone; zone -z Asia/Calcutta) | paste -sd,
 > vxnls format date 0 -z Berlin; VXNLS_ZONE=Nowhere vxnls format date 0
 > # Names are looked up and never opened, and what a file says never reaches the terminal as it stands.
-> vxnls format date -z /usr/share/zoneinfo/UTC 0; vxnls locale show ../de; vxnls recognise "$(printf 'no\033[2Jthing')"
+> vxnls format date -z /usr/share/zoneinfo/UTC 0; vxnls recognise "$(printf 'no\033[2Jthing')"
 > a=$(printf %010000d 0); (vxnls format date -l $a 0; vxnls zone $a) 2>&1 | sed 's/0\{60\}/.../'
-> vxnls zone Europe/Berlin 2026-03-29T02:30 | grep note; vxnls zone list tokio
-> vxnls locale list qqq
+> vxnls zone Europe/Berlin 2026-03-29T02:30 | grep note
 > vxnls locale show pl_PL --json | grep -E 'ownName|weekPattern1|isoCode|firstWeekDay' | tr -d '\n '; echo
 > vxnls locale check > checked; sed -n 's/^[0-9][0-9][0-9]* \(.*\), [0-9]* have/\1/p' checked; grep BROKEN checked
-> printf '2000060\n2001366\n' | vxnls calendar --from julian 2>&1 | cut -c 1-80
 > vxnls --version | grep -Eo '^vxnls 6.1.0 .libvxnlsloc V0601R0D|; (ICU|CLDR|Unicode|tz) ' | tr -d '\n'
 zone Etc/UTC,zone Asia/Tokyo,zone Europe/Berlin,zone Asia/Kolkata
 vxnls: there is no locale "..."...; "vxnls locale list" lists them
@@ -147,18 +130,12 @@ vxnls: there is no time zone "..."...; "vxnls zone list" lists them
 note          the clocks skip this local time; shown is what was in force before
 "ownName":"polski(Polska)","weekPattern1":"W%V%Y","isoCode":"PLN","firstWeekDay":"Monday",
 locales checked: 0 break a rule entries that fell back
-vxnls: line 2: "2001366": a Julian date is the year, 1582 to 20000, and three di
-2000-02-29	14669	2000060	60	3	Tuesday
-
 vxnls 6.1.0 (libvxnlsloc V0601R0D; ICU ; CLDR ; Unicode ; tz <end>
 ! vxnls: there is no time zone "Berlin"; did you mean Europe/Berlin?
 ! vxnls: VXNLS_ZONE: there is no time zone "Nowhere"; "vxnls zone list" lists them
 ! vxnls: there is no time zone "/usr/share/zoneinfo/UTC"; "vxnls zone list" lists them
-! vxnls: there is no locale "../de"; "vxnls locale list" lists them
 ! vxnls: no\u{001B}[2Jthing: No such file or directory
-! vxnls: no time zone has "tokio" in its name
-! vxnls: no locale has "qqq" in its name; with --details the names of languages and regions are searched, too
-= 0 0 0 0 2 2 2 2 3 2 2 0 2 2 0 0 1 0
+= 0 0 0 0 2 2 2 3 2 2 0 0 0 0
 )~");
 }
 
@@ -166,14 +143,11 @@ TEST(Commands, ParseAndNumbers) {
   expect(R"~(
 $ vxnls parse date 'Dec 31, 2021' --style medium --to-locale ja_JP; vxnls parse time 1:2.250 --pattern '%#H:%#M.%s'
 > vxnls parse date 31.12. -l de_DE; vxnls parse time '13:00 pm' -l en_US --lenient
-> vxnls parse date 1 --pattern %Q; vxnls parse date 1 --pattern %d --as month
 2021/12/31
 01:02:00.250
 ! vxnls: "31.12.": at byte 6: the text ends where a year is wanted, reading %Y
 ! vxnls: "13:00 pm": at byte 0: hour 13 does not go with AM or PM (1 to 12 would)
-! vxnls: --pattern: the pattern holds %Q, which reads nothing here
-! vxnls: --pattern and --as exclude each other
-= 0 0 1 1 2 2
+= 0 0 1 1
 $ vxnls parse date 03/04/2021 -l en_GB --json | fold -w 118
 {"value":"03/04/2021","text":"2021-04-03","day":22373,"consumed":10,"rest":"","form":{"pattern":"%d/%m/%Y","source":"t
 he locale's date pattern","lenient":false,"start":0,"end":10,"fields":{"year":2021,"month":4,"day":3}},"ambiguous":tru
@@ -186,25 +160,20 @@ $ vxnls format number 0.1 .A . inf -- -inf | paste -sd,
 > (vxnls format integer 18446744073709551615 --group; vxnls format integer -- -9223372036854775808
 >  vxnls parse number .A ._; vxnls parse integer 0xFF --hex
 >  vxnls parse integer 18446744073709551615 --type uint64) | paste -sd,
-> vxnls parse integer 2147483648 --type int32; vxnls parse integer 1.5 -l en_US
-> vxnls format number abc; vxnls format number 1 --fixed; vxnls format number 1 --width 513
+> vxnls parse integer 2147483648 --type int32
 0.1,A,.,Inf,-Inf
 +000003.14,  0.00012345,   1.500,1.235E+04
 18,446,744,073,709,551,615,-9223372036854775808,.A,._,255,18446744073709551615
 ! vxnls: "2147483648": at byte 0: "2147483648" is too large
-! vxnls: "1.5": at byte 1: a decimal point in a whole number; --fraction drops what follows it
-! vxnls: "abc": not a number as 1234567.891, 1e6, inf, or a missing value as . or .A
-! vxnls: a fixed field wants --width, 1 to 32
-! vxnls: --width "513": a number from 0 to 512 is wanted
-= 0 0 0 0 0 0 0 0 0 0 1 1 1 2 2
+= 0 0 0 0 0 0 0 0 0 0 1
 )~");
 }
 
 TEST(Commands, Texts) {
   expect(R"~(
-$ printf 'a\377z' | vxnls transcode --on-error skip -q; vxnls transcode /no/file; vxnls transcode /dev/null > /dev/full
+$ printf 'a\377z' | vxnls transcode --on-error skip -q; vxnls transcode /dev/null > /dev/full
 > vxnls compare abc 'abc  ' --mode code-points; vxnls compare é é --mode normalised
-> vxnls compare grün grüz | tail -n 1; vxnls compare a; printf '\377\n' | vxnls case upper
+> vxnls compare grün grüz | tail -n 1; printf '\377\n' | vxnls case upper
 > yes 'Grüße 😀 日' | head -n 100000 > text; from=utf-8
 > for to in utf-16le modified-utf-8 utf-32be utf-16be utf-32le utf-8; do
 >   vxnls transcode --from $from --to $to text > new; mv new text; from=$to; done; uniq -c text
@@ -213,10 +182,8 @@ az-1
 they part at character 4 (byte 4): U+006E "n" and U+007A "z"
 
  100000 Grüße 😀 日
-! vxnls: /no/file: No such file or directory
-! vxnls: "vxnls compare" wants B: UTF-8
 ! vxnls: line 1: "\xFF": it is not UTF-8
-= 1 3 0 0 0 0 2 1 0 0 0 0 0 0
+= 1 0 0 0 0 1 0 0 0 0 0 0
 )~");
 }
 
@@ -273,13 +240,10 @@ nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 
 2021-04-03,2021-03-04,2021-04-03
 1.234,1234
 = 1 0 0 1 1 0 1 1 0 0 0 0 0
-$ vxnls normalise orders; vxnls normalise -c wen orders
-> printf 'note\nhello\nworld\n' | vxnls normalise -c note; printf 'a\n1\n' > f; vxnls normalise -c a f >> f; wc -l < f
-> vxnls normalise -c id --rejects /nowhere/r orders; vxnls recognise --html /dev/full orders
+$ printf 'note\nhello\nworld\n' | vxnls normalise -c note; printf 'a\n1\n' > f; vxnls normalise -c a f >> f; wc -l < f
 > printf 'when,2,amount,amount,\n1,2,3,4,5\n' > f; names() { vxnls recognise --json $* | grep '"column"'; }
 > (names -c 4,when,2 f; names --no-header -c 7,1 f; names --format jsonl -c any,1 f) | tr -d '\n '; echo
-> for c in amount when,1; do vxnls recognise -c $c f; done; vxnls recognise --no-header -c when f
-> vxnls recognise --separator ';;' f; printf '\377\376,' | vxnls recognise --format csv
+> printf '\377\376,' | vxnls recognise --format csv
 > # A record may have any length.
 > (printf 'when,n\n1.2.2022,"'; yes 'x""' | head -n 700000; printf '"\n3.4.2022,5') > f
 > vxnls normalise -c when:date -l de_DE -q -j 2 f > out; tail -n 1 out; echo; wc -lc < out
@@ -294,40 +258,16 @@ $ vxnls normalise orders; vxnls normalise -c wen orders
 'link' -> 'old' 777
 1
 600
-! vxnls: say which columns with -c, as -c when:date,amount:number, or with --profile
-! vxnls: no column "wen"; did you mean when?
 ! vxnls: column "note": most of its values are neither dates nor numbers; say what it should be, as -c note:date
 ! vxnls: f is both the input and the output
-! vxnls: /nowhere/r: No such file or directory
-! vxnls: cannot write /dev/full: No space left on device
-! vxnls: 2 columns are named "amount": give its number
-! vxnls: column "1" is given twice
-! vxnls: no column "when"; without a header line columns have numbers, from 1
-! vxnls: no separator ";;": one byte of ASCII, or \t; no quote, line end, letter or digit
 ! vxnls: standard input is in UTF-16: convert it to UTF-8 first
-= 2 2 2 3 3 3 0 1 1 2 2 2 2 2 0 1 1
+= 2 3 0 1 1 2 0 1 1
 $ echo old > f; mkfifo pipe; $VXNLS normalise -q -c a:date --sample 1 --rejects f < pipe > out & exec 3> pipe
 > printf 'a\nx\ny\n' >&3; until [ $(ls | wc -l) = 5 ]; do sleep 0.02; done
 > kill -TERM $!; wait $! 2> /dev/null; echo $?; echo *; cat f
 143
 f orders out pipe
 old
-)~");
-}
-
-TEST(Commands, Recognise) {
-  expect(R"~(
-$ echo '2021년 3월 5일 오후 2:05' | vxnls recognise --format lines -l auto | grep -o 'locale [^ ]*'
-locale ko_KR
-$ printf '"n\0a\033[31m\n"\n1\n"1\0"\n' | vxnls recognise --format csv
-standard input: csv, 2 records
-
-n\u{0000}a\u{001B}[31m\n  integer, locale en_US (LANG)
-  read    1  50.0 %
-  unread  1  50.0 %
-unread
-  line 4  byte 14  "1\u{0000}"  "\u{0000}" follows the number
-= 1
 )~");
 }
 
@@ -355,19 +295,29 @@ date,time,datetime,number
 ! vxnls: "-l": a date is 2026-11-21, a day number or now
 ! vxnls: there is no time zone "list"; "vxnls zone list" lists them
 = 0 0 0 2 1 2 0 0 0 0 0 0 0 0
-$ for w in '' fromat datetime 'format date --patern x' 'format date -x' '--from day calendar 1' \
->   'format date --pattern' 'calendar --json=maybe' 'locale show C de' 'parse number --chunk-header 1'; do vxnls $w; done 2>&1 | cut -c 1-118
+$ for w in '' fromat datetime 'format date --patern x' '--from day calendar 1' 'locale show C de' \
+>   'parse number --chunk-header 1'; do vxnls $w; done 2>&1 | cut -c 1-118
 vxnls: "vxnls" wants a command: format, parse, recognise, normalise, locale, calendar, zone, transcode, case, compare,
 vxnls: "vxnls" has no command "fromat"; did you mean format?
 vxnls: "vxnls" has no command "datetime"; did you mean "vxnls format datetime" or "vxnls parse datetime"?
 vxnls: "vxnls format date" has no option "--patern"; did you mean --pattern?
-vxnls: "vxnls format date" has no option "-x"; "vxnls format date --help" lists its options
 vxnls: option --from belongs to "vxnls calendar" or "vxnls transcode" and stands behind the command
-vxnls: option --pattern wants a value: --pattern PATTERN
-vxnls: option --json takes no value
 vxnls: "vxnls locale show" takes no "de" behind LOCALE
 vxnls: --chunk-header goes with standard input, not with values
-= 2 2 2 2 2 2 2 2 2 2
+= 2 2 2 2 2 2 2
+$ # Refused, and nothing beside it: by usage, for a value, by the system.
+> sed 's/id,when/id,id/' orders > twice; try() { vxnls $1 < /dev/null > out 2> err; wc -l < err; cat out; }
+> for w in 'format date -x' 'format date --pattern' 'calendar --json=maybe' 'compare a' 'format number 1 --fixed' \
+>   'format number 1 --width 513' 'parse date 1 --pattern %Q' 'parse date 1 --pattern %d --as month' \
+>   'format date 0 --pattern %Y%#H' 'locale show ../de' 'locale list qqq' 'zone list tokio' 'recognise -c id twice' \
+>   'recognise -c id,1 orders' 'recognise --no-header -c when orders' 'recognise --separator ;; orders' \
+>   'normalise orders' 'normalise -c wen orders' 'calendar --from julian 2001366' 'format date today' \
+>   'format date 20261121' 'format date 4000-02-29' 'format time 2026-11-21' 'format time 10:00Z' \
+>   'format datetime 99999999999999999999999999' 'format datetime 1582-01-01T00:30+01' 'format datetime @x' \
+>   'parse integer 1.5' 'format number abc' 'transcode /no/file' 'normalise -c id --rejects /nowhere/r orders' \
+>   'recognise --html /dev/full orders'; do try "$w"; done | uniq -c
+     32 1
+= 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 1 1 1 1 1 1 1 1 1 1 1 3 3 3
 )~");
 }
 
@@ -456,7 +406,6 @@ $ export TERM=xterm; while read -r line; do script -qec "$line" /dev/null < /dev
 > vxnls --color always nonsense 2>&1 | cat
 > vxnls --color=never nonsense
 > NO_COLOR=1 vxnls --color always -h
-> CLICOLOR_FORCE=1 NO_COLOR= vxnls -h | cat
 > TERM=dumb vxnls -h
 > vxnls format date 0 -l de_US
 > vxnls parse date 03/04/2021 -l en_US --explain --color always | grep 2021-04
@@ -466,11 +415,10 @@ E[1;31mvxnls:E[0m "x": a date is 2026-11-2
 E[1;31mvxnls:E[0m "vxnls" has no command "
 vxnls: "vxnls" has no command "nonsense"
 E[1mUsage:E[0m vxnls COMMAND ...
-E[1mUsage:E[0m vxnls COMMAND ...
 Usage: vxnls COMMAND ...
 vxnls: E[1;36mnote:E[0m there is no locale
   E[33mambiguousE[0m  2021-04-03 by %d/%m/
-= 1 2 2 0 0 0 0 0
+= 1 2 2 0 0 0 0
 )~");
 }
 

