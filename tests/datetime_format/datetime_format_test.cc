@@ -1,6 +1,5 @@
 // Dates, times and datetimes written by patterns, names and zones of every kind. tests/datetime_parse has all patterns
-// of one and two directives.
-#include <array>
+// of one and two directives, and of three numbers with every character between them.
 #include <vector>
 
 #include "tests/datetime_format/writer.h"
@@ -47,28 +46,6 @@ class DatetimeFormat : public testing::Test, protected Writer {
   bool failing = false;
   std::vector<double> asked;
 };
-
-// Three numbers, and a date and a time, are written without a walk.
-TEST_F(DatetimeFormat, EveryCharacterBetweenThreeNumbers) {
-  const std::array<const char32_t*, 3> forms[] = {{U"%d", U"%m", U"%Y"},
-                                                  {U"%m", U"%d", U"%Y"},
-                                                  {U"%Y", U"%m", U"%d"},
-                                                  {U"%H", U"%M", U"%S"},
-                                                  {U"%d", U"%H", U"%M"}};
-  double value = -11928470400;
-  for (const auto& [first, second, third] : forms) {
-    for (char32_t c = 1; c < 0x180 && !HasFailure(); ++c) {
-      for (const char32_t other : {c, U'.', U'年'}) {
-        value += 80221021.5;  // up to the year 3008
-        const std::u32string three = first + (c + (second + (other + std::u32string(third))));
-        expect_everywhere(value, three);
-        expect_everywhere(value, three + c + U"%H:%M:%S");
-        expect_everywhere(value, U"%Y/%m/%d" + (other + three));
-        if (value > 33e9) value -= 44e9;
-      }
-    }
-  }
-}
 
 // Patterns of plain numbers have a road of their own, where they are short and there is room.
 TEST_F(DatetimeFormat, PlainNumbersOfEveryLengthWithAFaultAtEveryPlace) {

@@ -1,35 +1,36 @@
-// What each directive and literal of a pattern takes from a text, in both readers.
-#include <algorithm>
+// What the directives and literals of a pattern take from a text, in both readers: each number, every name, and every
+// pattern of one directive with every modifier and of two, written in both flavours as the model of the formatter says
+// and read in both.
+#include <unicode/utf8.h>
+
 #include <cstdlib>
+#include <random>
 #include <span>
 #include <vector>
 
+#include "tests/datetime_format/writer.h"
 #include "tests/datetime_parse/reading.h"
 
 namespace vxtest {
 
 namespace {
 
+using namespace std::chrono;
 using F = VXExplainFields;
 
-/// What a number of `width` positions takes, by cutting it out and looking at it as a whole; empty: it is none.
-std::string strict_model(const std::string& text, size_t width) {
-  const std::string field = text.substr(0, width);
-  const size_t first = std::min(field.find_first_not_of(' '), field.size());
-  const bool good = first < width && field.find_first_not_of("0123456789", first) == std::string::npos;
-  return good ? field : "";
-}
-
-/// What a number of at most `width` digits takes.
-std::string lenient_model(const std::string& text, size_t width) {
+/// What a number takes of a text: strictly so many positions, else at most so many digits; empty: it is none.
+std::string number_at_front(const std::string& text, size_t width, bool strictly) {
   const size_t first = std::min(text.find_first_not_of(' '), text.size());
   const size_t end = std::min(text.find_first_not_of("0123456789", first), text.size());
+  if (strictly) return first < width && end >= std::min(width, text.size()) ? text.substr(0, width) : "";
   return end == first || end - first > width ? "" : text.substr(0, end);
 }
 
+enum Readers { strict = 1, lenient, both };
+
 /// Directives of a number: width and range, where the value goes, and what becomes of it first.
 struct Number {
-  enum { strict = 1, lenient, both } readers;
+  Readers readers;
   const char* letters;
   size_t width;
   int32_t minimum, maximum;
@@ -41,70 +42,63 @@ struct Number {
 int32_t midnight_is_0(int32_t v) { return v % 24; }
 
 constexpr Number numbers[] = {
-    {Number::both, "mo", 2, 1, 12, &F::month},
-    {Number::both, "de", 2, 1, 31, &F::day},
-    {Number::both, "M", 2, 0, 59, &F::minute},
-    {Number::both, "S", 2, 0, 59, &F::second},
-    {Number::both, "s", 3, 0, 999, &F::milliseconds},
-    {Number::both, "u", 1, 1, 7},
-    {Number::both, "w", 1, 0, 6},
-    {Number::strict, "Yy", 4, 1582, 20000, &F::year},
-    {Number::strict, "H", 2, 0, 23, &F::hour},
-    {Number::strict, "I", 2, 1, 12, &F::hour, [](int32_t v) { return v % 12; }},
-    {Number::strict, "k", 2, 0, 23, &F::hour, midnight_is_0, 24},
-    {Number::strict, "l", 2, 0, 11, &F::hour},
-    {Number::lenient, "YyG", 4, 1582, 20000, &F::year,
-     [](int32_t v) { return v > 99 ? v : v + (v < 60 ? 2000 : 1900); }},
-    {Number::lenient, "HI", 2, 0, 23, &F::hour},  // the hour of %I stays as it is, kept on purpose: 12 is 12
-    {Number::lenient, "k", 2, 0, 24, &F::hour, midnight_is_0},
-    {Number::lenient, "l", 2, 0, 24, &F::hour, [](int32_t v) { return v % 24 == 0 ? 12 : v; }},
-    {Number::lenient, "U", 2, 0, 53, &F::week, [](int32_t v) { return 100 + v; }},
-    {Number::lenient, "V", 2, 0, 53, &F::week, [](int32_t v) { return 200 + v; }},
-    {Number::lenient, "W", 2, 0, 53, &F::week, [](int32_t v) { return 300 + v; }},
+    {both, "mo", 2, 1, 12, &F::month},
+    {both, "de", 2, 1, 31, &F::day},
+    {both, "M", 2, 0, 59, &F::minute},
+    {both, "S", 2, 0, 59, &F::second},
+    {both, "s", 3, 0, 999, &F::milliseconds},
+    {both, "u", 1, 1, 7},
+    {both, "w", 1, 0, 6},
+    {strict, "Yy", 4, 1582, 20000, &F::year},
+    {strict, "H", 2, 0, 23, &F::hour},
+    {strict, "I", 2, 1, 12, &F::hour, [](int32_t v) { return v % 12; }},
+    {strict, "k", 2, 0, 23, &F::hour, midnight_is_0, 24},
+    {strict, "l", 2, 0, 11, &F::hour},
+    {lenient, "YyG", 4, 1582, 20000, &F::year, [](int32_t v) { return v > 99 ? v : v + (v < 60 ? 2000 : 1900); }},
+    {lenient, "HI", 2, 0, 23, &F::hour},  // the hour of %I stays as it is, kept on purpose: 12 is 12
+    {lenient, "k", 2, 0, 24, &F::hour, midnight_is_0},
+    {lenient, "l", 2, 0, 24, &F::hour, [](int32_t v) { return v % 24 == 0 ? 12 : v; }},
+    {lenient, "U", 2, 0, 53, &F::week, [](int32_t v) { return 100 + v; }},
+    {lenient, "V", 2, 0, 53, &F::week, [](int32_t v) { return 200 + v; }},
+    {lenient, "W", 2, 0, 53, &F::week, [](int32_t v) { return 300 + v; }},
 };
 
-/// All texts of up to `most` of these characters.
-std::vector<std::string> all_texts(std::string_view characters, size_t most) {
-  std::vector<std::string> all = {""};
-  for (size_t i = 0; all[i].size() < most; ++i) {
-    for (const char c : characters) all.push_back(all[i] + c);
-  }
-  return all;
-}
-
-void expect_number(const Number& d, const std::string& directive, bool lenient, const std::vector<std::string>& texts) {
-  PlainLocale locale;
-  const bool hash = directive.find('#') != std::string::npos, year = lenient && d.width == 4;
-  const auto model = (lenient ? year && !hash : !hash || d.width == 1) ? strict_model : lenient_model;
-  for (const std::string& text : texts) {
-    // The letter in front keeps the walk from passing over the blanks, which are positions of the number.
-    const VXExplanation out = read_by(locale, U'x' + utf32(directive), U'x' + utf32(text), lenient);
-    std::string field = model(text, d.width);
-    const auto value = [&] { return std::atoi(field.c_str()); };
-    if (value() < d.minimum || value() > (hash ? d.maximum_under_hash : d.maximum)) field.clear();
-    if (field.empty() && year) field = model(text, 2);
-    ASSERT_EQ(out.status == 0, !field.empty()) << directive << " of " << text;
-    if (field.empty()) continue;
-    ASSERT_EQ(out.consumed, static_cast<int64_t>(1 + field.size())) << directive << " of " << text;
-    F fields{};
-    fields.offset = VX_NO_OFFSET;
-    if (d.field != nullptr) fields.*d.field = d.stored(value());
-    ASSERT_EQ(std::memcmp(&out.match.fields, &fields, sizeof fields), 0) << directive << " of " << text;
-  }
+void expect_number(const Number& d, const std::string& directive, bool leniently, const std::string& text) {
+  static PlainLocale locale;
+  const bool hash = directive.find('#') != std::string::npos, year = leniently && d.width == 4;
+  const bool strictly = leniently ? year && !hash : !hash || d.width == 1;
+  // The letter in front keeps the walk from passing over the blanks, which are positions of the number.
+  const VXExplanation out = read_by(locale, U'x' + utf32(directive), U'x' + utf32(text), leniently);
+  std::string field = number_at_front(text, d.width, strictly);
+  const auto value = [&] { return std::atoi(field.c_str()); };
+  if (value() < d.minimum || value() > (hash ? d.maximum_under_hash : d.maximum)) field.clear();
+  if (field.empty() && year) field = number_at_front(text, 2, strictly);
+  ASSERT_EQ(out.status == 0, !field.empty()) << directive << " of " << text;
+  if (field.empty()) return;
+  F fields{};
+  fields.offset = VX_NO_OFFSET;
+  if (d.field != nullptr) fields.*d.field = d.stored(value());
+  ASSERT_EQ(out.consumed, static_cast<int64_t>(1 + field.size())) << directive << " of " << text;
+  ASSERT_EQ(std::memcmp(&out.match.fields, &fields, sizeof fields), 0) << directive << " of " << text;
 }
 
 TEST(ParseDirectives, NumbersOverTheirRangesAndBeyond) {
+  std::vector<std::string> short_texts = {""};  // all of up to three of these characters
+  for (size_t i = 0; short_texts[i].size() < 3; ++i) {
+    for (const char c : {' ', '0', '1', '2', '3', '4', '5', '6', '7', '8', '9', '/'})
+      short_texts.push_back(short_texts[i] + c);
+  }
   for (const Number& number : numbers) {
-    std::vector<std::string> texts = all_texts(" 0123456789/", 3);
-    for (int32_t value = 0; number.width > 2 && value <= number.maximum + 1; ++value) {
+    std::vector<std::string> texts = short_texts;
+    for (int32_t value = 0; number.width > 2 && value <= number.maximum + 1; ++value)
       texts.push_back(std::to_string(value) + (value % 2 == 0 ? "/" : ""));
-    }
-    for (const char* letter = number.letters; *letter != 0; ++letter) {
-      for (const char* const modifiers : {"%", "%#", "%?", "%0", "%?0#"}) {
-        if ((number.readers & Number::strict) != 0)
-          expect_number(number, std::string(modifiers) + *letter, false, texts);
-        if ((number.readers & Number::lenient) != 0)
-          expect_number(number, std::string(modifiers) + *letter, true, texts);
+    for (const char letter : std::string_view(number.letters)) {
+      for (const std::string modifiers : {"%", "%#", "%?", "%0", "%?0#"}) {
+        for (const std::string& text : texts) {
+          if ((number.readers & strict) != 0) expect_number(number, modifiers + letter, false, text);
+          if ((number.readers & lenient) != 0) expect_number(number, modifiers + letter, true, text);
+          if (HasFatalFailure()) return;
+        }
       }
     }
   }
@@ -112,14 +106,15 @@ TEST(ParseDirectives, NumbersOverTheirRangesAndBeyond) {
 
 TEST(ParseDirectives, OtherLettersRefuse) {
   ZonedLocale locale;
-  const std::u32string strict = U"YymodeHIklMSsuwaAFBCbpzZ%", modifiers = U"#0?";
+  const std::u32string read_strictly = U"#0?YymodeHIklMSsuwaAFBCbpzZ%";
   for (char32_t letter = 1; letter < 400; ++letter) {
-    for (const auto& [letters, lenient] : {std::pair(strict, false), std::pair(strict + U"GfqQUVW", true)}) {
-      bool is_read = modifiers.find(letter) != modifiers.npos;
+    for (const auto& [letters, leniently] :
+         {std::pair(read_strictly, false), std::pair(read_strictly + U"GfqQUVW", true)}) {
+      bool is_read = letter < 128 && vxnls::is_modifier(letter);
       // Something that each known letter would take.
       for (const auto* const text : {U"2020", U"10", U"5", U"Monday", U"May", U"am", U"Q3", U"+02", U"Zone/East", U"%"})
-        is_read |= read_by(locale, std::u32string{U'%', letter}, text, lenient).status == 0;
-      EXPECT_EQ(is_read, (letters + modifiers).find(letter) != letters.npos) << static_cast<uint32_t>(letter);
+        is_read |= read_by(locale, std::u32string{U'%', letter}, text, leniently).status == 0;
+      EXPECT_EQ(is_read, letters.find(letter) != letters.npos) << static_cast<uint32_t>(letter);
     }
   }
 }
@@ -129,20 +124,255 @@ TEST(ParseDirectives, EveryName) {
   const VXLocaleData& data = locale.data;
   const struct {
     std::span<const NLSName> names;
-    std::u32string_view strict, lenient;
+    std::u32string_view strictly, leniently;
     int32_t F::*field;
   } lists[] = {{data.dayNames, U"aAF", U"aAFf", nullptr},    {data.altDayNames, U"", U"aAFf", nullptr},
                {data.monthNames, U"BC", U"BCb", &F::month},  {data.altMonthNames, U"b", U"BCb", &F::month},
                {data.quarterNames, U"", U"qQ", &F::quarter}, {{&data.amMarker, 2}, U"p", U"p", &F::marker}};
-  for (const auto& [names, strict, lenient, field] : lists) {
+  for (const auto& [names, strictly, leniently, field] : lists) {
     for (const NLSName& name : names) {
       const std::u32string text(name.text, name.text + name.length);
-      for (size_t i = 0; i < strict.size() + lenient.size(); ++i) {
-        const char32_t letter = i < strict.size() ? strict[i] : lenient[i - strict.size()];
-        const VXExplanation out = read_by(locale, std::u32string{U'%', letter}, text, i >= strict.size());
-        EXPECT_TRUE(out.status == 0 && out.consumed == name.length) << utf8(text);
-        EXPECT_TRUE(field == nullptr || out.match.fields.*field == &name - names.data() + 1) << utf8(text);
+      for (const auto& [letters, is_lenient] : {std::pair(strictly, false), std::pair(leniently, true)}) {
+        for (const char32_t letter : letters) {
+          const VXExplanation out = read_by(locale, std::u32string{U'%', letter}, text, is_lenient);
+          EXPECT_TRUE(out.status == 0 && out.consumed == name.length) << utf8(text);
+          EXPECT_TRUE(field == nullptr || out.match.fields.*field == &name - names.data() + 1) << utf8(text);
+        }
       }
+    }
+  }
+}
+
+struct Moment {
+  int32_t year, month, day, hour, minute, second;
+};
+// Every field with one digit and with two, and the hours that the dial turns into others.
+constexpr Moment moments[] = {{2005, 3, 5, 0, 4, 6},
+                              {1999, 11, 25, 13, 45, 56},
+                              {2024, 2, 12, 12, 30, 9},
+                              {1582, 12, 31, 23, 59, 59},
+                              {3999, 10, 10, 9, 10, 10}};
+
+struct Item {
+  char32_t letter, modifier;
+
+  bool is(std::string_view letters) const {
+    return letter < 0x80 && letters.find(static_cast<char>(letter)) != std::string_view::npos;
+  }
+};
+
+using Items = std::vector<Item>;
+
+std::u32string pattern_of(const Items& items, const std::u32string& separator) {
+  std::u32string all;
+  for (const auto& [letter, modifier] : items) {
+    all += (all.empty() ? U"%" : separator + U'%') + std::u32string(modifier != 0, modifier) + letter;
+  }
+  return all;
+}
+
+/// The rule: whether what directives write of a moment, behind others that show the whole of it, is read as that
+/// moment, whichever that is.
+bool comes_back(const Items& items, const std::u32string& separator) {
+  enum { known, on_dial, beyond } hour = known;
+  bool midnight_is_24 = false;
+  for (size_t i = 0; i < items.size(); ++i) {
+    const Item& item = items[i];
+    const bool last = i + 1 == items.size(), hash = item.modifier == '#';
+    // The letters that mean the same to the formatter and to the strict reader. They do not agree on the list of names
+    // (%a, %?A, %?B, %#b), on minute and month (%#m, %?M), second and millisecond (%s); the reader does not take what
+    // the formatter makes of the year 2005 (%#Y), of midnight (%k) and of noon (%l). The modifier 0 is the reader's
+    // alone.
+    const char* const letters = item.modifier == '0'   ? ""
+                                : hash                 ? "odeHIMSkBCAaFuwpZ%"
+                                : item.modifier == '?' ? "YymodeHISbCFuwpz%"
+                                                       : "YymodeHIMSBbCAFuwpzZ%";
+    // A month in place of the minute does no harm where the minute follows.
+    const bool made_good = !last && item.is("M") && items[i + 1].is("M") && items[i + 1].modifier != '?';
+    if (!item.is(letters) && !made_good) return false;
+    // A number of any width ends at what is no digit.
+    if (item.is("odeHIMSk") && hash && !last && separator.empty() && items[i + 1].is("YymodeHIMSkuw")) return false;
+    // The name of a zone ends with the text or with a blank, which it takes.
+    if (item.is("Z") && !last) return false;
+    // Behind %k the formatter takes midnight for 24, and so for an hour past noon.
+    if (midnight_is_24 && item.is("Hp")) return false;
+    midnight_is_24 = midnight_is_24 || item.is("k");
+    // PM is twelve hours more than what has been read, and an hour takes the place of what has been read.
+    if (item.is("I")) hour = on_dial;
+    if (item.is("Hk")) hour = known;
+    if (item.is("p")) hour = hour == on_dial ? known : beyond;
+  }
+  return hour == known;
+}
+
+class EveryPattern : public testing::Test {
+ protected:
+  EveryPattern() { locale_.use(zone); }
+
+  /// Whether all that a pattern writes of each moment is read, and as that moment.
+  bool bring_back(const Items& items, const std::u32string& separator) {
+    bool came_back = true;
+    for (const auto& [y, month, d, hour, minute, second] : moments) {
+      const auto days = (sys_days{year{y} / month / d} - sys_days{year{1960} / 1 / 1}).count();
+      const auto value = static_cast<double>(((days * 24 + hour) * 60 + minute) * 60 + second);
+      const auto written = writer_.expect_everywhere(value, pattern_of(items, separator));
+      if (!written || HasFatalFailure()) return false;  // nor of any other moment
+      VXExplanation out;
+      read(VX_EXPLAIN_DATE, locale_.get(), *written, 1);
+      read(VX_EXPLAIN_DATETIME, locale_.get(), *written, 0);
+      read(VX_EXPLAIN_TIME, locale_.get(), *written, 1, &out);
+      const auto has = [&](char32_t letter) { return std::ranges::count(items, letter, &Item::letter) != 0; };
+      const F shown = {
+          y, month, d,       hour, minute, second, 0, has('z') ? offset : VX_NO_OFFSET, has('p') ? 1 + hour / 12 : 0,
+          0, 0,     has('Z')};
+      came_back = came_back && out.status == 0 && out.consumed == static_cast<int64_t>(written->size()) &&
+                  std::memcmp(&out.match.fields, &shown, sizeof shown) == 0;
+    }
+    return came_back;
+  }
+
+  /// By themselves, and behind directives that show the whole moment.
+  void expect_bare_and_framed(const Items& items, const std::u32string& separator) {
+    bring_back(items, separator);
+    Items framed = {{'Y', 0}, {'m', 0}, {'d', 0}, {'H', 0}, {'M', 0}, {'S', 0}};
+    framed.insert(framed.end(), items.begin(), items.end());
+    const bool came_back = bring_back(framed, separator);
+    EXPECT_EQ(came_back, comes_back(items, separator)) << utf8(pattern_of(framed, separator));
+    brought_back_ += came_back;
+  }
+
+  static constexpr const char32_t* zone = U"Zone/West";
+  static constexpr int32_t offset = -19800;
+  ZonedLocale locale_;
+  Writer writer_{locale_, zone, offset, 2};
+  int brought_back_ = 0;
+};
+
+TEST_F(EveryPattern, OfOneDirective) {
+  for (char32_t letter = 1; letter < 0x250 && !HasFailure(); ++letter) {
+    for (const char32_t modifier : {U'\0', U'?', U'#', U'0'}) expect_bare_and_framed({{letter, modifier}}, U"/");
+  }
+}
+
+TEST_F(EveryPattern, OfTwoDirectives) {
+  Items all = {{U'%', 0}};
+  for (char32_t letter = U'A'; letter <= U'Z'; ++letter) {
+    for (const char32_t modifier : {U'\0', U'?', U'#'}) {
+      all.push_back({letter, modifier});
+      all.push_back({letter + 32, modifier});
+    }
+  }
+  for (const Item& first : all) {
+    for (const Item& second : all) {
+      for (const char32_t* separator : {U"", U"-", U" "}) expect_bare_and_framed({first, second}, separator);
+    }
+    if (HasFailure()) return;
+  }
+  EXPECT_GT(brought_back_, 6500);
+}
+
+// Patterns of three numbers, and of a date and a time, are written and read without a walk. What stands between the
+// numbers may be any character: letters in either case, digits, blanks, "%", none of ASCII.
+TEST(ParseSweeps, EveryCharacterBetweenThreeNumbers) {
+  const std::u32string forms[][6] = {{U"%d", U"%m", U"%Y", U"07", U"03", U"2024"},
+                                     {U"%m", U"%d", U"%Y", U"12", U"31", U"1999"},
+                                     {U"%Y", U"%m", U"%d", U"2024", U"02", U"29"},
+                                     {U"%H", U"%M", U"%S", U"23", U"59", U"08"},
+                                     {U"%d", U"%H", U"%M", U"31", U"23", U"59"}};
+  ZonedLocale locale;
+  Writer writer{locale};
+  int found = 0;
+  double value = -11928470400;
+  const auto read_all = [&](std::u32string_view text) {
+    for (const uint32_t kind : {0u, 1u, 2u, 4u, 5u, 3u}) {
+      for (const uint32_t what : {1u, 2u, 3u}) found += read(what, locale.get(), text, kind).consumed >= 0;
+    }
+  };
+  for (const auto& [d1, d2, d3, n1, n2, n3] : forms) {
+    for (char32_t c = 0; c < 0x180 && !HasFailure(); ++c) {
+      for (const char32_t other : std::u32string{c, U'.', c ^ 0x20, c + 0x100, U'年'}) {
+        const std::u32string pattern = d1 + c + d2 + other + d3;
+        value += value > 33e9 ? -44e9 : 80221021.5;
+        writer.expect_everywhere(value, pattern + c + U"%H:%M:%S");
+        writer.expect_everywhere(value, U"%Y/%m/%d" + (other + pattern));
+        writer.expect_everywhere(value, pattern);
+        for (const char32_t stands : {c, other}) read_all(n1 + c + n2 + stands + n3);
+        read_all(n1 + c + n2 + other + n3 + U'7');
+      }
+    }
+  }
+  EXPECT_GT(found, 20000);
+}
+
+// The steps that need no thought, at every length, with a fault at every place.
+TEST(ParseSweeps, PlainStepsOfEveryLength) {
+  std::mt19937 random(60);
+  ZonedLocale locale;
+  // The last are as far below the digits as a sum of 32 bits goes round to.
+  constexpr std::u32string_view faults = U"09xt /:%é\x80\xFFFF\xFFFFFFD1\xFFFFFFD9";
+  std::u32string years;
+  for (int i = 0; i < 15; ++i) years += U"%Y%d";
+  for (const auto& [pattern, front] :
+       {std::pair<std::u32string, std::u32string>{U"%Y-%m-%d %H:%M:%S", U"2021-03-04 10:30:15"},
+        {U"%Y%m%d%H%M%S", U"20210304103015"},
+        {U"%m年%d日 %Y (%H)", U"03年04日 2021 (10)"},
+        {years, U""}}) {
+    std::u32string whole = front;
+    while (whole.size() < 300) whole += front.empty() ? U"202104" : U"09 /";
+    for (size_t length = 0; length <= 300; ++length) {
+      for (size_t place = 0; place <= length && !HasFailure(); ++place) {
+        std::u32string text = whole.substr(0, length);
+        if (place < length) text[place] = faults[random() % faults.size()];
+        for (const bool leniently : {false, true}) read_by(locale, pattern, text, leniently);
+      }
+    }
+  }
+}
+
+// All strings of bytes: what ICU takes for a character is one, of the same length, and nothing else.
+TEST(ParseSweeps, CharactersAreThoseOfIcu) {
+  GuardedBuffer<uint8_t> buffer(8);
+  for (int n = 1; n <= (std::getenv("VXNLS_LONG_TESTS") != nullptr ? 4 : 3); ++n) {
+    uint8_t* const text = buffer.at(static_cast<size_t>(n));
+    for (uint64_t number = 0; number < uint64_t{1} << 8 * n; ++number) {
+      for (int i = 0; i < n; ++i) text[i] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));
+      int i = 0;
+      UChar32 c;
+      U8_NEXT(text, i, n, c);
+      const vxnls::Character here = vxnls::character_at(vxnls::Input<vxnls::Utf8Text>{text, n});
+      ASSERT_EQ(here.units, c < 0 ? 0 : i) << std::hex << number;
+      ASSERT_TRUE(c < 0 || here.code_point == static_cast<VXChar>(c)) << std::hex << number;
+    }
+  }
+}
+
+// A byte that cannot stand in its place, anywhere in what is read, is a refusal that is told; and so is a text cut
+// inside a character, and what would be taken for U+FFFD.
+TEST(ParseSweeps, BrokenUtf8IsRefused) {
+  ZonedLocale locale;
+  set_name(locale.data.monthNames[2], U"Mä\uFFFD\U0001F5D3z");
+  set_name(locale.data.monthYearPattern1, U"%B é\uFFFD\U0001F5D3%Y");
+  const std::string whole = utf8(U"Mä\uFFFD\U0001F5D3z é\uFFFD\U0001F5D32021");
+  GuardedBuffer<uint8_t> memory(256);
+  const auto is_read = [&](const std::string& text) {
+    const auto* const at = memory.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size());
+    const auto length = static_cast<int64_t>(text.size());
+    uint32_t m = 0, d = 0, y = 0;
+    int64_t consumed = 0;
+    VXExplanation out;
+    out.size = sizeof out;
+    EXPECT_EQ(vxnlsExplain(locale.get(), VX_EXPLAIN_DATE, 16, at, length, &out), 0u);
+    EXPECT_EQ(NLSBufToDateU(locale.get(), at, length, 16, &m, &d, &y, &consumed), out.status);
+    return out.status == 0;
+  };
+  ASSERT_TRUE(is_read(whole));
+  for (size_t i = 0; i < whole.size(); ++i) {
+    EXPECT_TRUE(i >= whole.size() - 4 || !is_read(whole.substr(0, i))) << "cut at " << i;
+    // Put in, and put instead of U+FFFD.
+    for (int byte = 0x80; byte < 0x100; ++byte) {
+      EXPECT_FALSE(is_read(std::string(whole).insert(i, 1, static_cast<char>(byte)))) << byte << " at " << i;
+      if (byte < 0xF8) continue;
+      EXPECT_FALSE(is_read(std::string(whole).replace(i, 3, 1, static_cast<char>(byte)))) << byte << " at " << i;
     }
   }
 }
