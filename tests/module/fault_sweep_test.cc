@@ -8,6 +8,7 @@
 #include <functional>
 #include <iostream>
 #include <numeric>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -17,7 +18,6 @@
 
 namespace {
 
-using vxtest::Calls;
 using vxtest::FailingHost;
 using vxtest::Fault;
 using vxtest::Holdings;
@@ -29,6 +29,8 @@ constexpr VXStatus statuses[] = {VX_E_MEMORY,    VX_E_DIGITS,   VX_E_DIRECTIVE, 
                                  VX_E_NOTNUMBER, VX_E_OVERFLOW, VX_E_UNDERFLOW, VX_E_INCOMPLETE, VX_E_WIDTH,
                                  VX_W_PRECISION, VX_E_KIND,     VX_E_LENGTH,    VX_W_SUBSTITUTE, VX_E_NULL,
                                  VX_E_MISSCHAR,  VX_E_ZONE,     VX_E_GROUPING,  VX_E_SPLIT,      undocumented};
+
+const std::string stray_release = "released but not held: creation\n";
 
 /// What came of a call: whether it was done, and its status or its answer.
 using Outcome = std::pair<bool, int64_t>;
@@ -63,12 +65,13 @@ const Rules known_creation = [] {
   return rules;
 }();
 
-bool any_matches(const char* pattern, const Calls& calls) {
+bool any_matches(const char* pattern, const std::vector<std::string>& calls) {
   return std::any_of(calls.begin(), calls.end(),
                      [&](const std::string& call) { return fnmatch(pattern, call.c_str(), FNM_EXTMATCH) == 0; });
 }
 
-Outcome documented(const Rules& rules, const Outcome& undisturbed, const Calls& failures, VXStatus fault) {
+Outcome documented(const Rules& rules, const Outcome& undisturbed, const std::vector<std::string>& failures,
+                   VXStatus fault) {
   for (const auto& [calls, outcome, except] : rules) {
     if (std::count(except.begin(), except.end(), fault) != 0 || !any_matches(calls, failures)) continue;
     const bool is_told =
@@ -274,7 +277,7 @@ TEST(FaultSweep, EveryCallOfEveryScenario) {
       host.fail_call(k, fault);
       const Outcome outcome = scenario.act(stage);
       host.fail_call(0);
-      const Calls failures = host.failures;
+      const auto failures = host.failures;
       SCOPED_TRACE(testing::PrintToString(failures));
       for (std::string call : failures) seen.insert((std::istringstream(call) >> call, call));
       EXPECT_EQ(outcome, documented(scenario.rules, scenario.undisturbed, failures, fault.status));
@@ -286,7 +289,7 @@ TEST(FaultSweep, EveryCallOfEveryScenario) {
       const bool refused_option = !outcome.first && is_creation && failures[0].starts_with("normalise_zone");
       host.close();
       EXPECT_EQ(host.holdings(), Holdings{});
-      EXPECT_EQ(host.complaints, refused_option ? Calls{"released but not held: creation"} : Calls{});
+      EXPECT_EQ(host.complaints, refused_option ? stray_release : "");
       return !failures.empty();
     });
     if (HasFailure()) return;
@@ -324,7 +327,7 @@ TEST(FaultSweep, TwoLocalesAtOnce) {
     for (const auto name : {U"en_CA", U"en_GB"}) EXPECT_EQ(create(stage.host, name, U"UTC", true), done);
     stage.host.close();
     EXPECT_EQ(stage.host.holdings(), Holdings{});
-    for (const std::string& complaint : stage.host.complaints) EXPECT_EQ(complaint, "released but not held: creation");
+    EXPECT_EQ(std::regex_replace(stage.host.complaints, std::regex(stray_release), ""), "");
     return !stage.host.failures.empty();
   });
   std::cout << injected << " faults\n";

@@ -37,7 +37,7 @@ auto* made(Host& host, const auto& ops, const char* name) {
 
 void complain(Host& host, std::string_view what, const void* object) {
   const std::lock_guard lock(host.books);
-  host.complaints.push_back(std::string(what) + ' ' + host.things[object].name);
+  host.complaints.append(what).append(host.things[object].name).append("\n");
 }
 
 /// The object for the last time, and all that lies in it; null, with a complaint, when the library does not hold it.
@@ -45,7 +45,7 @@ std::shared_ptr<void> given_back(Host& host, const void* object) {
   const std::unique_lock lock(host.books);
   const auto node = host.things.extract(object);
   std::erase_if(host.things, [&](const auto& thing) { return thing.second.owner == object; });
-  if (node.empty()) host.complaints.emplace_back("given back but not held");
+  if (node.empty()) host.complaints += "given back but not held\n";
   return node.empty() ? nullptr : node.mapped().object;
 }
 
@@ -106,7 +106,7 @@ VXStatus fault_of(Host& host, const char* operation, Arguments... arguments) {
   Line line{host, {}};
   line.out << std::string(locks_held, ' ') << operation;
   line.tell(arguments...);
-  if (host.traced != nullptr) host.traced->push_back(line.out.str());
+  if (host.traced != nullptr) *host.traced += line.out.str() + '\n';
   if (fails) host.failures.push_back(line.out.str());
   return fails ? host.fault.status : 0;
 }
@@ -188,17 +188,17 @@ std::thread::id holder_of(const VXLock* lock) { return static_cast<const own::Lo
 
 constexpr VXLockOps lock_ops = {
     operation<"acquire">([](Host& host, VXLock* lock, auto...) -> VXStatus {
-      if (holder_of(lock) == std::this_thread::get_id()) return complain(host, "taken twice:", lock), VX_E_RANGE;
+      if (holder_of(lock) == std::this_thread::get_id()) return complain(host, "taken twice: ", lock), VX_E_RANGE;
       ++locks_held;
       return own::Lock::acquire(lock, 1, 1);
     }),
     operation<"release_lock">([](Host& host, VXLock* lock) {
-      if (holder_of(lock) != std::this_thread::get_id()) return complain(host, "released but not held:", lock);
+      if (holder_of(lock) != std::this_thread::get_id()) return complain(host, "released but not held: ", lock);
       --locks_held;
       own::Lock::release(lock);
     }),
     operation<"destroy_lock">([](Host& host, VXLock* lock) {
-      if (holder_of(lock) != std::thread::id()) complain(host, "destroyed while it is held:", lock);
+      if (holder_of(lock) != std::thread::id()) complain(host, "destroyed while it is held: ", lock);
       given_back(host, lock);
     }),
 };

@@ -15,10 +15,9 @@
 
 namespace vxtest {
 
-/// Calls, one a line: the operation behind as many blanks as its thread holds locks, and its arguments, objects by
-/// their names, structures by their bytes that are not zero ("@0=1"), unsigned numbers in hexadecimal: "allocate pool
-/// 24 0".
-using Calls = std::vector<std::string>;
+/// Calls are told one a line: the operation behind as many blanks as its thread holds locks, and its arguments, objects
+/// by their names, structures by their bytes that are not zero ("@0=1"), unsigned numbers in hexadecimal: "allocate
+/// pool 24 0\n".
 
 /// What the library holds of the host, by name: {"block 24", 1}. Extensions in the host's caches are not counted.
 using Holdings = std::map<std::string, int64_t>;
@@ -46,8 +45,8 @@ class FailingHost {
   Holdings holdings();
   /// The calls that `work` makes.
   template <class Work>
-  Calls trace(Work work) {
-    Calls calls;
+  std::string trace(Work work) {
+    std::string calls;
     traced = &calls, work(), traced = nullptr;
     return calls;
   }
@@ -76,8 +75,8 @@ class FailingHost {
   std::optional<const VXLocaleRecord*> record;  // in place of the name asked for
   std::optional<int64_t> claimed_zone_length;   // by normalise_zone, os_zone and describe, whatever the text is
 
-  Calls failures;    // the calls that failed since fail_call
-  Calls complaints;  // things given back but not held, locks taken twice or destroyed while they are held
+  std::vector<std::string> failures;  // the calls that failed since fail_call
+  std::string complaints;  // lines: things given back but not held, locks taken twice or destroyed while they are held
 
   // For the operations.
   struct Thing {
@@ -89,7 +88,7 @@ class FailingHost {
   std::map<const void*, Thing> things;
   int64_t references = 0, calls_since = 0, first_failing = 0;
   Fault fault;
-  Calls* traced = nullptr;
+  std::string* traced = nullptr;
 
  private:
   VXLoggerService loggers{};
