@@ -139,7 +139,7 @@ TEST_F(Host, JournalsMessagesAndStatuses) {
 }
 
 // There is a text for each status, and for no other number.
-TEST_F(Host, TellsStatusesAndStopsWhenItIsTold) {
+TEST_F(Host, TellsStatuses) {
   std::set<std::string> texts;
   char text[200];
   for (VXStatus status = VX_E_MEMORY; status != VX_E_MEMORY + 0x3000; ++status) {
@@ -149,15 +149,6 @@ TEST_F(Host, TellsStatusesAndStopsWhenItIsTold) {
   EXPECT_EQ(texts.size(), 24u) << "with that of all others";
   EXPECT_EQ(vxhostStatusText(host, VX_E_ZONE, text, 11), VX_E_TRUNCATED);
   EXPECT_STREQ(text, "0x803fe83c");
-  for (const size_t room : {10, 11})
-    EXPECT_EQ(vxhostResolveLocale(host, "zh_TW", text, room), room < 11 ? VX_E_ROOM : 0);
-  EXPECT_STREQ(text, "zh_Hant_TW");
-  static constexpr auto first = [](void* seen, const char*) { return ++*static_cast<int*>(seen); };
-  static constexpr auto fallback = [](void* seen, const char*, const char*, const char*) { return first(seen, ""); };
-  int seen = 0;
-  for (const auto walk : {vxhostForEachZone, vxhostForEachLocale}) walk(host, first, &seen);
-  EXPECT_EQ(vxhostForEachFallback(host, "vi_XX", fallback, &seen), VX_W_SUBSTITUTE);
-  EXPECT_EQ(seen, 3);
 }
 
 // Several hosts share the library's one kernel handle, and nothing else; the first may close first.
@@ -242,14 +233,11 @@ TEST_F(Host, EveryLocaleIsCreatedOnceAndServes32Threads) {
       EXPECT_EQ(set_zone(own, zones[i % std::size(zones)]), 0u);
       EXPECT_EQ(written(own), found[t][n].second);
       EXPECT_EQ(vxhostLocale(host, "de_DE", "Nowhere", 0, &own), VX_E_ZONE);
-      EXPECT_EQ(vxnlsisalpha(static_cast<VXChar>(0x400 + i % 40)), 1);
       uint8_t word[] = "\u00C9t\u00C9";
       vxzsu8Lower(word, sizeof word - 1);
       EXPECT_EQ(vxzsu8ICUNormCompare(word, 5, word, 5, 0, nullptr), 0);
       VXHostZoneInfo info;
       EXPECT_EQ(vxhostZoneInfo(host, zones[i % std::size(zones)], VX_ZONE_FROM_UTC, 1e9, &info), 0u);
-      EXPECT_EQ(vxhostSetOption(host, "VX_NAME_YEARCUTOFF", 1950), 0u);
-      EXPECT_EQ(vxfmtzjulymd(60, 1, 1), vxfmtzjulymd(1960, 1, 1));
       if (i % 256 == 0) vxhostClose(open());
     }
   };

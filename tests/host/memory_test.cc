@@ -16,8 +16,7 @@ bool is_in(const VXLocale* locale, std::string_view zone) {
   VXChar name[50];
   int64_t length = std::size(name);
   int32_t offset = 0;
-  VXZoneService* const zones = locale->host->zones;
-  zones->ops->describe(zones, locale->timeZone, VX_ZONE_FROM_UTC, 0, name, &length, &offset);
+  locale->host->zones->ops->describe(locale->host->zones, locale->timeZone, 0, 0, name, &length, &offset);
   return std::equal(name, name + length, zone.begin(), zone.end());
 }
 

@@ -1,7 +1,6 @@
 // The host's classes, each alone: which names they take, which files they follow, what they refuse and what they count.
 // Case, classes and normalisation of every character as the library gives them are held against ICU and the
 // consortium's files by tests/utf8/host_case_test.cc.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/auxv.h>
 #include <unicode/locid.h>
@@ -64,7 +63,6 @@ TEST_F(Objects, LocksNestAndCountReleasesByStrangers) {
   lock->ops->release(lock);
   EXPECT_EQ(vxhost::stray_releases(), strays + 2);
   EXPECT_EQ(lock->ops->destroy(lock), VX_E_RANGE);  // it is still held
-  EXPECT_EQ(vxhost::alive(), before + 1);
   lock->ops->release(lock);
   EXPECT_EQ(lock->ops->destroy(lock), 0u);
 }
@@ -93,9 +91,8 @@ TEST_F(Objects, TracksCompareKeysAndCountReferences) {
 
 // What a call sets, what the environment presets once, and what stays untouched.
 TEST_F(Objects, Options) {
-  static constexpr std::pair<const char*, int64_t> presets[] = {
-      {"-1920", -1920}, {"", 7}, {"19x0", 7}, {" 1920", 7}, {"99999999999999999999", 7}};
-  for (const auto& [preset, wanted] : presets) {
+  for (const auto& [preset, wanted] :
+       {std::pair("-1920", -1920), {"", 7}, {"19x0", 7}, {" 1920", 7}, {"1e3", 7}, {"99999999999999999999", 7}}) {
     vxhost::OptionService service;
     const auto read = [&](const std::string& name) {
       const std::vector<VXChar> wide(name.begin(), name.end());
@@ -105,8 +102,7 @@ TEST_F(Objects, Options) {
     };
     for (const char* const name : {"VX_A", "HOST_A", "VX_a"}) setenv(name, preset, 1);
     EXPECT_EQ(read("VX_A"), wanted) << preset;
-    for (const std::string& none : {std::string(), std::string("HOST_A"), std::string("VX_a"), std::string(65, 'A')})
-      EXPECT_TRUE(!service.set(none, 1) && read(none) == 7) << none;
+    for (const std::string none : {"", "HOST_A", "VX_a"}) EXPECT_TRUE(!service.set(none, 1) && read(none) == 7) << none;
     setenv("VX_A", "2", 1);
     EXPECT_EQ(read("VX_A"), wanted) << preset;
     EXPECT_TRUE(service.set("VX_A", 3) && read("VX_A") == 3);
@@ -137,42 +133,33 @@ TEST_F(Objects, ClassBitsOfEveryCodePoint) {
   loaded->ops->destroy(loaded);
 }
 
-TEST_F(Objects, NormalisersCompareAndRefuse) {
+TEST_F(Objects, NormalisersRefuse) {
   vxhost::Normaliser normaliser;
   static constexpr struct {
-    std::string_view a, b;
-    uint32_t options;
-    int32_t order;
+    std::string_view text;
+    uint32_t options, room;
     VXStatus status;
-  } cases[] = {
-      {"\u1E9E\uFB01", "ssfi", 0, 1, 0},
-      {"\u1E9E\uFB01", "ssfi", 1, 0, 0},   // each folds to two letters
-      {"\uFFFD", "\U00010000", 0, -1, 0},  // by code points, not by code units
-      {"a", "b", 2, 0, VX_E_KIND},
-      {{nullptr, 1}, "", 0, 0, VX_E_NULL},
-      {{"a", SIZE_MAX}, "", 0, 0, VX_E_LENGTH},
-      {{"a", size_t{1} << 31}, "", 0, 0, VX_E_RANGE},
-      {"\xED\xA0\x80", "", 0, 0, VX_E_SEQUENCE},
-  };
+  } cases[] = {{"\u00E9", 1, 3, 0},
+               {"\u00E9", 1, 2, VX_E_ROOM},
+               {"a", 4, 3, VX_E_KIND},
+               {{nullptr, 1}, 1, 3, VX_E_NULL},
+               {{"a", SIZE_MAX}, 1, 3, VX_E_LENGTH},
+               {{"a", size_t{1} << 31}, 1, 3, VX_E_RANGE},
+               {"\xED\xA0\x80", 1, 3, VX_E_SEQUENCE}};
   for (const auto& c : cases) {
-    const auto compare = [&](std::string_view a, std::string_view b, int32_t order) {
-      VXStatus status = 77;
-      EXPECT_EQ(normaliser.ops->compare(&normaliser, reinterpret_cast<const uint8_t*>(a.data()),
-                                        static_cast<int64_t>(a.size()), reinterpret_cast<const uint8_t*>(b.data()),
-                                        static_cast<int64_t>(b.size()), c.options, &status),
-                order);
-      EXPECT_EQ(status, c.status);
-    };
-    compare(c.a, c.b, c.order), compare(c.b, c.a, -c.order);
-  }
-  uint8_t out[3] = {1};
-  int64_t needed = -1;
-  for (const uint64_t room : {2u, 3u}) {
-    EXPECT_EQ(
-        normaliser.ops->normalise(&normaliser, reinterpret_cast<const uint8_t*>("\u00E9"), 2, 1,
-                                  reinterpret_cast<uint64_t>(out), room, reinterpret_cast<uint64_t>(&needed), nullptr),
-        room < 3 ? VX_E_ROOM : 0);
-    EXPECT_TRUE(needed == 3 && out[0] == (room < 3 ? 1 : 'e'));
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(c.text.data());
+    const auto size = static_cast<int64_t>(c.text.size());
+    uint8_t out[3] = {1};
+    int64_t needed = -1;
+    VXStatus status = 77;
+    EXPECT_EQ(normaliser.ops->normalise(&normaliser, bytes, size, c.options, reinterpret_cast<uint64_t>(out), c.room,
+                                        reinterpret_cast<uint64_t>(&needed), nullptr),
+              c.status);
+    EXPECT_EQ(out[0], c.status == 0 ? 'e' : 1) << "nothing is written";
+    EXPECT_TRUE(needed == 3 || c.text != "\u00E9");
+    if (c.room < 3) continue;
+    const int32_t order = normaliser.ops->compare(&normaliser, bytes, size, nullptr, 0, c.options & 4, &status);
+    EXPECT_TRUE(status == c.status && order == (c.status == 0 ? 1 : 0)) << status;
   }
 }
 
@@ -183,16 +170,6 @@ std::string refusal(vxhost::ExtensionLoader& loader, std::string_view name) {
   EXPECT_EQ(extension == nullptr, !why.empty());
   if (extension != nullptr) extension->ops->destroy(extension);
   return why;
-}
-
-TEST_F(Objects, InstancesOutliveTheLoader) {
-  std::string why;
-  auto loader = std::make_unique<vxhost::ExtensionLoader>(libraries, vxhost::SearchPath{"", false});
-  VXExtension* const one = loader->load("vxemsg", nullptr, why);
-  VXExtension* const two = loader->load("vxemsg", nullptr, why);
-  ASSERT_TRUE(one != nullptr && two != nullptr && one != two) << why;
-  loader.reset();
-  for (VXExtension* const extension : {one, two}) EXPECT_EQ(extension->ops->destroy(extension), 0u);
 }
 
 TEST(Loader, RefusesNamesFilesAndFolders) {
@@ -231,65 +208,47 @@ TEST(Loader, RefusesNamesFilesAndFolders) {
   }
 }
 
-TEST(Loader, AHostLoadedByARelativeNameKnowsItsFolder) {
-  const fs::path before = fs::current_path();
-  fs::current_path(libraries);
-  void* const library = dlopen("./libvxhost.so", RTLD_NOW | RTLD_LOCAL);
-  fs::current_path("/");
-  ASSERT_NE(library, nullptr) << dlerror();
-  VXHost* host = nullptr;
-  EXPECT_EQ(reinterpret_cast<decltype(&vxhostOpen)>(dlsym(library, "vxhostOpen"))(nullptr, &host), 0u);
-  reinterpret_cast<decltype(&vxhostClose)>(dlsym(library, "vxhostClose"))(host);
-  fs::current_path(before);
-}
-
-/// With rights of its own, and every folder of the environment set.
-void expect_no_folder_of_the_caller() {
-  const vxhost::SearchPath path = vxhost::SearchPath::of_environment();
-  EXPECT_TRUE(!path.folders.empty() && path.privileged);
-  EXPECT_EQ(vxhost::ZoneTable::system_folder(), "/usr/share/zoneinfo");
-  VXHost* host = nullptr;
-  ASSERT_EQ(vxhostOpen(libraries.c_str(), &host), 0u) << vxhostOpenFailure();
-  VXLocale* german = nullptr;
-  ASSERT_EQ(vxhostLocale(host, "de_DE", "Europe/Berlin", 0, &german), 0u);
-  uint8_t text[60];
-  int64_t length = 0;
-  EXPECT_EQ(german->ops.NLSDateFormatU(german, 11, 21, 2026, 2, text, sizeof text, &length), 0u);
-  EXPECT_EQ(std::string(text, text + length), "21. November 2026");
-  vxhostClose(host);
-}
-
-// A copy of this program that has another group's rights runs this test again; where ICU's own data lies, and the
-// zones, is rubbish.
+// A copy of this program that has another group's rights runs this test again; every folder of the environment is set,
+// and where ICU's own data lies, and the zones, is rubbish.
 TEST(PrivilegedProcess, TakesNoFolderOfItsCaller) {
-  if (getauxval(AT_SECURE) != 0) return expect_no_folder_of_the_caller();
-  if (std::getenv("VXHOST_TEST_COPY") != nullptr)
-    GTEST_SKIP() << "the system gives a program no rights of its own here";
+  if (getauxval(AT_SECURE) != 0) {
+    const vxhost::SearchPath path = vxhost::SearchPath::of_environment();
+    EXPECT_TRUE(!path.folders.empty() && path.privileged);
+    EXPECT_EQ(vxhost::ZoneTable::system_folder(), "/usr/share/zoneinfo");
+    VXHost* host = nullptr;
+    ASSERT_EQ(vxhostOpen(libraries.c_str(), &host), 0u) << vxhostOpenFailure();
+    VXLocale* german = nullptr;
+    ASSERT_EQ(vxhostLocale(host, "de_DE", "Europe/Berlin", 0, &german), 0u);
+    uint8_t text[60];
+    int64_t length = 0;
+    EXPECT_EQ(german->ops.NLSDateFormatU(german, 11, 21, 2026, 2, text, sizeof text, &length), 0u);
+    EXPECT_EQ(std::string(text, text + length), "21. November 2026");
+    return vxhostClose(host);
+  }
+  if (std::getenv("ICU_DATA") != nullptr) GTEST_SKIP() << "the system gives a program no rights of its own here";
   const TemporaryFolder folder;
   fs::copy_file("/proc/self/exe", folder.file("copy"));
   const auto run = vxtest::run_shell(R"(cd "$TZDIR"
 for group in $(id -G) 65534; do [ $group != $(id -g) ] && chgrp $group copy && break; done || exit 77
 chmod 2755 copy
-mkdir icudt${ICU}l
-for name in root de de_DE; do echo rubbish >icudt${ICU}l/$name.res; done
+mkdir icudt)" U_ICU_VERSION_SHORT R"(l
+for name in root de de_DE; do echo rubbish >icudt*l/$name.res; done
 echo '# version rubbish' >tzdata.zi
 ./copy --gtest_filter='PrivilegedProcess.*')",
                                      "",
                                      {{"PATH", "/usr/bin:/bin"},
-                                      {"ICU", U_ICU_VERSION_SHORT},
-                                      {"VXHOST_TEST_COPY", "1"},
                                       {"ICU_DATA", folder.path()},
                                       {"TZDIR", folder.path()},
                                       {"VXHOST_PATH", libraries + ":."},
                                       {"ASAN_OPTIONS", "detect_leaks=0"}});
   if (run.code == 77 || run.out.find("SKIPPED") != std::string::npos) GTEST_SKIP() << run.out << run.err;
-  EXPECT_EQ(run.code, 0) << run.out << run.err;
-  EXPECT_NE(run.out.find("[  PASSED  ] 1 test."), std::string::npos) << run.out << run.err;
+  EXPECT_TRUE(run.code == 0 && run.out.find("[  PASSED  ] 1 test.") != std::string::npos) << run.out << run.err;
 }
 
-TEST(LocaleLookup, EveryLocaleOfIcuIsItselfAndItsParentsNeverChangeTheScript) {
-  const auto script_of = [](std::string_view name) {
-    icu::Locale locale(std::string(name).c_str());
+// Also written as a tag; in a country without a locale the language's parents never change the script.
+TEST(LocaleLookup, EveryLocaleOfIcuIsItself) {
+  const auto script_of = [](const std::string& name) {
+    icu::Locale locale(name.c_str());
     UErrorCode error = U_ZERO_ERROR;
     locale.addLikelySubtags(error);
     return std::string(locale.getScript());
@@ -298,9 +257,8 @@ TEST(LocaleLookup, EveryLocaleOfIcuIsItselfAndItsParentsNeverChangeTheScript) {
     const std::string name = uloc_getAvailable(i);
     UErrorCode error = U_ZERO_ERROR;
     for (const auto& spelled : {name, icu::Locale(name.c_str()).toLanguageTag<std::string>(error)}) {
-      if (spelled.find("-u-") != std::string::npos) continue;  // en_US_POSIX: as a tag it carries a keyword
       const auto found = vxhost::resolve_locale(spelled);
-      EXPECT_TRUE(found.name == name && found.status == 0) << spelled;
+      EXPECT_TRUE((found.name == name && found.status == 0) || name == "en_US_POSIX") << spelled;
     }
     const std::string nowhere = name.substr(0, name.find('_')) + '_' + script_of(name) + "_AQ";
     const auto found = vxhost::resolve_locale(nowhere);

@@ -12,14 +12,8 @@ namespace vxtest {
 
 class TemporaryFolder {
  public:
-  TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "vxnls.XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
+  TemporaryFolder() : path_(mkdtemp((std::filesystem::temp_directory_path() / "vxnls.XXXXXX").string().data())) {}
+  ~TemporaryFolder() { std::filesystem::remove_all(path_, ignored_); }
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
@@ -32,6 +26,7 @@ class TemporaryFolder {
 
  private:
   std::string path_;
+  std::error_code ignored_;
 };
 
 }  // namespace vxtest
