@@ -19,8 +19,7 @@ namespace vxtest {
 /// A positive number of 64 bits, in integers. Every operation rounds to nearest, ties to even. The library reads by the
 /// processor's own arithmetic where there is such; a test holds the two against each other.
 using Real = vxnls::SoftExtended;
-
-inline const Real& power_of_ten(int64_t n) { return vxnls::soft_powers_of_ten.entry[n]; }
+inline const auto& power_of_ten = vxnls::soft_powers_of_ten.entry;
 
 struct Signs {
   char32_t point, separator;
@@ -30,40 +29,36 @@ struct Signs {
 /// units that were read.
 using Reading = std::tuple<VXStatus, uint64_t, int64_t>;
 
-/// The digits of a text, without leading zeros, and their power of ten; and whether the value that they read as lies so
-/// near the middle of two doubles that the roundings before the last may decide.
+/// The digits of a text, without leading zeros, and their power of ten.
 struct Decimal {
   std::string digits;
   int64_t exponent = 0;
-  bool is_negative = false, is_near_tie = false;
-  uint64_t part(size_t from) const { return digits.size() > from ? std::stoull(digits.substr(from, 15)) : 0; }
+  bool is_negative = false;
+  Real part(size_t from) const { return Real(uint64_t{std::stoull(digits.substr(from, 15))}); }
 };
 
-inline VXStatus value_of(Decimal& decimal, double& value) {
-  const auto count = static_cast<int64_t>(decimal.digits.size()), used = std::min<int64_t>(count, 30);
+inline VXStatus value_of(const Decimal& decimal, double& value) {
+  const auto count = ssize(decimal.digits), used = std::min<int64_t>(count, 30);
   const int64_t exponent = decimal.exponent + count - used;
   if (count == 0) {
     value = decimal.is_negative && -22 <= exponent && exponent <= 22 ? -0.0 : 0.0;
     return 0;
   }
-  Real result(decimal.part(0));
-  if (count > 15) result = result * power_of_ten(used - 15) + Real(decimal.part(15));
+  Real result = decimal.part(0);
+  if (count > 15) result = result * power_of_ten[used - 15] + decimal.part(15);
   if (exponent < -616) return VX_E_UNDERFLOW;
   if (exponent > 308) return VX_E_OVERFLOW;
-  if (exponent > 292 && result > Real(DBL_MAX) / power_of_ten(exponent)) return VX_E_OVERFLOW;
-  if (exponent < -308) result = result / power_of_ten(308);
-  if (exponent < 0) result = result / power_of_ten(exponent < -308 ? -exponent - 308 : -exponent);
+  if (exponent > 292 && result > Real(DBL_MAX) / power_of_ten[exponent]) return VX_E_OVERFLOW;
+  if (exponent < -308) result = result / power_of_ten[308];
+  if (exponent < 0) result = result / power_of_ten[exponent < -308 ? -exponent - 308 : -exponent];
   const int64_t at_once = std::min(exponent, 307 - used);
-  if (exponent >= 0) result = result * power_of_ten(at_once);
+  if (exponent >= 0) result = result * power_of_ten[at_once];
   for (int64_t i = at_once; i < exponent; ++i) {
     if (result > Real(DBL_MAX / 10)) return VX_E_OVERFLOW;
-    result = result * power_of_ten(1);
+    result = result * power_of_ten[1];
   }
   const auto magnitude = static_cast<double>(result);
   if (magnitude == 0) return VX_E_UNDERFLOW;
-  // All roundings together move the result by far less than 2^-60 of it.
-  const auto moved = [&](uint64_t factor) { return static_cast<double>(result * Real::rounded(factor, -60, false)); };
-  decimal.is_near_tie = moved((uint64_t{1} << 60) + 1) != moved((uint64_t{1} << 60) - 1);
   value = decimal.is_negative ? -magnitude : magnitude;
   return 0;
 }
