@@ -120,51 +120,37 @@ auto rows_of(VXChar) {
       {' ',
        "x",
        {ROW(slow, vxzstrp(t, n) == n && vxzstrp(t, n - 1) == 0), ROW(quick, GET_UTF8_LEN_FROM_VXCHAR(t, n) == n),
-        ROW(slow, vxzspos(t, n, 'x') == n - 1), ROW(slow, qmzMemScan(t, n, 'x') == n - 1),
-        ROW(slow, vxzsndx(t, n, t + n - 1, 1) == n - 1),
+        ROW(slow, vxzspos(t, n, 'x') == n - 1), ROW(slow, vxzsndx(t, n, t + n - 1, 1) == n - 1),
         ROW(slow, vxzseqn(t, n, t, n) == 1 && vxzseqn(t, n - 1, t, n) == 0),
         ROW(slow, vxzsncmp(t, n, t, n) == 0 && vxzsncmp(t, n - 1, t, n) == -2),
         ROW(slow, order(t, n, t, n) == 0 && order(t, n - 1, t, n) == -1), ROW(quick, qmzMemCmp(t, t, n) == 0),
         ROW(quick, wrote(ConvertFromUTF32(bytes_of(t), 4 * n, out, 64, &written, &UTF32_UTF8, &Byte2DWord), n, 0)),
-        ROW(slow, vxzstlo(t, n), t[n - 1] == 'x'), ROW(slow, vxzstup(t, n), t[n - 1] == 'X'),
-        ROW(slow, vxzstmax(t, n), t[n - 1] == 'x'), ROW(slow, vxzstmin(t, n), t[n - 1] == 'X'),
+        ROW(slow, vxzstlo(t, n), t[n - 1] == 'x'), ROW(slow, vxzstmin(t, n), t[n - 1] == 'X'),
         ROW(slow, qmzMemSet(t, ' ', n) == t && t[n - 1] == ' '), ROW(slow, qmzMemMove(t, t + n / 2, n - n / 2) == t),
         ROW(slow, t[0] = 'a', vxztchrv(t, n), t[n - 1] == 'a')}},
       {'a',
        "\0"sv,
        {ROW(slow, qmzStrLen(t) == n - 1), ROW(quick, vxzscat(joined, 3, 0xFFFF, 1, t, n) == std::min<int64_t>(n, 3))}},
-      {' ', "7", {ROW(slow, reads(NLSBufToIntmax, t, n)), ROW(slow, reads(NLSBufToDouble, t, n))}},
-      {'0', "7", {ROW(slow, reads(NLSBufToInt, t, n))}}};
+      {'0', "7", {ROW(slow, reads(NLSBufToIntmax, t, n)), ROW(slow, reads(NLSBufToDouble, t, n))}}};
 }
 
 auto rows_of(Utf8) {
   using Unit = Utf8;
   static uint32_t month, day, year;
-  static VXNumberReading reading;
   return std::vector<Table<Unit>>{
       {' ',
        "x",
-       {ROW(slow, UTF8_SLENB(t, n) == n),
-        ROW(quick, UTF8_BLENB(t, n) == n),
-        ROW(slow, vxzsu8StripBlanks(t, n) == n && vxzsu8StripBlanks(t, n - 1) == 0),
-        ROW(quick, vxzsu8Index(t, n, 'x') == n - 1),
-        ROW(quick, qmMemScan(t, n, 'x') == n - 1),
-        ROW(quick, vxzsu8Find(t, n, t + n - 1, 1) == n - 1),
+       {ROW(slow, vxzsu8StripBlanks(t, n) == n && vxzsu8StripBlanks(t, n - 1) == 0),
+        ROW(quick, qmMemScan(t, n, 'x') == n - 1), ROW(quick, vxzsu8Find(t, n, t + n - 1, 1) == n - 1),
         ROW(quick, vxzsu8Compare(t, n, t, n) == 0 && vxzsu8Compare(t, n - 1, t, n) == -1),
         ROW(slow, vxzsu8NormCompare(t, n, t, n) == 0 && vxzsu8NormCompare(t, n - 1, t, n) == -2),
-        ROW(slow, vxzsu8NormEqual(t, n, t, n) == 1 && vxzsu8NormEqual(t, n - 1, t, n) == 0),
-        ROW(quick, qmMemCmp(t, t, n) == 0),
         ROW(quick, wrote(vxzsu8Upper2(t, n, out, 64, &written), n)),
         ROW(quick, wrote(vxzsu8Encode(t, n, out, 64, &written, 0), n)),
         ROW(quick, wrote(vxzsu8Decode(t, n, out, 64, &written, 0), n)),
         ROW(quick, wrote(COPY_UTF(t, n, out, 64, &written), n)),
-        ROW(quick, vxzsu8Lower(t, n), t[n - 1] == 'x'),
-        ROW(quick, vxzsu8Upper(t, n), t[n - 1] == 'X'),
-        ROW(quick, vxzsu8LeftJustify(t, n), t[0] == 'X' && (n == 1 || t[n - 1] == ' ')),
-        ROW(slow, vxzsu8RightJustify(t, n), t[n - 1] == 'X'),
-        ROW(quick, qmMemSet(t, ' ', n) == t && t[n - 1] == ' '),
-        ROW(quick, qmMemMove(t, t + n / 2, n - n / 2) == t),
-        ROW(slow, t[0] = 'a', vxzbytrv(t, n), t[n - 1] == 'a')}},
+        ROW(quick, vxzsu8LeftJustify(t, n), t[0] == 'x' && (n == 1 || t[n - 1] == ' ')),
+        ROW(slow, vxzsu8RightJustify(t, n), t[n - 1] == 'x'), ROW(quick, qmMemSet(t, ' ', n) == t && t[n - 1] == ' '),
+        ROW(quick, qmMemMove(t, t + n / 2, n - n / 2) == t), ROW(slow, t[0] = 'a', vxzbytrv(t, n), t[n - 1] == 'a')}},
       // The last character has two bytes.
       {'a',
        "\xC3\xA9",
@@ -176,17 +162,14 @@ auto rows_of(Utf8) {
         ROW(quick, vxzsu8Lower(t, n - 1), t[n - 2] == 0xC3)}},
       {'a',
        "\0"sv,
-       {ROW(slow, UTF8_SLEN(t) == n - 1), ROW(quick, UTF8_BLEN(t) == n - 1),
+       {ROW(slow, UTF8_SLEN(t) == n - 1), ROW(quick, qmStrLen(reinterpret_cast<char*>(t)) == n - 1),
         ROW(quick, ConvertToUTF32(t, n, out, 64, &written, &UTF8_UTF32, &COPY_UTF32_SWAP) == 0 &&
                        written == std::min<int64_t>(4 * n, 64)),
-        ROW(quick, qmStrLen(reinterpret_cast<char*>(t)) == n - 1),
         ROW(quick, vxzsu8Lengths(t, &written, &other), written == n - 1 && other == n - 1)}},
       {' ',
        "7",
-       {ROW(slow, reads(NLSBufToIntmaxU, t, n)), ROW(quick, reads(NLSBufToUIntU, t, n)),
-        ROW(slow, reads(NLSBufToDoubleU, t, n)), ROW(quick, reads_by_the_face(t, n)),
-        ROW(slow, vxnlsExplainNumber(plain(), t, n, VX_NUMBER_DOUBLE, 0, &reading) == 0 && reading.value.number == 7 &&
-                      reading.consumed == n)}},
+       {ROW(quick, reads(NLSBufToUIntU, t, n)), ROW(slow, reads(NLSBufToDoubleU, t, n)),
+        ROW(quick, reads_by_the_face(t, n))}},
       {' ',
        "2020-03-04",
        {ROW(slow, NLSBufToDateU(plain(), t, n, 4, &month, &day, &year, &written) == 0 && written == n &&
@@ -220,9 +203,9 @@ TEST(LongTexts, OfMoreThan2To31Units) {
 #endif
   if (sizeof(void*) < 8) GTEST_SKIP() << "no text is as long";
   const auto all = [](int64_t n, bool with_slow) { return check<Utf8>(n, with_slow) + check<VXChar>(n, with_slow); };
-  EXPECT_GT(all((INT64_C(1) << 32) + 9, false), 25);
+  EXPECT_GT(all((INT64_C(1) << 32) + 9, false), 20);
   if (std::getenv("VXNLS_LONG_TESTS") != nullptr) {
-    EXPECT_GT(all((INT64_C(1) << 31) + 9, true), 60);
+    EXPECT_GT(all((INT64_C(1) << 31) + 9, true), 40);
   }
 }
 
@@ -239,8 +222,9 @@ std::vector<std::string> make_texts() {
   std::vector<std::string> texts = {"",     "12/25/2020 10:30 pm",       "25 December 2020",   "10:30:15 AM", "W7 2021",
                                     "%%%%", "2020-03-04T05:06:07+01:00", "04Mar2020:10:00:00", "1,234.50"};
   for (const char quarter : "1234"sv) texts.push_back(std::string("Q") + quarter + std::string(58, 'm') + " 2021");
-  for (const char* text : {"Q3 2021", "2021 Q3", "Jul 2022", "07/2022"}) texts.push_back(text + std::string(55, 'm'));
-  for (const char* text : {"W07 2021", "2021-W07"}) texts.push_back(text + std::string(54, 'm'));
+  for (const std::string text : {"Q3 2021", "2021 Q3", "Jul 2022", "07/2022", "W07 2021", "2021-W07"}) {
+    texts.push_back(text + std::string(text.find('W') == text.npos ? 55 : 54, 'm'));
+  }
   return texts;
 }
 
@@ -292,15 +276,12 @@ struct HostileRecord : testing::Test {
           return status != 0 ? *n = 0, status : status;  // they count what they did not write
         });
       }
-      if (room >= 600) write([=](auto... to) { return vxzIDblToBuff(1e300, to..., nullptr); });
     } else if (room >= 600) {  // texts, whatever the record is
-      const auto text = [&](auto function, auto... more) {
-        static constexpr Utf8 in[] = {'A', 0xC3, 0xA9, 0, 0xF0, 0x9F, 0x98, 0x80};
-        write([=](auto... to) { return function(in, 8, to..., more...); });
-      };
-      text(vxzsu8Upper2), text(vxzsu8Encode, 1u), text(COPY_UTF);
-      text(ConvertToUTF32, &UTF8_UTF32, &COPY_UTF32_SWAP);
-      text(ConvertFromUTF32, &UTF32_UTF16s, &Byte2DWord);
+      static constexpr Utf8 in[] = {'A', 0xC3, 0xA9, 0, 0xF0, 0x9F, 0x98, 0x80};
+      write([=](auto... to) { return vxzsu8Upper2(in, 8, to...); });
+      write([=](auto... to) { return vxzsu8Encode(in, 8, to..., 1); });
+      write([=](auto... to) { return ConvertToUTF32(in, 8, to..., &UTF8_UTF32, &COPY_UTF32_SWAP); });
+      write([=](auto... to) { return ConvertFromUTF32(in, 8, to..., &UTF32_UTF16s, &Byte2DWord); });
     }
     for (const std::string& text : texts) {
       Unit* const in = memory.at(text.size());
