@@ -225,7 +225,7 @@ TEST(Coders, EveryString) {
   });
 }
 
-TEST(Coders, PastTheEnd) {
+TEST(Coders, PastTheEndAndPlainBytes) {
   static const struct {
     VXEncoder encoder;
     VXDecoder decoder;
@@ -233,8 +233,7 @@ TEST(Coders, PastTheEnd) {
     std::string_view text;
   } rows[] = {{UTF32_UTF8, UTF8_UTF32, 0x110000, 0x110000, "\xF4\x90\x80\x80"},
               {UTF32_UTF8, UTF8_UTF32, 0xFFFFFFFF, 0xFFFF, "\xEF\xBF\xBF\xBF"},  // one byte of F0 + 3FFF is kept
-              {COPY_UTF32, COPY_UTF32b, 0xF2345678, 0xF2345678, "\xF2\x34\x56\x78"},
-              {COPY_UTF32_SWAP, COPY_UTF32b_SWAP, 0xF2345678, 0xF2345678, "\x78\x56\x34\xF2"}};
+              {COPY_UTF32, COPY_UTF32b, 0xF2345678, 0xF2345678, "\xF2\x34\x56\x78"}};
   for (const auto& row : rows) {
     uint8_t out[4];
     int64_t written = -1;
@@ -244,16 +243,10 @@ TEST(Coders, PastTheEnd) {
   }
   int64_t good = 0;
   for (const int64_t n : {-1, 0, 5}) EXPECT_TRUE(isLegalUTF8(bytes("\xFF"), n, &good) == 1 && good == n) << n;
-}
-
-TEST(Coders, BytesAndUnitsAtAnyAlignment) {
   const uint8_t text[] = {0, 0x12, 0x34, 0x56, 0x78, 0x9A};
-  EXPECT_EQ(Byte2DWord(text + 1), 0x78563412u);
-  EXPECT_EQ(Byte2DWord_swap(text + 1), 0x12345678u);
-  EXPECT_EQ(Byte2Word(text + 1), 0x3412);
-  EXPECT_EQ(Byte2Word_swap(text + 1), 0x1234);
-  EXPECT_EQ(BYTE_UTF16_UTF32(text + 1), 0x1234);
-  EXPECT_EQ(BYTE_UTF16_UTF32_SWAP(text + 1), 0x3412);
+  EXPECT_TRUE(Byte2DWord(text + 1) == 0x78563412 && Byte2DWord_swap(text + 1) == 0x12345678);
+  EXPECT_TRUE(Byte2Word(text + 1) == 0x3412 && Byte2Word_swap(text + 1) == 0x1234);
+  EXPECT_TRUE(BYTE_UTF16_UTF32(text + 1) == 0x1234 && BYTE_UTF16_UTF32_SWAP(text + 1) == 0x3412);
   for (const int64_t n : {-5, 0, 3, 6}) {
     for (int64_t room = -1; room <= 7; ++room) {
       const int64_t there = std::max<int64_t>(n, 0), count = std::clamp<int64_t>(room, 0, there);
@@ -356,9 +349,8 @@ TEST(Drivers, CodersThatReportNonsense) {
   const VXEncoder encoder = [](uint32_t, uint8_t* out, int64_t room, int64_t* written) -> VXStatus {
     std::fill_n(out, room, uint8_t{'y'});  // all the room that is offered
     *written = report;
-    return 0;
+    return report == 5 ? 0x803fe999u : 0;
   };
-  const VXEncoder refusing = [](uint32_t, uint8_t*, int64_t, int64_t*) -> VXStatus { return 0x803fe999u; };
   const std::string_view text = "\0\0\0\0\0\0\0\0"sv;
   const Place edge = {Guard::behind, 0, 0};
   for (const int64_t reported : {INT64_MIN, int64_t{-1}, int64_t{0}, int64_t{1}, int64_t{5}, INT64_MAX}) {
@@ -366,11 +358,10 @@ TEST(Drivers, CodersThatReportNonsense) {
     EXPECT_EQ(driven(ConvertToUTF32, decoder, &COPY_UTF32, text, 32, edge).written, reported <= 1   ? 32
                                                                                     : reported == 5 ? 8
                                                                                                     : 4);
-    EXPECT_EQ(driven(ConvertToUTF32, &UTF8_UTF32, encoder, text, 30, edge).written, 28);
-    const Result refused = driven(ConvertToUTF32, &UTF8_UTF32, refusing, text, 32, edge);
-    EXPECT_TRUE(refused.status == 0x803fe999u && refused.written == 0);
+    const Result to = driven(ConvertToUTF32, &UTF8_UTF32, encoder, text, 30, edge);
+    EXPECT_TRUE(reported == 5 ? to.status == 0x803fe999u && to.written == 0 : to.written == 28);
     EXPECT_EQ(driven(ConvertFromUTF32, encoder, &Byte2DWord, text, 9, edge).written,
-              reported < 0 ? 0 : std::min<int64_t>(9, reported > 9 ? 9 : 2 * reported));
+              reported < 0 || reported == 5 ? 0 : std::min<int64_t>(9, reported > 9 ? 9 : 2 * reported));
   }
 }
 
