@@ -168,9 +168,12 @@ class DoubleModel {
     if (best_) decimals = 12;
     if (decimals < 0 || (general && decimals == 0)) decimals = 6;
     decimals = std::min(decimals, 350);
+    const bool exponent_form = (flags_ & 0x0030) != 0, integer = (flags_ & NLS_FORMAT_INTEGER) != 0;
+    const bool fraction = !integer && (flags_ & NLS_FORMAT_FRACTION) != 0;
     std::string text;
+    if (general || exponent_form) text = half_up(magnitude_, scientific, general ? decimals - 1 : decimals);
+    else text = half_up(fraction ? magnitude_ - std::floor(magnitude_) : magnitude_, plain, integer ? 0 : decimals);
     if (general) {
-      text = half_up(magnitude_, scientific, decimals - 1);
       const int exponent = std::stoi(text.substr(text.find('e') + 1));
       if (exponent >= -4 && exponent < decimals) text = half_up(magnitude_, plain, decimals - 1 - exponent);
       const size_t tail = std::min(text.find('e'), text.size());
@@ -178,16 +181,9 @@ class DoubleModel {
         const size_t last = text.find_last_not_of('0', tail - 1), end = last + (text[last] == '.' ? 0 : 1);
         text.erase(end, tail - end);
       }
-    } else if ((flags_ & 0x0030) != 0) {
+    } else if (const Exact exact(magnitude_); exponent_form && decimals == 350 && magnitude_ < 1) {
       // The library's work area holds no more digits of a fraction.
-      const Exact exact(magnitude_);
-      if (decimals == 350 && magnitude_ < 1 && exact.fraction.size() - exact.zeros > 350) return {VX_E_DIRECTIVE, ""};
-      text = half_up(magnitude_, scientific, decimals);
-    } else if ((flags_ & NLS_FORMAT_INTEGER) != 0) {
-      text = half_up(magnitude_, plain, 0);
-    } else {
-      const bool fraction = (flags_ & NLS_FORMAT_FRACTION) != 0;
-      text = half_up(fraction ? magnitude_ - std::floor(magnitude_) : magnitude_, plain, decimals);
+      if (exact.fraction.size() - exact.zeros > 350) return {VX_E_DIRECTIVE, ""};
     }
     std::replace(text.begin(), text.end(), 'e', 'E');
     if (const size_t point = text.find('.'); point != text.npos) text.replace(point, 1, marks_.point);
