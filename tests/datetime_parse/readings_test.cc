@@ -283,7 +283,8 @@ TEST(ParsePatterns, NamesOffsetsZonesAndLiterals) {
     // Strictly either the full or the abbreviated names are read; the first that stands there, not the longest.
     by %B; __DECEMBER 5 = 10 month 12; dec = | 3 month 12; mÄrz = 5 month 3; mÄr =; june7 = 3 month 6;
     by %b; december = 3 month 12 | 8 month 12; by %C; decembe = | 3 month 12; by %A; sun = | 3;
-    by %F; SATURDAY! = 8; by %a; Someday =; by %p; Am = 2 marker 1; p =;
+    by %F; SATURDAY! = 8; by %a; Someday =; Thursday = 8; Mon = | 3; by %f; Fri = | 3; sunday = | 6; by %p;
+    Am = 2 marker 1; p =; by %C; December = 8 month 12; by %q; Q1 = | 2 quarter 1; Q4 =;
     by %q; q2 = | 2 quarter 2; by %Q; ἀж𐐀_ = | 9 quarter 4; ἀж𐐨 =;
     // Strictly the marker adds 12 to the hour so far, whatever that is; an hour read later replaces it.
     by %p; _pM = 3 hour 12 marker 2 | 3 marker 2; by %p %I; PM 01 = 5 hour 1 marker 2;

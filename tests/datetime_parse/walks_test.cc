@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <random>
 #include <regex>
-#include <span>
 #include <vector>
 
 #include "tests/datetime_format/writer.h"
@@ -100,45 +99,6 @@ TEST(ParseDirectives, NumbersOverTheirRangesAndBeyond) {
           if ((number.readers & strict) != 0) expect_number(number, modifiers + letter, false, text);
           if ((number.readers & lenient) != 0) expect_number(number, modifiers + letter, true, text);
           if (HasFatalFailure()) return;
-        }
-      }
-    }
-  }
-}
-
-TEST(ParseDirectives, OtherLettersRefuse) {
-  ZonedLocale locale;
-  const std::u32string read_strictly = U"#0?YymodeHIklMSsuwaAFBCbpzZ%";
-  for (char32_t letter = 1; letter < 400; ++letter) {
-    for (const auto& [letters, leniently] :
-         {std::pair(read_strictly, false), std::pair(read_strictly + U"GfqQUVW", true)}) {
-      bool is_read = letter < 128 && vxnls::is_modifier(letter);
-      // Something that each known letter would take.
-      for (const auto* const text : {U"2020", U"10", U"5", U"Monday", U"May", U"am", U"Q3", U"+02", U"Zone/East", U"%"})
-        is_read |= read_by(locale, std::u32string{U'%', letter}, text, leniently).status == 0;
-      EXPECT_EQ(is_read, letters.find(letter) != letters.npos) << static_cast<uint32_t>(letter);
-    }
-  }
-}
-
-TEST(ParseDirectives, EveryName) {
-  ZonedLocale locale;
-  const VXLocaleData& data = locale.data;
-  const struct {
-    std::span<const NLSName> names;
-    std::u32string_view strictly, leniently;
-    int32_t F::*field;
-  } lists[] = {{data.dayNames, U"aAF", U"aAFf", nullptr},    {data.altDayNames, U"", U"aAFf", nullptr},
-               {data.monthNames, U"BC", U"BCb", &F::month},  {data.altMonthNames, U"b", U"BCb", &F::month},
-               {data.quarterNames, U"", U"qQ", &F::quarter}, {{&data.amMarker, 2}, U"p", U"p", &F::marker}};
-  for (const auto& [names, strictly, leniently, field] : lists) {
-    for (const NLSName& name : names) {
-      const std::u32string text(name.text, name.text + name.length);
-      for (const auto& [letters, is_lenient] : {std::pair(strictly, false), std::pair(leniently, true)}) {
-        for (const char32_t letter : letters) {
-          const VXExplanation out = read_by(locale, std::u32string{U'%', letter}, text, is_lenient);
-          EXPECT_TRUE(out.status == 0 && out.consumed == name.length) << utf8(text);
-          EXPECT_TRUE(field == nullptr || out.match.fields.*field == &name - names.data() + 1) << utf8(text);
         }
       }
     }
