@@ -62,18 +62,15 @@ $ vxnls format date --pattern %Y-%m-%d 0 -1 -138061 6589335 2026-07-01T23:30 \
 2026-11-21 14:05:09,1969-12-31 23:59:59,2026-11-21 00:00:00,2026-11-21 10:00:00
 02:30 +0200 +0200 Europe/Berlin
 02:30 +0100 +0100 Europe/Berlin
-$ for s in short medium 2 long; do vxnls format date 2026-11-05 -l en_GB --style $s; done | paste -sd,
-> vxnls format datetime 2026-11-05T09:05:07 -l en_US --style long --time-style short
+$ vxnls format datetime 2026-11-05T09:05:07 -l en_US --style long --time-style short
 > for p in "$(printf '\377')" '日%Q' "$(printf %061d 0)"; do vxnls format date 0 --pattern "$p" 2>&1 | cut -c 1-62; done
-05/11/2026,5 Nov 2026,5 November 2026,5 November 2026
 November 5, 2026 9:05 AM
 vxnls: --pattern "\xFF": it is not UTF-8
 vxnls: --pattern "日%Q": at byte 3: "%Q" is no directive; "vx
 vxnls: --pattern "00000000000000000000000000000000000000000000
-= 0 0 0 0 0 2 2 2
+= 0 2 2 2
 $ printf '\357\273\2770\r\nx\n\n2026-02-30\0\n1' | vxnls format date -l en_GB
-> z=/dev/zero; (head -c 65536 $z; echo; head -c 65537 $z; echo; head -c 200000 $z) | tr '\0' 1 |
->   vxnls format date 2>&1 | sed 's/1\{60\}/.../'
+> (head -c 65536 /dev/zero; echo; head -c 200000 /dev/zero) | tr '\0' 1 | vxnls format date 2>&1 | sed 's/1\{60\}/.../'
 > printf '0\nx\377\n' | vxnls format date -l en_GB --json
 01/01/1960
 
@@ -83,8 +80,6 @@ $ printf '\357\273\2770\r\nx\n\n2026-02-30\0\n1' | vxnls format date -l en_GB
 vxnls: line 1: "..."...: a day number is -138061 (1582-01-01) to 6589335 (20000-12-31)
 
 vxnls: line 2: "..."...: longer than 65536 bytes
-
-vxnls: line 3: "..."...: longer than 65536 bytes
 
 {"value":"0","text":"01/01/1960","date":"1960-01-01","day":0,"offset":"+00:00","locale":"en_GB","zone":"Etc/UTC"}
 {"value":"x�","line":2,"error":"a date is 2026-11-21, a day number or now"}
@@ -99,7 +94,7 @@ vxnls: line 3: "..."...: longer than 65536 bytes
 TEST(Commands, LocalesAndZones) {
   expect(R"~(
 $ for settings in 'LC_TIME=fr_CA LANG=de_DE.UTF-8' 'LC_ALL=ja_JP LC_TIME=fr_CA LC_NUMERIC=de_DE' \
->   'VXNLS_LOCALE=sv LC_ALL=ja_JP' 'VXNLS_LOCALE= LC_ALL= LC_TIME=pl LC_NUMERIC=en'; do
+>   'VXNLS_LOCALE=sv LC_ALL=ja_JP' 'LC_ALL= LC_TIME=pl'; do
 >   export $settings
 >   echo $(vxnls format date 0; vxnls format number 1.5; echo 1 | vxnls recognise --format lines | grep -o ' loc.*')
 >   unset LANG LC_ALL LC_TIME LC_NUMERIC VXNLS_LOCALE
@@ -148,11 +143,8 @@ $ vxnls parse date 'Dec 31, 2021' --style medium --to-locale ja_JP; vxnls parse 
 ! vxnls: "31.12.": at byte 6: the text ends where a year is wanted, reading %Y
 ! vxnls: "13:00 pm": at byte 0: hour 13 does not go with AM or PM (1 to 12 would)
 = 0 0 1 1
-$ vxnls parse date 03/04/2021 -l en_GB --json | fold -w 118
-{"value":"03/04/2021","text":"2021-04-03","day":22373,"consumed":10,"rest":"","form":{"pattern":"%d/%m/%Y","source":"t
-he locale's date pattern","lenient":false,"start":0,"end":10,"fields":{"year":2021,"month":4,"day":3}},"ambiguous":tru
-e,"others":[{"pattern":"%m/%d/%Y","source":"a common form of dates","lenient":true,"start":0,"end":10,"fields":{"year"
-:2021,"month":3,"day":4},"text":"2021-03-04"}],"locale":"en_GB","zone":"Etc/UTC"}
+$ vxnls parse date 03/04/2021 -l en_GB --json | grep -o '"ambiguous.*' | cut -c 1-116
+"ambiguous":true,"others":[{"pattern":"%m/%d/%Y","source":"a common form of dates","lenient":true,"start":0,"end":10
 $ vxnls format number 0.1 .A . inf -- -inf | paste -sd,
 > (vxnls format number 3.14159 --decimals 2 --width 10 --zero-pad --plus; vxnls format number 0.00012345 --best --width 12
 >  vxnls format number 1.5 --flags 0x1000 --width 8 --decimals 3
@@ -226,7 +218,6 @@ $ vxnls normalise -c when:date,amount:number --rejects rejects -q < orders > out
 > tail -n 2 f | vxnls normalise --format lines --profile p --rejects q -q | paste -sd,
 > (echo 12/25/21; head -n 2 f; echo 03/04/21) | vxnls normalise --format lines -c 1:date --rejects r -q > out
 > grep -ho '"value[^,]*,"outcome[^,]*' q r
-> for o in --day-first --month-first -len_GB; do echo 03/04/21 | vxnls normalise --format lines $o -q; done | paste -sd,
 > for o in comma point; do echo 1,234 | vxnls normalise --format lines -c 1:number --decimal $o -q; done | paste -sd,
 {"file":"standard input","line":4,"record":3,"byte":67,"column":"when","kind":"date","value":"32.01.2021","outcome":"u
 nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 31), reading %#d","status":"0x803fe80b
@@ -237,9 +228,8 @@ nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 
 12/25/21,2021-04-03
 "value":"12/25/21","outcome":"contradicts"
 "value":"03/04/21","outcome":"ambiguous"
-2021-04-03,2021-03-04,2021-04-03
 1.234,1234
-= 1 0 0 1 1 0 1 1 0 0 0 0 0
+= 1 0 0 1 1 0 1 1 0 0
 $ printf 'note\nhello\nworld\n' | vxnls normalise -c note; printf 'a\n1\n' > f; vxnls normalise -c a f >> f; wc -l < f
 > printf 'when,2,amount,amount,\n1,2,3,4,5\n' > f; names() { vxnls recognise --json $* | grep '"column"'; }
 > (names -c 4,when,2 f; names --no-header -c 7,1 f; names --format jsonl -c any,1 f) | tr -d '\n '; echo

@@ -132,6 +132,7 @@ const std::vector<Line> lines = [] {
       {"format date -l de_DE --style long", "2026-11-21\nx\n2026-11-22\n"},
       {"parse date --json -l de_DE", "21.11.2026\nx\n22.11.2026\n"},
       {"parse datetime -l de_DE -z Europe/Berlin", "21.11.2026 14:05:09\n"},
+      {"transcode --to utf-16le --on-error replace", "a\xFFß日😀\xC3(\xF0\x9F\n"},
       {"recognise -l auto --locales de_DE,en_US -j 1 --json", table, nullptr, 50},
       {"recognise -l de_DE --emit-profile @/again -j 2 @/table.csv", "", "again", 40},
       {"recognise -l de_DE --html @/page", table, "page", 50},
