@@ -4,44 +4,35 @@ fail() {
   echo "$*" >&2
   exit 1
 }
-
 must_print() {
   local wanted=$1 printed
   shift
-  printed=$("$@") || fail "failed: $*"
-  [ "$printed" = "$wanted" ] || fail "$* printed: $printed; wanted: $wanted"
+  printed=$("$@") && [ "$printed" = "$wanted" ] || fail "$* printed: $printed; wanted: $wanted"
 }
-
 # first_block LANGUAGE PAGE
 first_block() { awk -v start="\`\`\`$1" 'inside && /^```$/ { exit } inside; $0 == start { inside = 1 }' "$2"; }
 
 # consumer_to FOLDER: the first programs of the documents, their project file and the compilers' lines.
 consumer_to() {
-  local here=${BASH_SOURCE[0]%/*} program
-  local docs=$here/../../docs
-  mkdir "$1"
+  local docs=${BASH_SOURCE[0]%/*}/../../docs program
+  mkdir -p "$1"/{next,pkg-config}
   first_block cmake "$docs/packages.md" >"$1/CMakeLists.txt"
+  sed 's/vxnlsloc 6.1/vxnlsloc 7/' "$1/CMakeLists.txt" >"$1/next/CMakeLists.txt"
   grep 'pkg-config --cflags' "$docs/packages.md" >"$1/compile.sh"
   first_block c "$docs/../README.md" >"$1/from_c.c"
   first_block cpp "$docs/cpp.md" >"$1/from_cpp.cc"
   for program in from_c.c from_cpp.cc; do sed -n 's,.*// prints ,,p' "$1/$program" >"$1/${program%.*}.printed"; done
-  cp "$here/consume.sh" "$1"
+  cp "$1"/from_*.c* "$1/pkg-config"
+  cp "${BASH_SOURCE[0]}" "$1"
 }
 
 # consume FOLDER: what consumer_to put there; the environment says where the installation lies.
 consume() {
-  local by project
+  local program
   cmake -S "$1" -B "$1/cmake" -DCMAKE_BUILD_TYPE=Release >"$1/log" && cmake --build "$1/cmake" >>"$1/log" ||
     fail "find_package: $(<"$1/log")"
-  mkdir "$1/next" "$1/pkg-config"
-  project=$(<"$1/CMakeLists.txt")
-  echo "${project/vxnlsloc 6.1/vxnlsloc 7}" >"$1/next/CMakeLists.txt"
-  if cmake -S "$1/next" -B "$1/next" >"$1/log" 2>&1; then fail "version 6 is taken for 7"; fi
+  cmake -S "$1/next" -B "$1/next" >"$1/log" 2>&1 && fail "version 6 is taken for 7"
   [[ $(<"$1/log") == *"version: 6.1"* ]] || fail "version 7 is refused, but not for its version: $(<"$1/log")"
-  cp "$1"/*.c "$1"/*.cc "$1/pkg-config"
   (cd "$1/pkg-config" && bash -e ../compile.sh) || fail "pkg-config"
-  for by in cmake pkg-config; do
-    must_print "$(<"$1/from_c.printed")" "$1/$by/from_c"
-    must_print "$(<"$1/from_cpp.printed")" "$1/$by/from_cpp"
-  done
+  for program in "$1"/{cmake,pkg-config}/from_{c,cpp}; do must_print "$(<"$1/${program##*/}.printed")" "$program"; done
 }

@@ -3,8 +3,7 @@
 # with the compilers unpacked beside it, another project is built and runs; removing the packages leaves nothing.
 #   root_test.sh PACKAGES WORK        ends with 77 where that cannot be tried
 set -euo pipefail
-here=$(cd "$(dirname "$0")" && pwd)
-. "$here/consume.sh"
+. "${0%/*}/consume.sh"
 packages=$1 work=$2
 skip() {
   echo "skipped: $*" >&2
@@ -23,36 +22,26 @@ for folder in bin sbin lib lib64; do ln -s "usr/$folder" "$root/$folder"; done
 mknod -m 666 "$root/dev/null" c 1 3 2>/dev/null || touch "$root/dev/null"
 touch "$database"/{status,available}
 
-# This machine's lists of what Debian has; when there are none, or what they name has gone, lists of this test's own.
+# By this machine's lists of what Debian has; when there are none, or what they name has gone, by new ones.
 lists=/var/lib/apt/lists
 apt() {
   apt-get -y -qq -o Dir::Cache="$work/cache" -o Dir::State::status="$database/status" -o Dir::State::lists="$lists" \
-    -o Debug::NoLocking=1 -o APT::Sandbox::User=root "$@" >"$work/log" 2>&1
+    -o Debug::NoLocking=1 -o APT::Sandbox::User=root -o APT::Update::Error-Mode=any "$@" >"$work/log" 2>&1
 }
-new_lists() {
-  lists=$work/lists
-  mkdir -p "$lists/partial"
-  apt -o APT::Update::Error-Mode=any update || skip "Debian's archive cannot be reached: $(tail -n 3 "$work/log")"
-}
-
 # What apt adds for these packages to those in the root, downloaded and unpacked. Their scripts are not run: to dpkg
 # they are installed.
 add_for() {
   rm -f "$work"/cache/archives/*.deb
   local download=(--no-install-recommends --download-only install "$@")
-  apt "${download[@]}" || {
-    [ "$lists" != "$work/lists" ] && new_lists && apt "${download[@]}"
-  } || {
+  apt "${download[@]}" || { lists=$work/lists && mkdir -p "$lists/partial" && apt update && apt "${download[@]}"; } || {
     grep -q "Failed to fetch" "$work/log" && skip "Debian's archive cannot be reached: $(tail -n 3 "$work/log")"
     fail "$(<"$work/log")"
   }
-  # Not dpkg-deb --extract: in a user's own namespace there is no other owner than root.
-  find "$work/cache/archives" -name '*.deb' -print0 | xargs -0 -n 1 -P 2 bash -e -o pipefail -c \
-    'dpkg-deb --fsys-tarfile "$1" | tar -C "$0" -x --no-same-owner --keep-directory-symlink' "$root"
   local package name
   for package in "$work"/cache/archives/*.deb; do
-    dpkg-deb -f "$package" >>"$database/status"
-    printf 'Status: install ok installed\n\n' >>"$database/status"
+    # Not dpkg-deb --extract: in a user's own namespace there is no other owner than root.
+    dpkg-deb --fsys-tarfile "$package" | tar -C "$root" -x --no-same-owner --keep-directory-symlink
+    { dpkg-deb -f "$package" && printf 'Status: install ok installed\n\n'; } >>"$database/status"
     name=$(dpkg-deb -W --showformat='${Package}' "$package")
     [ "$(dpkg-deb -f "$package" Multi-Arch)" = same ] && name=$name:$(dpkg-deb -f "$package" Architecture)
     : >"$database/info/$name.list"
@@ -78,12 +67,9 @@ install_and_remove() {
 run_command() {
   must_print "2026-11-21 19:35:09" \
     inside vxnls format datetime 2026-11-21T14:05:09Z --zone Asia/Kolkata --pattern '%Y-%m-%d %H:%M:%S'
-  local page
-  for page in man/man1/vxnls.1.gz bash-completion/completions/vxnls zsh/vendor-completions/_vxnls fish/vendor_completions.d/vxnls.fish; do
-    [ -s "$root/usr/share/$page" ] || fail "no $page"
-  done
+  ls "$root"/usr/share/{man/man1/vxnls.1.gz,bash-completion/completions/vxnls,zsh/vendor-completions/_vxnls} \
+    "$root"/usr/share/fish/vendor_completions.d/vxnls.fish >/dev/null || fail "a page is missing"
 }
-
 build_and_run() {
   consumer_to "$root/tmp/consumer"
   inside bash -c '. /tmp/consumer/consume.sh && consume /tmp/consumer' || fail "the consumer project"
