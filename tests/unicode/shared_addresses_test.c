@@ -21,18 +21,16 @@ int main(void) {
   VXDecoder const by_program = &UTF8_UTF32;
   if (by_library == NULL || memcmp(&by_library, &by_program, sizeof by_library) == 0) return 3;
 
-  static const VXEncoder to_utf32[] = {&COPY_UTF32, &COPY_UTF32_SWAP, &UTF32_UTF16s};
-  uint8_t out[8];
-  *last = 0xFF; /* counts the continuation bytes behind it */
-  for (size_t i = 0; i < sizeof to_utf32 / sizeof *to_utf32; ++i) {
-    const VXStatus status = ConvertToUTF32(last, 1, out, 8, &written, &UTF8_UTF32, to_utf32[i]);
-    if (status != VX_E_SEQUENCE || written != 0) return 4;
-  }
-  static const VXEncoder from_utf32[] = {&UTF32_UTF16, &UTF32_UTF16_SWAP, &UTF32_UTF16s, &UTF32_UTF16s_SWAP};
+  static const VXEncoder encoders[] = {&COPY_UTF32,  &COPY_UTF32_SWAP,  &UTF32_UTF16s,
+                                       &UTF32_UTF16, &UTF32_UTF16_SWAP, &UTF32_UTF16s_SWAP};
   const uint8_t text[4] = {'A', 0, 0, 0};
-  for (size_t i = 0; i < sizeof from_utf32 / sizeof *from_utf32; ++i) {
-    const VXStatus status = ConvertFromUTF32(text, 4, last, 1, &written, from_utf32[i], &Byte2DWord);
-    if (status != VX_E_ROOM || written != 0) return 5;
+  for (size_t i = 0; i < sizeof encoders / sizeof *encoders; ++i) {
+    uint8_t out[8];
+    *last = 0xFF; /* counts the continuation bytes behind it */
+    const VXStatus to = ConvertToUTF32(last, 1, out, 8, &written, &UTF8_UTF32, encoders[i]);
+    if (to != VX_E_SEQUENCE || written != 0) return 4;
+    const VXStatus from = ConvertFromUTF32(text, 4, last, 1, &written, encoders[i], &Byte2DWord);
+    if (from != VX_E_ROOM || written != 0) return 5;
   }
   const VXStatus status = ConvertFromUTF32(text, 4, last, 1, &written, &UTF32_UTF8, &Byte2DWord);
   return status == 0 && written == 1 && *last == 'A' ? 0 : 6;

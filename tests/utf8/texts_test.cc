@@ -39,7 +39,6 @@ bool lengths_are_as_ruled(const uint8_t* counted, int64_t n, const uint8_t* term
   const std::string_view text(reinterpret_cast<const char*>(terminated), static_cast<size_t>(n));
   const std::string_view to_nul = text.substr(0, text.find('\0'));
   uint8_t valid;
-  uint32_t wide_valid;
   int64_t characters, length;
   vxzsu8Lengths(terminated, &characters, &length);
   if (UTF8_SLENB(counted, n) != count_characters(text, Step::trusting) ||
@@ -55,7 +54,6 @@ bool lengths_are_as_ruled(const uint8_t* counted, int64_t n, const uint8_t* term
   // The bytes behind the lead are not looked at closely, but a NUL ends them.
   const auto c = vxnls::Utf8Text::decode(terminated, std::max<int64_t>(length_of(to_nul), 1)).code_point;
   return vxzsu8CharSize(terminated, &valid) == length_of(first) && valid == (is_whole(first) && begins(first[0])) &&
-         vxnls::_U8CharSize(terminated, &wide_valid) == length_of(first) && wide_valid == valid &&
          vxzsu8NextChar(terminated) == terminated + first.size() &&
          vxnls::_VXZSU8IsFunct(terminated, remember) == decoded && decoded == static_cast<int32_t>(c) &&
          vxzsu8IsCombining(terminated) == (c == 0x200C || c == 0x200D);
