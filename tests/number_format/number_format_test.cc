@@ -180,28 +180,20 @@ TEST(DoubleFormat, AgreesWithTheModel) {
   }
 }
 
-// What is wanted of single numbers, of the model as well.
+// What stands for the ordinary missing value: never a part of its bytes. And quirks kept on purpose.
 TEST(DoubleFormat, Texts) {
   const Writer writer;
-  const std::pair<Call, Written> rows[] = {
-      {{12.5, 2, 1, in_plain | blank}, {0, " 12.5"}},  // a width is the least
-      {{1234567.5, 10, 1, in_plain | groups}, {VX_E_GROUPING, " 1234567.5"}},
-      {{5e-324, 0, 350, NLS_FORMAT_EXPONENT}, {VX_E_DIRECTIVE, ""}},
-      {{1e12, 10, 2, fixed}, {VX_W_PRECISION, "      1E12"}},
-      {{0.9499999999999999, 5, 1, fixed}, {0, "  1.0"}},  // rounded up on purpose, to just 1
-      {{1, -5, 0, fixed}, {VX_E_WIDTH, untouched}},
-      {{qmMissVal('_'), 10, 3, fixed}, {0, "      _   "}},  // where the units digit stands
-      {{-HUGE_VAL, 3, 2, fixed}, {VX_E_TRUNCATED, "***"}}};
-  for (const auto& [call, expected] : rows) EXPECT_EQ(writer.check(call), expected);
-  // What stands for the ordinary missing value: never a part of its bytes.
-  const double ordinary = qmMissVal('.');
   const NLSDoubleExOpts star{1, {}, '*'}, none{1, {}, 0}, unset{0, {}, '*'}, dash{1, {}, 0x2014};
+  const double ordinary = qmMissVal('.');
   EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &star), Written(0, "*"));
   EXPECT_EQ(writer.write<VXChar>({qmMissVal('B'), 0, 0, 0}, &star), Written(0, "B"));
   EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &none), Written(VX_E_MISSCHAR, "."));
   EXPECT_EQ(writer.write<VXChar>({ordinary, 0, 0, 0}, &unset), Written(0, "."));
   EXPECT_EQ(writer.write<uint8_t>({ordinary, 4, 0, fixed}, &dash), Written(0, " —"));
   EXPECT_EQ(writer.write<uint8_t>({ordinary, 1, 0, fixed}, &dash), Written(0, "—"));
+  EXPECT_EQ(writer.check({0.9499999999999999, 5, 1, fixed}), Written(0, "  1.0"));  // rounded up, to just 1
+  EXPECT_EQ(writer.check({5e-324, 0, 350, NLS_FORMAT_EXPONENT}), Written(VX_E_DIRECTIVE, ""));
+  EXPECT_EQ(writer.check({-HUGE_VAL, 3, 2, fixed}), Written(VX_E_TRUNCATED, "***"));
 }
 
 TEST(DoubleFormat, PercentagesAndCurrency) {

@@ -120,7 +120,6 @@ TEST_F(Readers, Faults) {
   static const std::tuple<Signs, uint32_t, uint32_t, std::u32string_view, uint32_t, int64_t, int64_t> cases[] = {
       {english, real, 0, U" \t", VX_FAULT_EMPTY, 2, 0},
       {english, real, 0, U"\u20ac5", VX_FAULT_NO_DIGIT, 0, 3},
-      {english, real, 0, U"1.KLMNOFGH", VX_FAULT_TEXT_AFTER, 2, 1},  // differ from digits in the same bits
       {english, real, 0, U"- 1", VX_FAULT_SIGN_ALONE, 1, 1},
       {swiss, real, 0, U"-\u20191", VX_FAULT_LEADING_SEPARATOR, 1, 3},
       {german, real, 0, U"-.5", VX_FAULT_LEADING_SEPARATOR, 1, 1},
@@ -134,12 +133,9 @@ TEST_F(Readers, Faults) {
       {english, real, 0, U"0E99999999999999999999999999x", VX_FAULT_EXPONENT_RANGE, 2, 26},
       {english, real, 0, U" -1E30800 ", VX_FAULT_OVERFLOW, 1, 8},
       {english, real, 0, U"2.4703282292062327e-324", VX_FAULT_UNDERFLOW, 0, 23},
-      {english, i32, 0, U" - ,5 x", VX_FAULT_NONE, 5, 0},
       {english, i32, 0, U" -9,999,999,999,x", VX_FAULT_OVERFLOW, 1, 15},
-      {english, i32, 0, U"- x", VX_FAULT_SIGN_ALONE, 2, 1},
       {english, u32, 0, U" -1", VX_FAULT_SIGN_REFUSED, 1, 1},
       {english, u64, NLS_READ_HEXADECIMAL, U"+1", VX_FAULT_SIGN_REFUSED, 0, 1},
-      {english, u64, NLS_READ_HEXADECIMAL, U"0X1f.0", VX_FAULT_TEXT_AFTER, 4, 1},
       {swiss, i32, 0, U"\u20191", VX_FAULT_LEADING_SEPARATOR, 0, 3},
       {english, i32, 0, U"12.5", VX_FAULT_POINT_IN_INTEGER, 2, 1},
       {english, i32, NLS_READ_FRACTION, U"12.05", VX_FAULT_FRACTION_DISCARDED, 4, 1},
@@ -206,7 +202,7 @@ TEST_F(Readers, BordersOfIntegers) {
 /// The short roads: digits, groups, decimals and leading zeros of every length, with another unit at every place.
 TEST_F(Readers, EveryLengthWithAFaultAtEveryPlace) {
   std::mt19937_64 random(300);
-  constexpr std::u32string_view faults = U"09.,-+ eE:/x\x7F";
+  constexpr std::u32string_view faults = U"09.,-+ eE:/xKO\x7F";
   enum { digits_alone, groups, decimals, zeros };
   for (size_t length = 0; length <= 300 && !HasFailure(); ++length) {
     for (size_t turn = 0; turn < 4 * (length + 1); ++turn) {
