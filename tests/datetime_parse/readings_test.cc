@@ -18,16 +18,13 @@ namespace {
 /// "2021-03-04", "10:20:30.25" or both.
 std::string written(uint32_t what, double value) {
   const auto whole = static_cast<int64_t>(std::floor(value));
+  const time_t since_1970 = whole - 315619200;
+  const long base = what == VX_EXPLAIN_DATE ? 100 : 60, first = whole / (base * base), second = whole / base % base;
+  tm fields{};
   char text[64];
-  if (what == VX_EXPLAIN_DATETIME) {
-    const time_t at = whole - 315619200;  // of 1960, since 1970
-    tm fields{};
-    std::strftime(text, sizeof text, "%F %T", gmtime_r(&at, &fields));
-  } else {
-    const long base = what == VX_EXPLAIN_DATE ? 100 : 60;
-    std::snprintf(text, sizeof text, what == VX_EXPLAIN_DATE ? "%04ld-%02ld-%02ld" : "%02ld:%02ld:%02ld",
-                  whole / (base * base), whole / base % base, whole % base);
-  }
+  if (what == VX_EXPLAIN_DATE) std::snprintf(text, sizeof text, "%04ld-%02ld-%02ld", first, second, whole % base);
+  if (what == VX_EXPLAIN_TIME) std::snprintf(text, sizeof text, "%02ld:%02ld:%02ld", first, second, whole % base);
+  if (what == VX_EXPLAIN_DATETIME) std::strftime(text, sizeof text, "%F %T", gmtime_r(&since_1970, &fields));
   const std::string fraction = std::to_string(value - static_cast<double>(whole)).substr(1, 3);
   return text + (fraction == ".00" ? "" : fraction);
 }
@@ -68,57 +65,58 @@ std::string told(uint32_t what, const Read& got, const VXExplanation& out) {
   return text.str();
 }
 
+std::string trimmed(const std::string& text) { return std::regex_replace(text, std::regex("^ +| +$"), ""); }
+
 /// Runs a script of statements. "datePattern %d/%m" and "monthNames.2 März" change the record, "zone Zone/East" the
 /// locale's zone; "date 4" says what is read, and by which kind, "by %d" that a single pattern reads, be it of dates or
 /// of times. "TEXT = RESULT" is a case: what is told of it begins so; nothing stands for a refusal. A single pattern
 /// reads strictly and, where that is something else, leniently: "TEXT = RESULT | RESULT". "each DATE by SOURCE: TEXT |
 /// TEXT" are cases for row after row. "_" is a blank.
 void run(const std::string& script) {
+  static const std::map<std::string, uint32_t> subjects = {
+      {"by", 0}, {"date", VX_EXPLAIN_DATE}, {"time", VX_EXPLAIN_TIME}, {"datetime", VX_EXPLAIN_DATETIME}};
   ZonedLocale locale;
-  static const std::map<std::string, uint32_t> kinds = {
-      {"date", VX_EXPLAIN_DATE}, {"time", VX_EXPLAIN_TIME}, {"datetime", VX_EXPLAIN_DATETIME}};
-  static const std::regex reading(" *(date|time|datetime) (\\w+)"), single(" *by ?(.*)"), zone(" *zone(?: (.*))?"),
-      entry(" *(\\w+(?:Pattern|Marker|Names)\\d?)(?:\\.(\\d+))? ?(.*)"), rows(" *each (\\S+) by (\\d+): (.*)"),
-      text_of_row("[^| ][^|]*[^| ]"), text_and_result(" *(.*?) *= *([^|]*?) *(?:\\| *(.*?) *)?");
-  uint32_t what = 0, kind = 0;
-  std::u32string pattern;
+  uint32_t what = 0;
+  std::u32string argument;  // of what is read: the pattern or the kind
+  const auto text_of = [](const std::string& from) {
+    return utf32(std::regex_replace(trimmed(from), std::regex("_"), " "));
+  };
+  const auto expect = [&](const std::u32string& text, bool leniently, const std::string& result) {
+    VXExplanation out;
+    Read got;
+    if (what == 0) out = read_by(locale, argument, text, leniently);
+    else got = read(what, locale.get(), text, static_cast<uint32_t>(std::stoul(utf8(argument), nullptr, 0)), &out);
+    const std::string end = what == 0 && result[0] != 'n' ? " end " : " ",
+                      wanted = result.empty() ? "no " : result + end;
+    EXPECT_EQ((told(what, got, out) + ' ').substr(0, wanted.size()), wanted) << utf8(argument + U": " + text);
+  };
   std::istringstream statements(std::regex_replace(script, std::regex("//[^\n]*|\n"), " "));
-  for (std::string statement; std::getline(statements, statement, ';');) {
+  for (std::string statement; std::getline(statements >> std::ws, statement, ';');) {
     std::smatch parts;
-    const auto part = [&](size_t i) { return utf32(std::regex_replace(parts[i].str(), std::regex("_"), " ")); };
-    const auto expect = [&](const Read& got, const VXExplanation& out, const std::string& result) {
-      const std::string wanted = result.empty() ? "no " : result + (what == 0 && result[0] != 'n' ? " end " : " ");
-      EXPECT_EQ((told(what, got, out) + ' ').substr(0, wanted.size()), wanted) << statement;
-    };
-    const auto expect_read = [&](std::u32string_view text, const std::string& result) {
-      VXExplanation out;
-      const Read got = read(what, locale.get(), text, kind, &out);
-      expect(got, out, result);
-    };
-    if (std::regex_match(statement, parts, reading)) {
-      what = kinds.at(parts[1]), kind = static_cast<uint32_t>(std::stoul(parts[2], nullptr, 0));
-    } else if (std::regex_match(statement, parts, single)) {
-      what = 0, pattern = part(1);
-    } else if (std::regex_match(statement, parts, zone)) {
-      locale.use(part(1));
-    } else if (std::regex_match(statement, parts, entry)) {
-      const auto* const row = std::ranges::find(own::entries, parts[1].str(), [](auto& e) { return e.key; });
-      ASSERT_NE(row, std::end(own::entries)) << statement;
-      auto* const names = reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&locale.data) + row->offset);
-      set_name(names[parts[2].matched ? std::stoul(parts[2]) : 0], part(3));
-    } else if (std::regex_match(statement, parts, rows)) {
-      const std::string texts = parts[3], result = parts[1].str() + ' ', source = " by " + parts[2].str() + '.';
+    std::regex_match(statement, parts, std::regex("(\\w*)(?:\\.(\\d+))? ?(.*)"));
+    const std::string head = parts[1], index = parts[2], rest = parts[3];
+    const auto* const entry = std::ranges::find(own::entries, head, [](auto& e) { return e.key; });
+    const size_t equals = statement.find('='), bar = statement.find('|');
+    if (equals != statement.npos) {
+      const std::u32string text = text_of(statement.substr(0, equals));
+      const std::string result = trimmed(statement.substr(equals + 1, bar - equals - 1));
+      expect(text, false, result);
+      if (what == 0) expect(text, true, bar == statement.npos ? result : trimmed(statement.substr(bar + 1)));
+    } else if (subjects.contains(head)) {
+      what = subjects.at(head), argument = text_of(rest);
+    } else if (head == "zone") {
+      locale.use(text_of(rest));
+    } else if (std::regex_match(rest, parts, std::regex("(\\S+) by (\\d+): (.*)"))) {
+      std::istringstream texts(parts[3]);
       int row = 0;
-      for (std::sregex_iterator text(texts.begin(), texts.end(), text_of_row), end; text != end; ++text, ++row)
-        expect_read(utf32(text->str()), result + std::to_string(text->length()) + source + std::to_string(row));
-    } else if (std::regex_match(statement, parts, text_and_result) && what == 0) {
-      const std::ssub_match lenient = parts[parts[3].matched ? 3 : 2];
-      expect({}, read_by(locale, pattern, part(1), false), parts[2]);
-      expect({}, read_by(locale, pattern, part(1), true), lenient);
-    } else if (!parts.empty()) {
-      expect_read(part(1), parts[2]);
+      for (std::string text; std::getline(texts, text, '|'); ++row) {
+        const std::string size = std::to_string(trimmed(text).size());
+        expect(text_of(text), false, parts[1].str() + ' ' + size + " by " + parts[2].str() + '.' + std::to_string(row));
+      }
     } else {
-      EXPECT_EQ(statement.find_first_not_of(' '), statement.npos) << statement;
+      ASSERT_NE(entry, std::end(own::entries)) << statement;
+      auto* const names = reinterpret_cast<NLSName*>(reinterpret_cast<uint8_t*>(&locale.data) + entry->offset);
+      set_name(names[index.empty() ? 0 : std::stoul(index)], text_of(rest));
     }
   }
 }
