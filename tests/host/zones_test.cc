@@ -187,35 +187,32 @@ TEST(Zones, DamagedFiles) {
   EXPECT_TRUE(opened[0] > 1000 && opened[1] > 1000);
 }
 
-TEST(Zones, FarAwayFractionsAndNoNumbers) {
+TEST(Zones, FractionsFarAwayAndNoNumbers) {
   ZoneService made(zones);
   VXZoneService* const service = &made;
   static constexpr VXChar name[] = {'u', 's', '/', 'E', 'A', 'S', 'T', 'E', 'R', 'N', ' '};
   for (const int64_t length : {-1, 0, 4}) EXPECT_EQ(service->ops->open(service, name, length, 0), nullptr) << length;
   VXZone* const zone = service->ops->open(service, name, 11, 0);
-  for (const int32_t direction : {VX_ZONE_FROM_LOCAL, VX_ZONE_FROM_UTC}) {
-    const auto offset = [&](double seconds) { return service->ops->offset(service, zone, direction, seconds); };
-    // The ends of what dates can say: 1582-01-01 and 20000-12-31, in local mean time and by the last rule.
-    EXPECT_EQ(offset(-138061.0 * day), -17762);
-    EXPECT_EQ(offset(6589335.0 * day), -5 * 3600);
-    EXPECT_EQ(offset(6589155.0 * day), -4 * 3600);
-    // A fraction belongs to the second that has begun: the end of summer time in 2026.
-    const double end = 24411.0 * day + (direction == VX_ZONE_FROM_LOCAL ? 2 : 6) * 3600;
-    EXPECT_EQ(offset(end - 0.001) - offset(end), 3600);
-    for (int64_t room = -1; room <= 50; ++room) {
-      VXChar text[50] = {};
-      int64_t length = room;
-      int32_t described = 1;
-      EXPECT_EQ(service->ops->describe(service, zone, direction, end, text, &length, &described), 0u);
-      EXPECT_EQ(std::string(text, text + length),
-                std::string("America/New_York").substr(0, static_cast<size_t>(std::max<int64_t>(room, 0))));
-      EXPECT_EQ(std::count(text + length, std::end(text), 0u), 50 - length);
-      for (const double none : {9e15, -9e15, HUGE_VAL, std::nan("")}) {
-        EXPECT_EQ(offset(none), 0) << none;
-        EXPECT_EQ(service->ops->describe(service, zone, direction, none, text, &length, &described), VX_E_RANGE);
-      }
-      EXPECT_EQ(described, -5 * 3600);
+  const auto offset = [&](double seconds) { return service->ops->offset(service, zone, VX_ZONE_FROM_UTC, seconds); };
+  EXPECT_EQ(offset(-138061.0 * day), -17762);  // the ends of what dates can say: local mean time, and the last rule
+  EXPECT_EQ(offset(6589335.0 * day), -5 * 3600);
+  const double end = 24411.25 * day;  // of summer time in 2026; a fraction belongs to the second that has begun
+  EXPECT_EQ(offset(end - 0.001) - offset(end), 3600);
+  for (int64_t room = -1; room <= 50; ++room) {
+    VXChar text[50] = {};
+    int64_t length = room;
+    int32_t described = 1;
+    const auto describe = [&](double at) {
+      return service->ops->describe(service, zone, VX_ZONE_FROM_UTC, at, text, &length, &described);
+    };
+    EXPECT_EQ(describe(end), 0u);
+    EXPECT_EQ(std::string(text, text + length),
+              std::string("America/New_York").substr(0, static_cast<size_t>(std::max<int64_t>(room, 0))));
+    EXPECT_EQ(std::count(text + length, std::end(text), 0u), 50 - length);
+    for (const double none : {9e15, -9e15, HUGE_VAL, std::nan("")}) {
+      EXPECT_TRUE(offset(none) == 0 && describe(none) == VX_E_RANGE) << none;
     }
+    EXPECT_EQ(described, -5 * 3600);
   }
   service->ops->close(service, zone);
 }

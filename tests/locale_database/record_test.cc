@@ -1,7 +1,7 @@
 // Records as a whole: every byte defined; names, numbers, patterns and blocks as ICU's own formatters have them; and
 // the extension as a host meets it.
 #include <dlfcn.h>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <unicode/dcfmtsym.h>
 #include <unicode/decimfmt.h>
 #include <unicode/dtfmtsym.h>
@@ -262,18 +262,15 @@ TEST(Record, PatternsAreIcusOrTheDifferenceHasItsReasons) {
 TEST(Record, BlocksWhereLocalesDiffer) {
   const std::pair<const char*, const char*> cases[] = {
       {"sr_Latn_RS",
-       "sr|Latn|RS|sr-Latn-RS|sr_Latn_RS|srp|SRB|Serbian (Latin, Serbia)|RSD|srpski dinar|0|0123456789|prvi kvartal|"
-       "srpski (latinica, Srbija)|d.M.yy.|„|gregorian|latn|0|24|0|297|0"},
+       "sr|Latn|RS|sr-Latn-RS|sr_Latn_RS|srp|SRB|Serbian (Latin, Serbia)|RSD|srpski dinar|0123456789|"
+       "srpski (latinica, Srbija)|d.M.yy.|„|gregorian|latn|0|0|24|0|297|0"},
       {"en_US",
-       "en|Latn|US|en-US|en_US|eng|USA|English (United States)|USD|US Dollar|2|0123456789|1st quarter|"
-       "English (United States)|M/d/yy|“|gregorian|latn|0|12|1|279|1"},
+       "en|Latn|US|en-US|en_US|eng|USA|English (United States)|USD|US Dollar|0123456789|"
+       "English (United States)|M/d/yy|“|gregorian|latn|2|0|12|1|279|1"},
       {"fa_IR",
-       "fa|Arab|IR|fa-IR|fa_IR|fas|IRN|Persian (Iran)|IRR|ریال ایران|0|۰۱۲۳۴۵۶۷۸۹|سه‌ماههٔ "
-       "اول|فارسی "
-       "(ایران)|y/M/d|«|"
-       "persian|arabext|1|24|2|297|0"},
-      {"eo",
-       "eo|Latn|001|eo|eo|epo||Esperanto|XXX|XXX|2|0123456789|Q1|esperanto|yy-MM-dd|“|gregorian|latn|0|24|2|297|0"}};
+       "fa|Arab|IR|fa-IR|fa_IR|fas|IRN|Persian (Iran)|IRR|ریال ایران|۰۱۲۳۴۵۶۷۸۹|فارسی (ایران)|y/M/d|«|"
+       "persian|arabext|0|1|24|2|297|0"},
+      {"eo", "eo|Latn|001|eo|eo|epo||Esperanto|XXX|XXX|0123456789|esperanto|yy-MM-dd|“|gregorian|latn|2|0|24|2|297|0"}};
   for (const auto& [name, wanted] : cases) {
     const FilledLocale locale(name);
     const VXLocaleData& data = *locale.data;
@@ -281,28 +278,27 @@ TEST(Record, BlocksWhereLocalesDiffer) {
     const auto texts = block_of<VXLocaleTexts>(data.block9);
     const auto customs = block_of<VXLocaleCustoms>(data.block6);
     std::ostringstream told;
-    for (const std::string& entry : std::initializer_list<std::string>{
-             identity.language, identity.script, identity.region, identity.languageTag, identity.canonical,
-             identity.language3, identity.region3, text(data.block1), text(data.block3Names[0]),
-             text(data.block3Names[1]), std::to_string(block_of<VXLocaleCurrencyForm>(data.block3Rest).fractionDigits),
-             text(data.block4Name), text(data.names14336[0]), text(texts.ownName), text(texts.cldrDatePatterns[3]),
-             text(texts.quotation[0]), customs.calendar, customs.numbering}) {
-      told << entry << '|';
-    }
-    told << identity.rightToLeft << '|' << block_of<VXLocaleClock>(&data.word11848).hourCycle << '|'
-         << customs.dateOrder << '|' << customs.paperHeight << '|' << customs.measurementSystem;
+    for (const char* const code : {identity.language, identity.script, identity.region, identity.languageTag,
+                                   identity.canonical, identity.language3, identity.region3})
+      told << code << '|';
+    for (const NLSName& entry : {data.block1, data.block3Names[0], data.block3Names[1], data.block4Name, texts.ownName,
+                                 texts.cldrDatePatterns[3], texts.quotation[0]})
+      told << text(entry) << '|';
+    told << customs.calendar << '|' << customs.numbering << '|'
+         << block_of<VXLocaleCurrencyForm>(data.block3Rest).fractionDigits << '|' << identity.rightToLeft << '|'
+         << block_of<VXLocaleClock>(&data.word11848).hourCycle << '|' << customs.dateOrder << '|' << customs.paperHeight
+         << '|' << customs.measurementSystem;
     EXPECT_EQ(told.str(), wanted);
   }
 }
 
 // One symbol, a table of operations, C at the border.
-TEST(Extension, FillsRefusesAndTells) {
+TEST(Extension, FillsAndRefuses) {
   void* const library = dlopen(VXNLSLDB_FILE, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
   const auto* const description = static_cast<const VXHostExtension*>(dlsym(library, "vxhost_extension"));
   ASSERT_TRUE(description != nullptr && description->version == VXHOST_EXTENSION_VERSION);
-  static int closed = 0;
-  VXHostExtensionOwner owner{nullptr, [](VXHostExtensionOwner*) { ++closed; }};
+  VXHostExtensionOwner owner{nullptr, [](VXHostExtensionOwner*) {}};
   VXExtension* const extension = description->open(&owner);
   auto* const database = reinterpret_cast<VXLocaleDatabase*>(extension);
   const auto& ops = *reinterpret_cast<const VXHostLocaleDatabaseOps*>(database->ops);
@@ -319,19 +315,9 @@ TEST(Extension, FillsRefusesAndTells) {
   }
   EXPECT_EQ(ops.base.fill(database, record.get(), nullptr, 1), VX_E_NULL);
   EXPECT_EQ(ops.base.fill(database, nullptr, record->datePattern.text, 1), VX_E_NULL);
-  std::string told;
-  const auto hear = [](void* user, const char* a, const char*, const char* c) {
-    (*static_cast<std::string*>(user) += a) += c;
-    return 1;  // enough
-  };
-  vxtest::PlainLocale plain;
-  plain.data.pmMarker.length = plain.data.groupingPattern.length = 0;
-  EXPECT_EQ(ops.check(database, &plain.data, hear, &told), 0u);
-  EXPECT_THAT(told, testing::StartsWith("R3empt"));
-  EXPECT_EQ(ops.check(database, nullptr, hear, &told), VX_E_NULL);
-  EXPECT_EQ(ops.for_each_fallback(database, nullptr, hear, &told), VX_E_NULL);
+  EXPECT_EQ(ops.check(database, nullptr, nullptr, nullptr), VX_E_NULL);
+  EXPECT_EQ(ops.for_each_fallback(database, nullptr, nullptr, nullptr), VX_E_NULL);
   EXPECT_EQ(extension->ops->destroy(extension), 0u);
-  EXPECT_EQ(closed, 1);
   dlclose(library);
 }
 
