@@ -137,21 +137,16 @@ TEST(Calendar, RefusalsAndFractions) {
   for (const double d : {0.5, 31.5, nothing}) EXPECT_TRUE(fields_are({2001, 1, d}, nothing, left())) << d;
 }
 
-// The C library's remainder and floor, around borders at every fineness.
+// The C library's remainder and floor, where the loop over all days does not come.
 TEST(Calendar, TimeFieldsAgainstTheCLibrary) {
-  for (const double border :
-       {0., 60., 3600., -3600., 86400., -86400., 1e9 / 7, -1e9 / 7, -11928470400., 569318630399.}) {
-    for (int i = 0; i < 120; ++i) {
-      const double t = border + (i % 2 == 0 ? 1 : -1) * std::ldexp(1, -i / 2);
-      if (t < -11928470400 || t >= 569318630400) continue;
-      const double within = std::fmod(t, 86400);
-      const double by_value = t < 0 ? 86400 - std::fabs(within) : within;
-      ASSERT_EQ(NLSdatprt(t), std::trunc((t + 11928470400) / 86400) - 138061) << t;
-      ASSERT_EQ(NLStimprt(t), std::fmod(t <= 0 ? t + 11928470400 : t, 86400)) << t;
-      ASSERT_EQ(NLShour(t), std::floor((within < 0 ? within + 86400 : within) / 3600)) << t;
-      ASSERT_EQ(NLSminute(t), std::floor(std::floor(std::fmod(by_value, 3600)) / 60)) << t;
-      ASSERT_EQ(NLSsecond(t), std::fmod(by_value, 60)) << t;
-    }
+  for (const double t :
+       {0., -0.5, -1e-9, 60 - 1e-9, -3600 - 1e-7, -86400., 86400 - 1e-6, 1e9 / 7, -1e9 / 7, 5e11 / 7}) {
+    const double within = std::fmod(t, 86400), by_value = t < 0 ? 86400 - std::fabs(within) : within;
+    EXPECT_EQ(NLSdatprt(t), std::trunc((t + 11928470400) / 86400) - 138061) << t;
+    EXPECT_EQ(NLStimprt(t), std::fmod(t <= 0 ? t + 11928470400 : t, 86400)) << t;
+    EXPECT_EQ(NLShour(t), std::floor((within < 0 ? within + 86400 : within) / 3600)) << t;
+    EXPECT_EQ(NLSminute(t), std::floor(std::floor(std::fmod(by_value, 3600)) / 60)) << t;
+    EXPECT_EQ(NLSsecond(t), std::fmod(by_value, 60)) << t;
   }
   // Kept on purpose: what is lost against a day; and the date is rounded, the time is not.
   EXPECT_EQ(NLShour(-1e-12), 24);

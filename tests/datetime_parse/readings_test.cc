@@ -256,21 +256,12 @@ TEST(ParseDatetime, ByPatternAndByParts) {
     // A date alone is a datetime only where an empty time pattern is tried. Without a year, the year is 2000.
     datetime 4; 2021-03-04 =; timePattern; 2021-03-04_ = 2021-03-04 00:00:00 11;
     datetime 0; datetimePattern %d.%m; 29.02 = 2000-02-29 00:00:00 5;
-  )");
-}
-
-TEST(ParseDatetime, ResultsAreInTheZoneOfTheLocale) {
-  // A "Z" that is a literal says nothing. The offset of a zone is that of the local time in it. The locale's own offset
-  // is that of the moment in UTC. Of a zone and an offset, the zone counts.
-  run(R"(
-    zone Zone/West; datetimePattern %Y-%m-%d %H:%M:%S %Z; timePattern %H:%M:%S %z; datetime 4;
-    2021-03-04, 10:20:30 +0100 = 2021-03-04 03:50:30 26; 2021-03-04, 10:20:30Z = 2021-03-04 10:20:30 21;
-    datetime 0; 2021-03-04 10:20:30 XST = 2021-03-04 10:20:30 23;
-    2021-03-04 10:20:30 Zone/East = 2021-03-04 02:50:30 29; 2021-03-04 10:20:30 Zone/West_ = 2021-03-04 10:20:30 30;
-    1960-01-01 00:00:00 Zone/Summer = 1959-12-31 16:30:00 31; 1959-12-31 23:59:59 Zone/Summer = 1959-12-31 17:29:59 31;
-    zone Zone/Summer; 1960-01-01 02:00:00 Zone/East = 1960-01-01 02:00:00 29;
-    1960-01-01 01:59:59 Zone/East = 1960-01-01 00:59:59 29;
-    datetimePattern %Y-%m-%d %H:%M:%S %z, %Z; 1970-01-01 12:00:00 -01:00, Zone/East = 1970-01-01 12:00:00 37;
+    // The locale's own offset is that of the moment in UTC. Of a zone and an offset, the zone counts. A "Z" that is a
+    // literal says nothing.
+    zone Zone/Summer; datetimePattern %Y-%m-%d %H:%M:%S %z, %Z; timePattern %H:%M:%S %z;
+    1960-01-01 02:00:00 -01:00, Zone/East = 1960-01-01 02:00:00 37;
+    1960-01-01 01:59:59 -01:00, Zone/East = 1960-01-01 00:59:59 37; datetime 4;
+    1960-01-01 01:59:59 +02:00 = 1960-01-01 00:59:59 26; 1960-01-01 10:20:30Z = 1960-01-01 10:20:30 20;
   )");
 }
 
@@ -357,55 +348,43 @@ TEST(Explain, OtherResults) {
 TEST(Explain, MatchesInFull) {
   ZonedLocale locale;
   VXExplanation out;
-  const auto explain = [&](uint32_t what, std::u32string_view text, uint32_t kind) {
-    read(what, locale.get(), text, kind, &out);
-  };
   set_name(locale.data.datePattern, U"%d/%m/%Y");
   set_name(locale.data.timePattern1, U"%M:%H:%S");
-  set_name(locale.data.quarterPattern2, U"Q1 2021");  // names no quarter
-  explain(VX_EXPLAIN_DATE, U" 03/04/2021 x", 4);
+  read(VX_EXPLAIN_DATE, locale.get(), U" 03/04/2021 x", 4, &out);
   EXPECT_TRUE(out.match.start == 1 && out.match.end == 11 && out.value == 22373);  // 3 April 2021
   ASSERT_EQ(out.other_count, 1);  // the row that equals the locale's pattern gives the same date and does not count
   EXPECT_TRUE(out.others[0].candidate.pattern.text[1] == 'm' && out.others[0].candidate.row == 14);
   EXPECT_TRUE(out.others[0].fields.month == 3 && out.refusal.attempts == 20);
-  explain(VX_EXPLAIN_DATE, U"31/02/2021", 4);
+  read(VX_EXPLAIN_DATE, locale.get(), U"31/02/2021", 4, &out);
   EXPECT_TRUE(out.day_exists == 0 && out.value != out.value);
-  explain(VX_EXPLAIN_DATE, U"Q1 2021", 8);
-  EXPECT_EQ(out.match.fields.month, 1);
-  explain(VX_EXPLAIN_DATETIME, U"03/04/2021 01:05:00 AM", 0);
-  EXPECT_EQ(out.time.candidate.source, 0u);
-  explain(VX_EXPLAIN_DATETIME, U"03/04/2021 01:05:00", 4);
+  read(VX_EXPLAIN_DATETIME, locale.get(), U"03/04/2021 01:05:00", 4, &out);
   EXPECT_TRUE(out.time.start == 11 && out.time.end == 19 && out.time.fields.minute == 1);
   EXPECT_TRUE(out.other_count == 2 && out.others[1].fields.hour == 1);
-  explain(VX_EXPLAIN_DATETIME, U"03/04/2021 x", 4);  // a date that was understood is told also when its time was not
+  read(VX_EXPLAIN_DATETIME, locale.get(), U"03/04/2021 x", 4, &out);  // told also when the time was not understood
   EXPECT_EQ(out.match.fields.year, 2021);
 }
 
 TEST(ParseArguments, LengthsBelowZeroAndNulls) {
   PlainLocale locale;
+  VXLocale* const l = locale.get();
   uint32_t m = 1, d = 1, y = 1;
   double value = -1;
   int64_t consumed = -1;
   VXExplanation out{};
-  EXPECT_EQ(NLSBufToDateU(locale.get(), nullptr, INT64_MIN, 0, &m, &d, &y, &consumed), VX_E_NOMATCH);
-  EXPECT_EQ(NLSBufToTime(locale.get(), nullptr, INT64_MIN, 4, &value, &consumed), VX_E_NOMATCH);
-  EXPECT_EQ(NLSBufToDatetimeU(locale.get(), nullptr, 0, 0, &value, &consumed), VX_E_NOMATCH);  // empty, not missing
   const VXChar units[] = {'5'};
   const uint8_t bytes[] = {'5'};
-  const auto refuse_nulls = [&](auto* text, auto date, auto time, auto datetime) {
-    VX_EXPECT_NULLS_REFUSED(date, locale.get(), text, 1, 4u, &m, &d, &y, &consumed);
-    VX_EXPECT_NULLS_REFUSED(time, locale.get(), text, 1, 4u, &value, &consumed);
-    VX_EXPECT_NULLS_REFUSED(datetime, locale.get(), text, 1, 4u, &value, &consumed);
-  };
-  refuse_nulls(units, NLSBufToDate, NLSBufToTime, NLSBufToDatetime);
-  refuse_nulls(bytes, NLSBufToDateU, NLSBufToTimeU, NLSBufToDatetimeU);
+  EXPECT_EQ(NLSBufToDateU(l, nullptr, INT64_MIN, 0, &m, &d, &y, &consumed), VX_E_NOMATCH);
+  EXPECT_EQ(NLSBufToTime(l, nullptr, 0, 4, &value, &consumed), VX_E_NOMATCH);  // empty, not missing
+  VX_EXPECT_NULLS_REFUSED(NLSBufToDateU, l, bytes, 1, 4u, &m, &d, &y, &consumed);
+  VX_EXPECT_NULLS_REFUSED(NLSBufToTime, l, units, 1, 4u, &value, &consumed);
+  VX_EXPECT_NULLS_REFUSED(NLSBufToDatetime, l, units, 1, 4u, &value, &consumed);
   EXPECT_EQ(value + static_cast<double>(consumed), -2);
   out.size = sizeof out - 1;
-  EXPECT_EQ(vxnlsExplain(locale.get(), 1, 4, bytes, 1, &out), VX_E_LENGTH);
+  EXPECT_EQ(vxnlsExplain(l, 1, 4, bytes, 1, &out), VX_E_LENGTH);
   out.size = sizeof out + 8;
-  for (const uint32_t what : {0u, 4u}) EXPECT_EQ(vxnlsExplain(locale.get(), what, 4, bytes, 1, &out), VX_E_KIND);
-  VX_EXPECT_NULLS_REFUSED(vxnlsExplain, locale.get(), 1u, 4u, bytes, 1, &out);
-  EXPECT_EQ(vxnlsExplain(locale.get(), 1, 4, nullptr, -1, &out), 0u);
+  for (const uint32_t what : {0u, 4u}) EXPECT_EQ(vxnlsExplain(l, what, 4, bytes, 1, &out), VX_E_KIND);
+  VX_EXPECT_NULLS_REFUSED(vxnlsExplain, l, 1u, 4u, bytes, 1, &out);
+  EXPECT_EQ(vxnlsExplain(l, 1, 4, nullptr, -1, &out), 0u);
   EXPECT_EQ(out.size, static_cast<int64_t>(sizeof out));
 }
 

@@ -283,13 +283,13 @@ TEST(ParseSweeps, BrokenUtf8IsRefused) {
   GuardedBuffer<uint8_t> memory(256);
   const auto is_read = [&](const std::string& text) {
     const auto* const at = memory.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size());
-    const auto length = static_cast<int64_t>(text.size());
-    uint32_t m = 0, d = 0, y = 0;
+    uint32_t date[3];
     int64_t consumed = 0;
     VXExplanation out;
     out.size = sizeof out;
-    EXPECT_EQ(vxnlsExplain(locale.get(), VX_EXPLAIN_DATE, 16, at, length, &out), 0u);
-    EXPECT_EQ(NLSBufToDateU(locale.get(), at, length, 16, &m, &d, &y, &consumed), out.status);
+    EXPECT_EQ(vxnlsExplain(locale.get(), VX_EXPLAIN_DATE, 16, at, std::ssize(text), &out), 0u);
+    EXPECT_EQ(NLSBufToDateU(locale.get(), at, std::ssize(text), 16, &date[0], &date[1], &date[2], &consumed),
+              out.status);
     return out.status == 0;
   };
   ASSERT_TRUE(is_read(whole));
