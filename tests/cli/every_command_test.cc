@@ -1,8 +1,6 @@
 // What holds for every command: the table of commands against help, manual pages, completion, and the command itself.
 #include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <unicode/bytestream.h>
-#include <unicode/normalizer2.h>
 
 #include <filesystem>
 #include <fstream>
@@ -99,25 +97,18 @@ TEST(EveryCommand, CompletionOffersTheTableAndNothingElse) {
   });
 }
 
-/// A manual page in UTF-8, and wide enough that nothing is broken into lines but what has to be.
+/// A manual page in UTF-8, and wide enough that nothing is broken into lines but what has to be. The formatter takes
+/// U+1F75 and U+1FCB for their equals, U+03AE and U+0389.
 std::string manual(const fs::path& page) {
   const auto result = run_line(fmt::format(
       R"(export LC_ALL=C.UTF-8 MANWIDTH=2000 MAN_KEEP_FORMATTING=1
-         man --warnings=w --nh --nj -E UTF-8 -P cat -l {} | sed -E 's/\x1b\[[0-9;]*m//g; s/.\x08//g')",
+         man --warnings=w --nh --nj -E UTF-8 -P cat -l {} | sed -E 's/\x1b\[[0-9;]*m//g; s/.\x08//g; y/ήΉ/ήΉ/')",
       page.string()));
   EXPECT_EQ(result.err, "");
   return result.out;
 }
 
-/// Blanks of every kind are one, and so are texts that are canonically equivalent: the formatter takes U+1F75 for
-/// U+03AE.
-std::string in_one_line(std::string_view text) {
-  UErrorCode error = U_ZERO_ERROR;
-  std::string line;
-  icu::StringByteSink<std::string> sink(&line);
-  icu::Normalizer2::getNFCInstance(error)->normalizeUTF8(0, text, sink, nullptr, error);
-  return std::regex_replace(line, std::regex("[ \n\t]+"), " ");
-}
+std::string in_one_line(const std::string& text) { return std::regex_replace(text, std::regex("[ \n\t]+"), " "); }
 
 TEST(EveryCommand, ManualPagesSayWhatTheTableSays) {
   const vxtest::TemporaryFolder folder;
@@ -126,10 +117,10 @@ TEST(EveryCommand, ManualPagesSayWhatTheTableSays) {
     const fs::path file = folder.file(manual_name(path) + ".1");
     std::ofstream(file) << manual_page(path);
     const std::string text = in_one_line(manual(file));
-    const auto expect = [&](std::string_view wanted) { EXPECT_THAT(text, testing::HasSubstr(in_one_line(wanted))); };
+    const auto expect = [&](const std::string& wanted) { EXPECT_THAT(text, testing::HasSubstr(in_one_line(wanted))); };
     const Command& command = *path.back();
     expect(fmt::format("{} - {}", manual_name(path), command.summary));
-    expect(command.description);
+    expect(std::string(command.description));
     for (const Option* option : options_of(path)) {
       std::string head = option->letter == 0 ? "" : fmt::format("-{}", option->letter);
       if (!option->name.empty()) head += fmt::format("{}--{}", head.empty() ? "" : ", ", option->name);
