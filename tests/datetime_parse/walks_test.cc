@@ -105,15 +105,12 @@ TEST(ParseDirectives, NumbersOverTheirRangesAndBeyond) {
   }
 }
 
-struct Moment {
-  int32_t year, month, day, hour, minute, second;
-};
 // Every field with one digit and with two, and the hours that the dial turns into others.
-constexpr Moment moments[] = {{2005, 3, 5, 0, 4, 6},
-                              {1999, 11, 25, 13, 45, 56},
-                              {2024, 2, 12, 12, 30, 9},
-                              {1582, 12, 31, 23, 59, 59},
-                              {3999, 10, 10, 9, 10, 10}};
+constexpr int32_t moments[][6] = {{2005, 3, 5, 0, 4, 6},
+                                  {1999, 11, 25, 13, 45, 56},
+                                  {2024, 2, 12, 12, 30, 9},
+                                  {1582, 12, 31, 23, 59, 59},
+                                  {3999, 10, 10, 9, 10, 10}};
 
 /// The rule: whether what directives with a separator between them write of a moment, behind others that show the whole
 /// of it, is read as that moment, whichever that is.
