@@ -165,17 +165,15 @@ TEST(Commands, Texts) {
   expect(R"~(
 $ printf 'a\377z' | vxnls transcode --on-error skip -q; vxnls transcode /dev/null > /dev/full
 > vxnls compare abc 'abc  ' --mode code-points; vxnls compare é é --mode normalised
-> vxnls compare grün grüz | tail -n 1; printf '\377\n' | vxnls case upper
+> vxnls compare grün grüz | tail -n 1
 > yes 'Grüße 😀 日' | head -n 100000 > text; from=utf-8
 > for to in utf-16le modified-utf-8 utf-32be utf-16be utf-32le utf-8; do
 >   vxnls transcode --from $from --to $to text > new; mv new text; from=$to; done; uniq -c text
 az-1
 0
 they part at character 4 (byte 4): U+006E "n" and U+007A "z"
-
  100000 Grüße 😀 日
-! vxnls: line 1: "\xFF": it is not UTF-8
-= 1 0 0 0 0 1 0 0 0 0 0 0
+= 1 0 0 0 0 0 0 0 0 0 0
 )~");
 }
 
@@ -267,24 +265,15 @@ $ json() { vxnls $* --json | sed 's/,.*locale/ locale/'; }  # a value may begin 
 > json -l de_DE --zone Japan format date 1; json -lde_DE format --zone=Japan date -5 2
 > json -l fr_FR format date --locale de_DE -qzJapan 1; vxnls format date -l -z; vxnls format date -lC -- -l
 > vxnls zone -- list; vxnls calendar --from nothing --help | head -n 1
-> for words in 'format date -qlde_D' "-l format calendar --from ''" 'zone list -- -' 'zone UTC li' "help format ''" \
->   "help nonsense ''" "nonsense ''"; do eval vxnls completion next -- "$words" | cut -f 1 | sed -n 2,5p | paste -sd,; done
 {"value":"1" locale":"de_DE","zone":"Asia/Tokyo"}
 {"value":"-5" locale":"de_DE","zone":"Asia/Tokyo"}
 {"value":"2" locale":"de_DE","zone":"Asia/Tokyo"}
 {"value":"1" locale":"de_DE","zone":"Asia/Tokyo"}
 Usage: vxnls calendar [OPTION...] [VALUE...]
--qlaf,-qlaf_NA,-qlaf_ZA,-qlagq
-date,day,julian
-
-
-date,time,datetime,number
-
-
 ! vxnls: there is no locale "-z"; "vxnls locale list" lists them
 ! vxnls: "-l": a date is 2026-11-21, a day number or now
 ! vxnls: there is no time zone "list"; "vxnls zone list" lists them
-= 0 0 0 2 1 2 0 0 0 0 0 0 0 0
+= 0 0 0 2 1 2 0
 $ for w in '' fromat datetime 'format date --patern x' '--from day calendar 1' 'locale show C de' \
 >   'parse number --chunk-header 1'; do vxnls $w; done 2>&1 | cut -c 1-118
 vxnls: "vxnls" wants a command: format, parse, recognise, normalise, locale, calendar, zone, transcode, case, compare,
@@ -380,7 +369,6 @@ $ export PATH=${VXNLS%/*}:/usr/bin:/bin LANG=C.UTF-8 HOME=$PWD TERM=dumb
 >   esac
 >   press 'vxnls form\tnumb\t1234.5 --gro\t --loca\tde_D\t\n' 1.234,5
 >   press 'vxnls format date 2026-11-21 --locale=de_D\t --sty\tlon\t\n' '21. November 2026'
->   press 'vxnls -z Europe/Berl\t format datetime @0 --patt\t%Z\n' Europe/Berlin
 >   press 'vxnls normalise -qc 1:number --no-head\t some\tnew\t\n' 1234.5
 >   press 'vxnls normalise --profile=some\tnew\t </dev/null\n' 'vxnls: some folder/new file: '
 >   press 'vxnls help loc\tlis\t| head -n 1\n' 'Usage: vxnls locale list'
@@ -396,7 +384,6 @@ $ export TERM=xterm; while read -r line; do script -qec "$line" /dev/null < /dev
 > vxnls --color always nonsense 2>&1 | cat
 > vxnls --color=never nonsense
 > NO_COLOR=1 vxnls --color always -h
-> TERM=dumb vxnls -h
 > vxnls format date 0 -l de_US
 > vxnls parse date 03/04/2021 -l en_US --explain --color always | grep 2021-04
 > end
@@ -405,10 +392,9 @@ E[1;31mvxnls:E[0m "x": a date is 2026-11-2
 E[1;31mvxnls:E[0m "vxnls" has no command "
 vxnls: "vxnls" has no command "nonsense"
 E[1mUsage:E[0m vxnls COMMAND ...
-Usage: vxnls COMMAND ...
 vxnls: E[1;36mnote:E[0m there is no locale
   E[33mambiguousE[0m  2021-04-03 by %d/%m/
-= 1 2 2 0 0 0 0
+= 1 2 2 0 0 0
 )~");
 }
 
