@@ -111,7 +111,7 @@ de_DE
 = 0 0 0 0 0 0 0 0 0 0 0 0 0 0 2
 $ zone() { echo $(vxnls $* zone | head -n 1); }
 > (zone; export TZ=:Asia/Tokyo; zone; export VXNLS_ZONE=europe/berlin; zone; zone -z Asia/Calcutta) | paste -sd,
-> vxnls format date 0 -z Berlin; VXNLS_ZONE=Nowhere vxnls format date 0
+> vxnls format date 0 -z Berlin; VXNLS_ZONE=Nowhere vxnls format date 0; TZ=Asia/Tokio vxnls format date 0
 > # Names are looked up and never opened, and what a file says never reaches the terminal as it stands.
 > vxnls format date -z /usr/share/zoneinfo/UTC 0; vxnls recognise "$(printf 'no\033[2Jthing')"
 > a=$(printf %010000d 0); (vxnls format date -l $a 0; vxnls zone $a) 2>&1 | sed 's/0\{60\}/.../'
@@ -128,9 +128,10 @@ locales checked: 0 break a rule entries that fell back
 vxnls 6.1.0 (libvxnlsloc V0601R0D; ICU ; CLDR ; Unicode ; tz <end>
 ! vxnls: there is no time zone "Berlin"; did you mean Europe/Berlin?
 ! vxnls: VXNLS_ZONE: there is no time zone "Nowhere"; "vxnls zone list" lists them
+! vxnls: TZ: there is no time zone "Asia/Tokio"; did you mean Asia/Tokyo?
 ! vxnls: there is no time zone "/usr/share/zoneinfo/UTC"; "vxnls zone list" lists them
 ! vxnls: no\u{001B}[2Jthing: No such file or directory
-= 0 0 0 0 2 2 2 3 2 2 0 0 0 0
+= 0 0 0 0 2 2 2 2 3 2 2 0 0 0 0
 )~");
 }
 
@@ -216,7 +217,10 @@ $ vxnls normalise -c when:date,amount:number --rejects rejects -q < orders > out
 > tail -n 2 f | vxnls normalise --format lines --profile p --rejects q -q | paste -sd,
 > (echo 12/25/21; head -n 2 f; echo 03/04/21) | vxnls normalise --format lines -c 1:date --rejects r -q > out
 > grep -ho '"value[^,]*,"outcome[^,]*' q r
-> for o in comma point; do echo 1,234 | vxnls normalise --format lines -c 1:number --decimal $o -q; done | paste -sd,
+> (tail -n 1 f; head -n 1 f) > g; vxnls normalise --format lines --sample all -q g | paste -sd,
+> for o in comma point; do
+>   echo 1,234 | vxnls normalise --format lines -c 1:number --decimal $o --to-locale de_CH -q; done | paste -sd,
+> echo '2021년 3월 5일 오후 2:05' | vxnls recognise --format lines -l auto | grep -o 'locale [^ ]*'
 {"file":"standard input","line":4,"record":3,"byte":67,"column":"when","kind":"date","value":"32.01.2021","outcome":"u
 nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 31), reading %#d","status":"0x803fe80b
 "}
@@ -226,8 +230,10 @@ nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 
 12/25/21,2021-04-03
 "value":"12/25/21","outcome":"contradicts"
 "value":"03/04/21","outcome":"ambiguous"
-1.234,1234
-= 1 0 0 1 1 0 1 1 0 0
+2021-04-03,2021-12-25
+1.234,1’234
+locale ko_KR
+= 1 0 0 1 1 0 1 1 0 0 0 0
 $ printf 'note\nhello\nworld\n' | vxnls normalise -c note; printf 'a\n1\n' > f; vxnls normalise -c a f >> f; wc -l < f
 > printf 'when,2,amount,amount,\n1,2,3,4,5\n' > f; names() { vxnls recognise --json $* | grep '"column"'; }
 > (names -c 4,when,2 f; names --no-header -c 7,1 f; names --format jsonl -c any,1 f) | tr -d '\n '; echo
