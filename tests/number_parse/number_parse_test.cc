@@ -129,6 +129,8 @@ TEST_F(Readers, Faults) {
       {english, real, 0, U"-.\u00e9", VX_FAULT_MISSING_LETTER, 1, 1},
       {english, real, 0, U".A \u00e9", VX_FAULT_TEXT_AFTER, 3, 2},
       {english, real, 0, U"1.2.3", VX_FAULT_SECOND_POINT, 3, 1},
+      {english, real, 0, U"1e5.", VX_FAULT_TEXT_AFTER, 3, 1},
+      {english, real, 0, U"1.5 ,", VX_FAULT_TEXT_AFTER, 4, 1},
       {swiss, real, 0, U"1.2\u20193", VX_FAULT_SEPARATOR_IN_FRACTION, 3, 3},
       {english, real, 0, U"1e-,5", VX_FAULT_EXPONENT_WITHOUT_DIGITS, 3, 1},
       {english, real, 0, U"0E99999999999999999999999999x", VX_FAULT_EXPONENT_RANGE, 2, 26},
@@ -221,31 +223,20 @@ TEST_F(Readers, EveryLengthWithAFaultAtEveryPlace) {
   }
 }
 
-/// Numbers near every border of the conversion, as English writes them.
+/// Numbers of every length and power, and near every border of the conversion, as English writes them.
 std::string any_number(std::mt19937_64& random) {
   const auto below = [&](uint64_t n) { return random() % n; };
-  static const struct {
-    std::string border;  // its first digits, the last of them another; random ones after it
-    uint64_t least, most;
-    int64_t from, to;  // the power of ten of the first digit
-  } kinds[] = {{"", 1, 8, -8, 15},
-               {"", 15, 20, -25, 50},
-               {"", 28, 48, -40, 80},
-               {"", 1, 20, -650, 335},
-               {"", 1, 40, -335, -290},  // subnormal, or smaller still
-               {"", 1, 34, 270, 309},
-               {"17976931348623157081452742373170", 1, 32, 308, 308},
-               {"24703282292062327208289439643411", 15, 32, -324, -324},
-               {"000000000000000000000000000000", 1, 34, -25, 25}};
+  static const std::pair<std::string, int64_t> borders[] = {
+      {"17976931348623157081452742373170", 308}, {"24703282292062327208289439643411", -324}, {std::string(30, '0'), 0}};
   std::string number;
-  int64_t power = 0;
-  if (const uint64_t which = below(10); which < 9) {
-    const auto& kind = kinds[which];
-    const uint64_t count = kind.least + below(kind.most - kind.least + 1);
-    number = kind.border.substr(0, count);
-    if (!number.empty()) number.pop_back();
+  auto power = static_cast<int64_t>(below(2) == 0 ? below(986) : 620 + below(70)) - 650;  // of the first digit
+  if (const uint64_t which = below(10); which > 0) {
+    const size_t count = 1 + below(below(2) == 0 ? 17 : 48);
+    if (which <= std::size(borders)) {  // its first digits, the last of them another; random ones after it
+      number = borders[which - 1].first.substr(0, count - 1);
+      power = borders[which - 1].second;
+    }
     while (number.size() < count || below(12) == 0) number += static_cast<char>('0' + below(10));
-    power = kind.from + static_cast<int64_t>(below(static_cast<uint64_t>(kind.to - kind.from + 1)));
   } else {  // a double, or the middle between it and the next, to so many digits
     const auto value = std::bit_cast<double>(below(UINT64_C(0x7FE0000000000000)));
     const auto other = static_cast<long double>(below(2) == 0 ? value : std::nextafter(value, HUGE_VAL));
