@@ -206,7 +206,8 @@ TEST(ColumnReader, DatesTimesAndPeriods) {
 TEST(ColumnReader, Numbers) {
   Decision number = decision_of(Kind::number, "de_DE");
   expect(number,
-         "1,5 = 1.5 | 1.5 = 1.5 | 12,34,567 = 1234567 | 0,123 = 0.123 | 1,234 = ?1,234: --decimal | 1.234 = ?1.234 | "
+         "1,5 = 1.5 | 1.5 = 1.5 | 1234,567 = 1234.567 | 12,34,567 = 1234567 | 0,123 = 0.123 | 1,234 = ?1,234: "
+         "--decimal | 1.234 = ?1.234 | "
          "12.34.567 = !12.34.567");
   number.decimal_point = ",";
   number.group_separators = ".' ";
