@@ -17,20 +17,11 @@ int64_t spared_ones;
 bool keeps_failing;
 vxtest::Ways* known_ways;
 
-/// `caller`: where operator new returns to; how many calls lie between that and here is the compiler's to say.
-bool is_new_way(const void* caller) {
-  void* callers[48];
-  void** const end = callers + backtrace(callers, static_cast<int>(std::size(callers)));
-  void** const first = std::find(callers, end, caller);
-  const auto depth = std::min(static_cast<size_t>(known_ways->callers()), static_cast<size_t>(end - first));
-  return known_ways->add(std::hash<std::string_view>()({reinterpret_cast<char*>(first), depth * sizeof *callers}));
-}
-
 bool fails(const void* caller) {
   if (!counting.load(std::memory_order_acquire)) return false;
   const int64_t number = ++count;
   if (first_failed != 0) return keeps_failing;
-  if (number <= spared_ones || (known_ways != nullptr && !is_new_way(caller))) return false;
+  if (number <= spared_ones || (known_ways != nullptr && !known_ways->add(caller))) return false;
   int64_t none = 0;
   return first_failed.compare_exchange_strong(none, number) || keeps_failing;
 }
@@ -39,8 +30,12 @@ bool fails(const void* caller) {
 
 namespace vxtest {
 
-bool Ways::add(uint64_t way) {
-  if (way == 0) way = 1;
+bool Ways::add(const void* caller) {
+  void* callers[48];
+  void** const end = callers + backtrace(callers, static_cast<int>(std::size(callers)));
+  void** const first = std::find(callers, end, caller);  // how many calls lie before it is the compiler's to say
+  const size_t depth = std::min(callers_, static_cast<size_t>(end - first));
+  const uint64_t way = std::hash<std::string_view>()({reinterpret_cast<char*>(first), depth * sizeof *callers}) | 1;
   for (size_t i = way % std::size(slots_);; i = (i + 1) % std::size(slots_)) {
     uint64_t there = 0;
     if (slots_[i].compare_exchange_strong(there, way)) return true;

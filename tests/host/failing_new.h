@@ -11,13 +11,12 @@ namespace vxtest {
 /// The ways, by the nearest callers, that led to allocations that failed.
 class Ways {
  public:
-  explicit Ways(int callers) : callers_(callers) {}  // at most 32
-  int callers() const { return callers_; }
-  /// False when it was there before.
-  bool add(uint64_t way);
+  explicit Ways(int callers) : callers_(static_cast<size_t>(callers)) {}  // at most 32
+  /// `caller`: where operator new returns to. False when that way was there before.
+  bool add(const void* caller);
 
  private:
-  const int callers_;
+  const size_t callers_;
   std::atomic<uint64_t> slots_[size_t{1} << 16] = {};
 };
 

@@ -2,7 +2,6 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <sstream>
 #include <string>
 
@@ -24,29 +23,24 @@ constexpr const char* slots =
     "NLSDateFormatU NLSTimeFormatU NLSBufToDatetimeU NLSBufToDateU NLSBufToTimeU";
 
 TEST(Slots, NamesAndSlotsLeadToTheSameFunctions) {
-  void* const library = dlopen(VX_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
-  ASSERT_NE(library, nullptr) << dlerror();
+  const auto named = [](const char* name) { return dlsym(RTLD_DEFAULT, name); };
   vxtest::FailingHost host;
   ASSERT_TRUE(host.load_module());
   VXLocale* const locale = host.create(U"en_US", nullptr);
   ASSERT_NE(locale, nullptr);
-  const auto* const bytes = reinterpret_cast<const uint8_t*>(locale);
+  const auto* const table = reinterpret_cast<void* const*>(reinterpret_cast<const uint8_t*>(locale) + 296);
   std::istringstream names(slots);
   size_t count = 0;
   for (std::string name; names >> name; ++count) {
-    void* slot = nullptr;
-    std::memcpy(&slot, bytes + 296 + 8 * count, sizeof slot);
-    EXPECT_NE(slot, nullptr);
-    EXPECT_EQ(slot, dlsym(library, name.c_str())) << "slot " << count + 1 << ", " << name;
+    EXPECT_TRUE(table[count] != nullptr && table[count] == named(name.c_str())) << "slot " << count + 1 << ", " << name;
   }
   EXPECT_EQ(count, 64u);
   NLSModule* const module = host.module();
-  EXPECT_EQ(reinterpret_cast<void*>(module->localeCreate), dlsym(library, "NLSLocaleCreate"));
-  EXPECT_EQ(reinterpret_cast<void*>(module->localeDestroyCallback), dlsym(library, "NLSLocaleDestroyCallback"));
-  EXPECT_EQ(reinterpret_cast<void*>(module->realDestroy), dlsym(library, "NLSLOCRealDestroy"));
-  EXPECT_EQ(reinterpret_cast<void*>(locale->destroy), dlsym(library, "NLSLocaleDestroy"));
+  EXPECT_EQ(reinterpret_cast<void*>(module->localeCreate), named("NLSLocaleCreate"));
+  EXPECT_EQ(reinterpret_cast<void*>(module->localeDestroyCallback), named("NLSLocaleDestroyCallback"));
+  EXPECT_EQ(reinterpret_cast<void*>(module->realDestroy), named("NLSLOCRealDestroy"));
+  EXPECT_EQ(reinterpret_cast<void*>(locale->destroy), named("NLSLocaleDestroy"));
   host.destroy_private(locale);
-  dlclose(library);
 }
 
 }  // namespace
