@@ -284,11 +284,11 @@ acquire creation 1 1
   open_zone zones America/New_York 0
   allocate pool 24 80000000
   insert vxnls Locale VXETZ track 4000000 0 block 24 0 America/New_York *
-  release_entry vxnls Locale VXETZ track *
+  release_entry vxnls Locale VXETZ track entry
   release_lock vxnls Locale VXZ lock
  insert VXNLS Locale track 4000000 0 block 1016 0 en_US America/New_York *
 )";
-  const std::string found = " release_entry VXNLS Locale track *\n release_lock creation\n";
+  const std::string found = " release_entry VXNLS Locale track entry\n release_lock creation\n";
   const std::string taking_apart = R"(destroy_lock vxnls Locale VXZ lock
 destroy_track vxnls Locale VXETZ track
 close_zone zones America/New_York

@@ -203,14 +203,18 @@ constexpr VXLockOps lock_ops = {
     }),
 };
 
-VXTrackEntry* referenced(Host& host, VXTrackEntry* entry) {
+VXTrackEntry* referenced(Host& host, VXTrackEntry* entry, VXTrack* track) {
   const std::lock_guard lock(host.books);
-  host.references += entry != nullptr;
+  if (entry != nullptr) ++host.references, host.things[entry] = {"entry", track, nullptr};
   return entry;
 }
 constexpr VXTrackOps track_ops = {
-    operation<"find">([](Host& host, auto... given) { return referenced(host, own::Track::find(given...)); }),
-    operation<"insert">([](Host& host, auto... given) { return referenced(host, own::Track::insert(given...)); }),
+    operation<"find">([](Host& host, VXTrack* track, auto... given) {
+      return referenced(host, own::Track::find(track, given...), track);
+    }),
+    operation<"insert">([](Host& host, VXTrack* track, auto... given) {
+      return referenced(host, own::Track::insert(track, given...), track);
+    }),
     operation<"release_entry">([](Host& host, auto...) {
       const std::lock_guard lock(host.books);
       --host.references;

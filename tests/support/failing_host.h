@@ -81,7 +81,7 @@ class FailingHost {
   // For the operations.
   struct Thing {
     std::string name;
-    const void* owner;  // the pool that it is in; the host, for things of its own that are not counted
+    const void* owner;  // the pool or track that it is in; the host, for things of its own that are not counted
     std::shared_ptr<void> object;
   };
   std::mutex books;
