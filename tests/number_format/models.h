@@ -38,14 +38,15 @@ inline std::string half_up(double value, std::chars_format form, int digits) {
 /// The digits of a double: `whole` without leading zeros, empty below 1, and `fraction` without trailing ones.
 struct Exact {
   std::string whole, fraction;
-  size_t zeros;  // that the fraction begins with
+  int digits, zeros;  // before the point; that the fraction begins with
 
   explicit Exact(double value) {
     const std::string text = written(std::fabs(value), std::chars_format::fixed, 1074);
     const size_t point = text.find('.');
     if (text[0] != '0') whole = text.substr(0, point);
     fraction = text.substr(point + 1, text.find_last_not_of('0') - point);
-    zeros = std::min(fraction.find_first_not_of('0'), fraction.size());
+    digits = static_cast<int>(whole.size());
+    zeros = static_cast<int>(std::min(fraction.find_first_not_of('0'), fraction.size()));
   }
 };
 
@@ -119,13 +120,13 @@ class DoubleModel {
     const auto otherwise = [&] { return exponent_form(reports_ ? VX_W_PRECISION : 0, 0); };
     const VXStatus fewer = reports_ && !best_ ? VX_W_PRECISION : 0;
     const Exact exact(magnitude_);
-    const int n = static_cast<int>(exact.whole.size());
+    const int n = exact.digits;
     const bool integral = exact.fraction.empty();
     if (decimals < 0) decimals = 6;
     if (best_) {
       decimals = room_ - 1 - point_;
       if (decimals < 2) decimals = std::max(room_ - point_, 0);
-      const bool tiny = magnitude_ < 1e-05 && room_ > 4, vanishes = static_cast<int>(exact.zeros) >= decimals;
+      const bool tiny = magnitude_ < 1e-05 && room_ > 4, vanishes = exact.zeros >= decimals;
       if (n == 0 && !integral && room_ > 2 && (tiny || vanishes)) return otherwise();
       if (integral) decimals = 0;
     }
@@ -136,28 +137,22 @@ class DoubleModel {
     }
     const auto room_before = [&] { return decimals == 0 ? room_ : room_ - decimals - point_; };
     VXStatus status = 0;
-    if (n > room_before()) {
-      decimals = std::max(room_ - n - point_, 0);
-      status = fewer;
-    }
-    double rounded = magnitude_;
-    for (; !integral; --decimals) {
-      rounded = (magnitude_ + (decimals <= 15 - n ? half(decimals) : 0)) * 0x1.0000000000001p+0;
-      if (static_cast<int>(Exact(rounded).whole.size()) <= room_before()) break;
+    Exact shown(magnitude_);
+    for (;; --decimals) {
+      if (!integral) shown = Exact((magnitude_ + (decimals <= 15 - n ? half(decimals) : 0)) * 0x1.0000000000001p+0);
+      if (shown.digits <= room_before()) break;
       if (decimals == 0) return otherwise();
       status = fewer;
     }
     // Every integer digit, decimals up to 15 significant digits, then zeros.
-    const Exact shown(rounded);
-    const auto whole = static_cast<int>(shown.whole.size()), zeros = static_cast<int>(shown.zeros);
-    std::string text = whole == 0 && room_before() > 0 ? "0" : shown.whole;
-    std::string fraction =
-        shown.fraction.substr(0, static_cast<size_t>(std::max(whole > 0 ? 15 - whole : zeros + 15, 0)));
+    std::string text = shown.digits == 0 && room_before() > 0 ? "0" : shown.whole;
+    const int kept = shown.digits > 0 ? 15 - shown.digits : 15 + shown.zeros;
+    std::string fraction = shown.fraction.substr(0, static_cast<size_t>(std::max(kept, 0)));
     fraction.resize(static_cast<size_t>(decimals), '0');
     if (best_) fraction.erase(fraction.find_last_not_of('0') + 1);
     if (!fraction.empty()) text += marks_.point + fraction;
     // The "0" that had given way returns when there is room again.
-    if (whole == 0 && text[0] != '0' && static_cast<int>(text.size()) < room_) text.insert(0, 1, '0');
+    if (shown.digits == 0 && text[0] != '0' && ssize(text) < room_) text.insert(0, 1, '0');
     return done(status, text, negative_);
   }
 
@@ -183,7 +178,7 @@ class DoubleModel {
       }
     } else if (const Exact exact(magnitude_); exponent_form && decimals == 350 && magnitude_ < 1) {
       // The library's work area holds no more digits of a fraction.
-      if (exact.fraction.size() - exact.zeros > 350) return {VX_E_DIRECTIVE, ""};
+      if (ssize(exact.fraction) - exact.zeros > 350) return {VX_E_DIRECTIVE, ""};
     }
     std::replace(text.begin(), text.end(), 'e', 'E');
     if (const size_t point = text.find('.'); point != text.npos) text.replace(point, 1, marks_.point);
@@ -202,14 +197,12 @@ class DoubleModel {
 
   Written missing(double value, int32_t width, int32_t decimals) const {
     const int code = static_cast<uint8_t>(-(std::bit_cast<uint64_t>(value) >> 40 & 0xFF));
+    const char letter = code == 1 ? '_' : code >= 3 && code <= 28 ? static_cast<char>(code + 0x3E) : '.';
     const auto length = std::min<int64_t>(reports_ ? std::max(width, 1) : 1, size_);
     if (length == 0) return {VX_E_TRUNCATED, ""};
     std::string text(static_cast<size_t>(length), ' ');
     const int at = width - decimals - 1;
-    text[static_cast<size_t>(at < 0 || at >= length ? length - 1 : at)] = code == 1 ? '_'
-                                                                          : code >= 3 && code <= 28
-                                                                              ? static_cast<char>(code + 0x3E)
-                                                                              : '.';
+    text[static_cast<size_t>(at < 0 || at >= length ? length - 1 : at)] = letter;
     return {0, text};
   }
 

@@ -339,9 +339,10 @@ void check_digits(double value, int64_t room) {
   if (count > 0) {
     EXPECT_EQ(writer.call<VXChar>(count - 1, whole), Written(VX_E_DIGITS, "")) << value;
   }
-  const std::string expected = value == 0 ? "0" : exact.fraction.substr(exact.zeros, static_cast<size_t>(room));
+  const std::string expected =
+      value == 0 ? "0" : exact.fraction.substr(static_cast<size_t>(exact.zeros), static_cast<size_t>(room));
   EXPECT_EQ(writer.call<VXChar>(room, fraction), Written(0, expected)) << value;
-  EXPECT_EQ(zeros, room > 0 ? static_cast<int64_t>(exact.zeros) : 0);
+  EXPECT_EQ(zeros, room > 0 ? exact.zeros : 0);
 }
 
 /// Five million, and every power of two and ten with its neighbours.
