@@ -63,7 +63,7 @@ TEST(Blocks, CopiesLeaveTheRestAlone) {
     std::vector<Unit> text(400);
     std::iota(text.begin(), text.end(), Unit{1});
     for (size_t count = 0; count <= 300; ++count) {
-      for (const size_t more : {0, 1, 7, 20, 40}) {
+      for (const size_t more : {0u, 1u, 7u, 20u, 40u}) {
         Unit* const out = memory.at(count + more, count % 2 == 0 ? Guard::before : Guard::behind);
         std::vector<Unit> expected(text.begin(), text.begin() + static_cast<ptrdiff_t>(count));
         expected.resize(count + more, Unit{0x7E});

@@ -94,7 +94,7 @@ void expect_of_joined_sequences(Holds holds) {
   for (const std::string& a : kinds) {
     for (const std::string& b : kinds) {
       for (const std::string& c : kinds) {
-        const std::string text = a + b + c;
+        const std::string text = std::string(a).append(b).append(c);
         ASSERT_TRUE(holds(memory.copy(bytes(text), text.size()), length_of(text))) << testing::PrintToString(text);
       }
     }
