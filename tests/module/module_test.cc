@@ -80,7 +80,7 @@ TEST(Journal, PassesEverythingOnAndReversesNothing) {
   };
   EXPECT_EQ(host.trace([&] { pass_on(nullptr), pass_on(&host.journal); }),
             R"(message_to_buffer journal 1 2 3 4 5 *
-message_to_journal journal 80000001 M 2 *
+message_to_journal journal 80000001 * 2 *
 status_to_buffer journal -1 2 3 4 *
 status_to_journal journal 80000001 -2 *
 get_locale journal 1 2 3 4 5

@@ -87,10 +87,6 @@ struct Line {
     tell(rest...);
   }
   template <class... Rest>
-  void tell(const VXChar* message, uint64_t extra, Rest... rest) {
-    tell(message, qmzStrLen(message), extra, rest...);
-  }
-  template <class... Rest>
   void tell(const void* key, int64_t bytes, Rest... rest) {
     tell(static_cast<const VXChar*>(key), bytes / int64_t{sizeof(VXChar)}, rest...);
   }
