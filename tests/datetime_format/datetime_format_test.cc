@@ -132,13 +132,13 @@ TEST_F(DatetimeFormat, ZoneNamesAndOffsets) {
   const struct {
     std::u32string zone;
     std::optional<int64_t> length_told;
-    int32_t offset;
     std::u32string text;
+    int32_t offset;
     bool failing = false;
   } cases[] = {
-      {U"", {}, -1, U"XST-0000"},       {fifty, {}, -19800, fifty + U"-0530"}, {fifty, 51, 20700, fifty + U"+0545"},
-      {fifty, -1, 359999, U"XST+9959"}, {fifty, {}, 360000, fifty + U"+0000"}, {U"A", {}, INT32_MAX, U"A+2314"},
-      {U"A", {}, INT32_MIN, U"A-2314"}, {U"A", {}, 3600, U"XST+0000", true}};
+      {U"", {}, U"XST-0000", -1},       {fifty, {}, fifty + U"-0530", -19800}, {fifty, 51, fifty + U"+0545", 20700},
+      {fifty, -1, U"XST+9959", 359999}, {fifty, {}, fifty + U"+0000", 360000}, {U"A", {}, U"A+2314", INT32_MAX},
+      {U"A", {}, U"A-2314", INT32_MIN}, {U"A", {}, U"XST+0000", 3600, true}};
   for (const auto& c : cases) {
     zone = c.zone, length_told = c.length_told, offset = c.offset, failing = c.failing;
     expect(time(0, 0), c.text);
@@ -172,9 +172,8 @@ TEST_F(DatetimeFormat, LongTexts) {
   const std::u32string b8 = U"%B%B%B%B%B%B%B%B";
   const struct {
     std::u32string month, pattern, text;
-    VXStatus status = 0;
+    VXStatus status = 0, status_in_utf8 = status;
     std::u32string in_utf8 = text;
-    VXStatus status_in_utf8 = status;
   } cases[] = {
       {m(60), b8 + m(32), m(512)},
       {m(60), b8 + m(33), m(512), VX_E_TRUNCATED},
@@ -185,11 +184,11 @@ TEST_F(DatetimeFormat, LongTexts) {
       {m(60), b8 + m(21) + U"%Z", m(501) + U"0123456789"},
       {m(60), b8 + m(22) + U"%Z", m(502) + U"XST"},
       {m(60), b8 + b8 + U"%J", U"", VX_E_DIRECTIVE},  // refused all the same
-      {faces(60), U"%B.", faces(60) + U".", 0, faces(45) + U"."},
-      {U"é" + faces(59), U"%B.", U"é" + faces(59) + U".", 0, U"é" + faces(44) + U"."},
-      {U"", faces(60), faces(60), 0, faces(45)},
+      {faces(60), U"%B.", faces(60) + U".", 0, 0, faces(45) + U"."},
+      {U"é" + faces(59), U"%B.", U"é" + faces(59) + U".", 0, 0, U"é" + faces(44) + U"."},
+      {U"", faces(60), faces(60), 0, 0, faces(45)},
       // The cut can leave a directive without its letter.
-      {U"", U"123" + faces(44) + U"%d", U"123" + faces(44) + U"01", 0, U"", VX_E_DIRECTIVE},
+      {U"", U"123" + faces(44) + U"%d", U"123" + faces(44) + U"01", 0, VX_E_DIRECTIVE, U""},
   };
   for (const auto& c : cases) {
     set_name(plain.data.monthNames[0], c.month);

@@ -147,7 +147,7 @@ struct Writer {
   std::optional<std::u32string> expect_expanded(auto call, bool of_date, double value, std::u32string_view pattern) {
     using namespace std::chrono;
     const auto at = sys_days{1960y / 1 / 1} + seconds{static_cast<int64_t>(std::floor(value))};
-    const auto text = Expander{plain.data, of_date, zone, offset, at}.expand(pattern);
+    auto text = Expander{plain.data, of_date, zone, offset, at}.expand(pattern);
     expect(call, text.value_or(U""), text ? 0 : VX_E_DIRECTIVE);
     return text;
   }
