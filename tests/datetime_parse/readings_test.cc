@@ -22,9 +22,9 @@ std::string written(uint32_t what, double value) {
   const long base = what == VX_EXPLAIN_DATE ? 100 : 60, first = whole / (base * base), second = whole / base % base;
   tm fields{};
   char text[64];
-  if (what == VX_EXPLAIN_DATE) std::snprintf(text, sizeof text, "%04ld-%02ld-%02ld", first, second, whole % base);
-  if (what == VX_EXPLAIN_TIME) std::snprintf(text, sizeof text, "%02ld:%02ld:%02ld", first, second, whole % base);
-  if (what == VX_EXPLAIN_DATETIME) std::strftime(text, sizeof text, "%F %T", gmtime_r(&since_1970, &fields));
+  if (what == VX_EXPLAIN_DATE) (void)std::snprintf(text, sizeof text, "%04ld-%02ld-%02ld", first, second, whole % base);
+  if (what == VX_EXPLAIN_TIME) (void)std::snprintf(text, sizeof text, "%02ld:%02ld:%02ld", first, second, whole % base);
+  if (what == VX_EXPLAIN_DATETIME) (void)std::strftime(text, sizeof text, "%F %T", gmtime_r(&since_1970, &fields));
   const std::string fraction = std::to_string(value - static_cast<double>(whole)).substr(1, 3);
   return text + (fraction == ".00" ? "" : fraction);
 }

@@ -71,7 +71,7 @@ void expect_number(const Number& d, const std::string& directive, bool leniently
   // The letter in front keeps the walk from passing over the blanks, which are positions of the number.
   const VXExplanation out = read_by(locale, U'x' + utf32(directive), U'x' + utf32(text), leniently);
   std::string field = number_at_front(text, d.width, strictly);
-  const auto value = [&] { return std::atoi(field.c_str()); };
+  const auto value = [&] { return static_cast<int32_t>(std::strtol(field.c_str(), nullptr, 10)); };
   if (value() < d.minimum || value() > (hash ? d.maximum_under_hash : d.maximum)) field.clear();
   if (field.empty() && year) field = number_at_front(text, 2, strictly);
   ASSERT_EQ(out.status == 0, !field.empty()) << directive << " of " << text;
