@@ -105,6 +105,20 @@ TEST(ParseDirectives, NumbersOverTheirRangesAndBeyond) {
   }
 }
 
+TEST(ParseDirectives, OtherLettersRefuse) {
+  ZonedLocale locale;
+  const std::u32string strictly = U"YymodeHIklMSsuwaAFBCbpzZ%", modifiers = U"#0?";
+  for (char32_t letter = 1; letter < 400; ++letter) {
+    for (const auto& [letters, leniently] : {std::pair(strictly, false), std::pair(strictly + U"GfqQUVW", true)}) {
+      bool is_read = modifiers.find(letter) != modifiers.npos;
+      // Something that each known letter would take.
+      for (const auto* const text : {U"2020", U"10", U"5", U"Monday", U"May", U"am", U"Q3", U"+02", U"Zone/East", U"%"})
+        is_read |= read_by(locale, std::u32string{U'%', letter}, text, leniently).status == 0;
+      EXPECT_EQ(is_read, (letters + modifiers).find(letter) != letters.npos) << static_cast<uint32_t>(letter);
+    }
+  }
+}
+
 // Every field with one digit and with two, and the hours that the dial turns into others.
 constexpr int32_t moments[][6] = {{2005, 3, 5, 0, 4, 6},
                                   {1999, 11, 25, 13, 45, 56},
