@@ -210,6 +210,32 @@ TEST(HostileHost, ConversionsThatClaimAnyLength) {
   vxextent(nullptr);
 }
 
+// Mappings to what is no character, or to one of another length.
+TEST(HostileHost, MappingsToAnyValue) {
+  vxtest::CharacterHost host;
+  VXChar mapped = 0;
+  host.lower = host.upper = [&](uint32_t) { return mapped; };
+  const std::string_view text = "a\u00E9z\u20AC\U0001F600\u00E9";
+  const auto* const in = reinterpret_cast<const uint8_t*>(text.data());
+  const int64_t n = std::ssize(text);
+  GuardedBuffer<uint8_t> source(text.size()), target(64);
+  for (const VXChar value : {0u, 0x41u, 0x7FFu, 0xD800u, 0xFFFFu, 0x10FFFFu, 0x110000u, 0x1FFFFFu, 0x200000u,
+                             0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    SCOPED_TRACE(mapped = value);
+    for (const auto change : {vxzsu8Lower2, vxzsu8Upper2}) {
+      int64_t needed = -1, written = -1;
+      EXPECT_EQ(change(in, n, nullptr, 0, &needed), 0u);
+      for (const int64_t room : {needed, needed - 1}) {
+        EXPECT_EQ(change(in, n, target.at(static_cast<size_t>(room)), room, &written), room < needed ? VX_E_ROOM : 0);
+        EXPECT_TRUE(room < needed ? written < needed : written == needed);
+      }
+    }
+    for (const auto change : {vxzsu8Lower, vxzsu8Upper}) change(source.copy(in, text.size()), n);
+    const int32_t order = vxzsu8NormCompare(source.copy(in, text.size()), n, in, n - 2);
+    EXPECT_EQ(vxzsu8NormCompare(in, n - 2, in, n), -order);
+  }
+}
+
 // Names of any length and offsets that are written are in datetime_format_test.cc.
 TEST(HostileHost, ZonesAtAnyDistanceFromUtc) {
   static int32_t offset;
