@@ -117,9 +117,12 @@ TEST_F(DatetimeFormat, NullPointers) {
   VXChar unit;
   uint8_t byte;
   int64_t length = -77;
+  VX_EXPECT_NULLS_REFUSED(NLSDateFormat, plain.get(), 1u, 1u, 2000u, 0, &unit, 1, &length);
   VX_EXPECT_NULLS_REFUSED(NLSDateFormatU, plain.get(), 1u, 1u, 2000u, 0, &byte, 1, &length);
   VX_EXPECT_NULLS_REFUSED(NLSTimeFormat, plain.get(), 0, &unit, 1, &length, 0);
+  VX_EXPECT_NULLS_REFUSED(NLSTimeFormatU, plain.get(), 0, &byte, 1, &length, 0);
   VX_EXPECT_NULLS_REFUSED(NLSDatetimeFormat, plain.get(), 0u, &unit, 1, &length, 0);
+  VX_EXPECT_NULLS_REFUSED(NLSDatetimeFormatU, plain.get(), 0u, &byte, 1, &length, 0);
   EXPECT_EQ(length, -77);
   EXPECT_EQ(NLSDatetimeFormat(plain.get(), 0, nullptr, 0, &length, 0), VX_E_TRUNCATED);
 }
