@@ -293,6 +293,11 @@ TEST_F(Readers, Doors) {
   EXPECT_TRUE(whole == 0 && count == 0);
   EXPECT_EQ(NLSBufToDouble(given_, units, 5, &value, &consumed), 0u);
   EXPECT_EQ(value, 12.5);
+  // A null text of no length is an empty one.
+  const VXStatus of_nothing = NLSBufToLong(given_, units, 0, 0, &whole, &count);
+  EXPECT_EQ(NLSBufToLong(given_, nullptr, 0, 0, &whole, &count), of_nothing);
+  EXPECT_EQ(vxnlsExplainNumber(given_, nullptr, 0, VX_NUMBER_INT64, 0, &reading_), 0u);
+  EXPECT_TRUE(reading_.status == of_nothing && whole == 0 && count == 0);
   // A separator that the end of the text cuts off is none.
   locale_.data.groupSeparator = quote;
   EXPECT_EQ(NLSBufToLongU(given_, bytes, 3, 0, &whole, &count), VX_E_NOTNUMBER);
