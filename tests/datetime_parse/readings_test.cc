@@ -177,6 +177,11 @@ TEST(ParseDate, OrderOfTheLocale) {
   set_name(locale.data.datePattern, U"%Y %d~%m");
   locale.data.datePattern.length -= 1;  // a letter behind the pattern is no part of it
   EXPECT_EQ(read(VX_EXPLAIN_DATE, locale.get(), U"03/04/2020", 4).value, 20200304);
+  set_name(locale.data.datePattern, U"%Y%#");
+  locale.data.datePattern.length -= 1;  // nor is a modifier
+  VXExplanation out;
+  read(VX_EXPLAIN_DATE, locale.get(), U"2020/", 0, &out);
+  EXPECT_TRUE(out.refusal.reason == VX_REASON_PATTERN_ENDED && out.refusal.modifier == 0) << out.refusal.reason;
 }
 
 TEST(ParseDate, OwnPatternsComeFirst) {

@@ -289,8 +289,8 @@ TEST(ParseSweeps, CharactersAreThoseOfIcu) {
 TEST(ParseSweeps, BrokenUtf8IsRefused) {
   ZonedLocale locale;
   set_name(locale.data.monthNames[2], U"Mä\uFFFD\U0001F5D3z");
-  set_name(locale.data.monthYearPattern1, U"%B é\uFFFD\U0001F5D3%Y");
-  const std::string whole = utf8(U"Mä\uFFFD\U0001F5D3z é\uFFFD\U0001F5D32021");
+  set_name(locale.data.monthYearPattern1, U"%B é\uFFFD\u0080\U0001F5D3%Y");
+  const std::string whole = utf8(U"Mä\uFFFD\U0001F5D3z é\uFFFD\u0080\U0001F5D32021");
   GuardedBuffer<uint8_t> memory(256);
   const auto is_read = [&](const std::string& text) {
     const auto* const at = memory.copy(reinterpret_cast<const uint8_t*>(text.data()), text.size());
@@ -306,6 +306,7 @@ TEST(ParseSweeps, BrokenUtf8IsRefused) {
   ASSERT_TRUE(is_read(whole));
   for (size_t i = 0; i < whole.size(); ++i) {
     EXPECT_TRUE(i >= whole.size() - 4 || !is_read(whole.substr(0, i))) << "cut at " << i;
+    EXPECT_TRUE(whole[i] == ' ' || !is_read(std::string(whole).erase(i, 1))) << "without that at " << i;
     // Put in, and put instead of U+FFFD.
     for (int byte = 0x80; byte < 0x100; ++byte) {
       EXPECT_FALSE(is_read(std::string(whole).insert(i, 1, static_cast<char>(byte)))) << byte << " at " << i;
