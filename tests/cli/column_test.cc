@@ -31,14 +31,14 @@ using Values = std::vector<std::string>;
 
 /// The host stays open to the end of the program.
 LocaleMaker locale_maker(const std::string& zone = "UTC") {
-  static VXHost* const host = [] {
+  static const std::unique_ptr<VXHost, void (*)(VXHost*)> host = [] {
     VXHost* opened = nullptr;
     EXPECT_EQ(vxhostOpen(nullptr, &opened), 0U) << vxhostOpenFailure();
-    return opened;
+    return std::unique_ptr<VXHost, void (*)(VXHost*)>(opened, vxhostClose);
   }();
   return [zone](const std::string& name) {
     VXLocale* locale = nullptr;
-    EXPECT_EQ(vxhostLocale(host, name.c_str(), zone.c_str(), 1, &locale), 0U) << name;
+    EXPECT_EQ(vxhostLocale(host.get(), name.c_str(), zone.c_str(), 1, &locale), 0U) << name;
     return locale;
   };
 }
