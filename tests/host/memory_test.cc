@@ -72,6 +72,7 @@ TEST(Memory, EachAllocationFailsOnceAndFromThenOn) {
       ASSERT_FALSE(HasFailure()) << "at allocation " << spared << (lasting ? " and all after it" : "");
       ++failures;
     } while (spared != 0);
+    RecordProperty(lasting ? "lasting" : "once", std::to_string(failures));
     EXPECT_GT(failures, 100);
   }
 }
