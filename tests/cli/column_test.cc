@@ -255,7 +255,6 @@ TEST(ColumnReader, OtherOutputsAndFormsThatCannotBeMeant) {
 // of days and numbers by ICU's own formatters. Nothing of what is tested takes part.
 
 using icu::UnicodeString;
-using icu::number::LocalizedNumberFormatter;
 using Random = std::mt19937;
 
 constexpr size_t rows_a_country = 100'000;

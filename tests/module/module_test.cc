@@ -64,9 +64,9 @@ TEST(Loading, TheBuildRecordIsWrittenWholeAndNoFurther) {
   // The three ways in which the record tells the day of the build agree, by the C library's calendar.
   const time_t built = r.time;
   char text[64];
-  std::strftime(text, sizeof text, "%a %b %e %H:%M:%S UTC %Y", std::gmtime(&built));
+  EXPECT_NE(std::strftime(text, sizeof text, "%a %b %e %H:%M:%S UTC %Y", std::gmtime(&built)), 0u);
   EXPECT_STREQ(r.date17, text);
-  std::strftime(text, sizeof text, "%Y%m%d", std::gmtime(&built));
+  EXPECT_NE(std::strftime(text, sizeof text, "%Y%m%d", std::gmtime(&built)), 0u);
   EXPECT_TRUE(std::string_view(r.label).ends_with(text));
 }
 
