@@ -25,6 +25,7 @@
 #include "cli/run.h"
 #include "tests/host/failing_new.h"
 #include "tests/host/temporary_folder.h"
+#include "tests/support/domain.h"
 #include "vxnls/vxhost.h"
 
 extern "C" [[gnu::weak]] void __gcov_dump();
@@ -280,7 +281,7 @@ class Faults : public testing::Test {
 };
 
 TEST_F(Faults, EveryAllocationThatFailsIsTold) {
-  const bool thorough = std::getenv("VXNLS_LONG_TESTS") != nullptr;
+  const bool thorough = vxtest::is_long_run();
   int64_t failures = fail_each_allocation({"format date 2026-11-21 -l de_DE"}, false, shared<Ways>(thorough ? 14 : 2));
   open_host();
   for (const bool lasting : {false, true}) {

@@ -10,6 +10,7 @@
 
 #include "tests/datetime_format/writer.h"
 #include "tests/datetime_parse/reading.h"
+#include "tests/support/domain.h"
 
 namespace vxtest {
 
@@ -270,7 +271,7 @@ TEST(ParseSweeps, PlainStepsOfEveryLength) {
 // All strings of bytes: what ICU takes for a character is one, of the same length, and nothing else.
 TEST(ParseSweeps, CharactersAreThoseOfIcu) {
   GuardedBuffer<uint8_t> buffer(8);
-  for (int n = 1; n <= (std::getenv("VXNLS_LONG_TESTS") != nullptr ? 4 : 3); ++n) {
+  for (int n = 1; n <= (is_long_run() ? 4 : 3); ++n) {
     uint8_t* const text = buffer.at(static_cast<size_t>(n));
     for (uint64_t number = 0; number < uint64_t{1} << 8 * n; ++number) {
       for (int i = 0; i < n; ++i) text[i] = static_cast<uint8_t>(number >> 8 * (n - 1 - i));

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/domain.h"
 #include "tests/support/guard_page.h"
 #include "tests/support/zoned_locale.h"
 #include "vxnls/locale.hpp"
@@ -204,7 +205,7 @@ TEST(LongTexts, OfMoreThan2To31Units) {
   if (sizeof(void*) < 8) GTEST_SKIP() << "no text is as long";
   const auto all = [](int64_t n, bool with_slow) { return check<Utf8>(n, with_slow) + check<VXChar>(n, with_slow); };
   EXPECT_GT(all((INT64_C(1) << 32) + 9, false), 20);
-  if (std::getenv("VXNLS_LONG_TESTS") != nullptr) {
+  if (vxtest::is_long_run()) {
     EXPECT_GT(all((INT64_C(1) << 31) + 9, true), 40);
   }
 }

@@ -8,7 +8,10 @@
 namespace vxtest {
 
 /// Domains too that take many minutes.
-inline bool is_long_run() { return std::getenv("VXNLS_LONG_TESTS") != nullptr; }
+inline bool is_long_run() {
+  static const bool is_long = std::getenv("VXNLS_LONG_TESTS") != nullptr;
+  return is_long;
+}
 
 /// Where every line is counted and a whole domain would take many minutes.
 inline bool is_sampled() {
