@@ -100,6 +100,10 @@ struct Pieces {
   std::vector<size_t> ends = {};
   bool replaced = false;
 
+  void clear() {
+    text.clear(), ends.clear();
+    replaced = false;
+  }
   void put(std::string_view piece) {
     text += piece;
     ends.push_back(text.size());
@@ -182,7 +186,8 @@ constexpr struct Coder {
 
 /// In the room it needs, or in every room up to that and one more.
 bool is_as_modelled(const Coder& coder, std::string_view text, uint32_t options, bool every_room) {
-  Pieces pieces;
+  static Pieces pieces;  // whose memory is used again: billions of texts are modelled
+  pieces.clear();
   coder.model(text, options, pieces);
   const size_t needed = pieces.text.size(), away = text.empty() || text.back() % 16 == 0 ? 0 : 64;
   const auto call = [&](uint8_t* out, int64_t room, int64_t* written) {
@@ -267,7 +272,8 @@ template <class Mapping>
 bool is_changed_as_modelled(std::string_view text, const Direction& direction, const Mapping& mapping, size_t room,
                             size_t stride, const Place& place) {
   static GuardedBuffer<uint8_t> memory(512), input(512);
-  Pieces pieces;
+  static Pieces pieces;
+  pieces.clear();
   for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(next(rest, Step::trusting).size())) {
     const std::string other = changed(next(rest, Step::trusting), direction, mapping);
     pieces.put(other.empty() ? next(rest, Step::trusting) : other);
