@@ -1,12 +1,7 @@
 // Upper and lower case: measuring equals writing, a smaller room gives a beginning, in place equals the other form
 // where nothing grows, both flavours of text agree, and a text equals its other case. With the built-in tables, and
 // with a host whose mappings grow and shrink.
-#include <algorithm>
-#include <cstdlib>
-#include <memory>
-#include <string>
-#include <vector>
-
+#include "fuzz/input.h"
 #include "tests/support/character_host.h"
 #include "unicode/text_flavour.h"
 #include "vxnls/strings.h"
@@ -15,9 +10,8 @@
 
 namespace {
 
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using vxfuzz::require;
+using vxfuzz::Text;
 
 struct Direction {
   void (*units)(VXChar*, int64_t);
@@ -27,32 +21,24 @@ struct Direction {
 constexpr Direction lower = {vxzstlo, vxzsu8Lower, vxzsu8Lower2};
 constexpr Direction upper = {vxzstup, vxzsu8Upper, vxzsu8Upper2};
 
-/// Memory of exactly its size.
-std::unique_ptr<uint8_t[]> exactly(const std::string& bytes) {
-  std::unique_ptr<uint8_t[]> copy(new uint8_t[bytes.size()]);
-  std::copy(bytes.begin(), bytes.end(), copy.get());
-  return copy;
-}
-
 std::string changed(const Direction& direction, const std::string& bytes, int64_t small_room) {
-  const auto in = exactly(bytes);
-  const auto n = static_cast<int64_t>(bytes.size());
+  const Text in(bytes);
   int64_t needed, written;
-  require(direction.into(in.get(), n, nullptr, 0, &needed) == 0);
-  const auto out = exactly(std::string(static_cast<size_t>(needed), '?'));
-  require(direction.into(in.get(), n, out.get(), needed, &written) == 0 && written == needed);
+  require(direction.into(in.at(), in.size(), nullptr, 0, &needed) == 0);
+  const Text out(needed);
+  require(direction.into(in.at(), in.size(), out.at(), needed, &written) == 0 && written == needed);
   if (small_room > 0 && small_room < needed) {
-    const auto small = exactly(std::string(static_cast<size_t>(small_room), '?'));
-    require(direction.into(in.get(), n, small.get(), small_room, &written) == VX_E_ROOM);
-    require(written <= small_room && std::equal(small.get(), small.get() + written, out.get()));
+    const Text small(small_room);
+    require(direction.into(in.at(), in.size(), small.at(), small_room, &written) == VX_E_ROOM);
+    require(written <= small_room && std::equal(small.at(), small.at() + written, out.at()));
   }
-  return {out.get(), out.get() + needed};
+  return out.str();
 }
 
 std::string changed_in_place(const Direction& direction, const std::string& bytes) {
-  const auto text = exactly(bytes);
-  direction.in_place(text.get(), static_cast<int64_t>(bytes.size()));
-  return {text.get(), text.get() + bytes.size()};
+  const Text text(bytes);
+  direction.in_place(text.at(), text.size());
+  return text.str();
 }
 
 /// The code points of a legal text; nothing when it is not legal.
@@ -102,9 +88,8 @@ void check(const std::string& bytes, int64_t small_room, bool by_tables) {
     }
     if (!by_tables) continue;
     require(changed(direction, other, small_room) == other);
-    const std::string lowered = changed(lower, bytes, small_room);
-    require(vxzsu8NormEqual(exactly(bytes).get(), static_cast<int64_t>(bytes.size()), exactly(lowered).get(),
-                            static_cast<int64_t>(lowered.size())) == 1);
+    const Text before(bytes), lowered(changed(lower, bytes, small_room));
+    require(vxzsu8NormEqual(before.at(), before.size(), lowered.at(), lowered.size()) == 1);
   }
 }
 

@@ -1,10 +1,6 @@
 // The drivers: pairs that are known by their addresses give what one step a character gives, in every variant, nothing
 // outside the buffers is touched, and what was converted comes back. Counts of whole blocks equal those of steps.
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <vector>
-
+#include "fuzz/input.h"
 #include "unicode/text_flavour.h"
 #include "unicode/transcode.h"
 #include "utf8/runs.h"
@@ -13,11 +9,8 @@
 
 namespace {
 
+using vxfuzz::require;
 using Bytes = std::vector<uint8_t>;
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
 
 // The same rules at addresses that the drivers do not know, held to their bounds.
 template <auto decoder>

@@ -1,68 +1,33 @@
 // Formatting with any record: both flavours give the same text or refuse alike, and less room gives the front of it.
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
-
+#include "fuzz/input.h"
 #include "tests/support/plain_locale.h"
 
 namespace {
 
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using namespace vxfuzz;
 
-struct Input {
-  const uint8_t* data;
-  size_t left;
-
-  template <class T>
-  T take() {
-    T value{};
-    const size_t n = std::min(left, sizeof value);
-    std::memcpy(&value, data, n);
-    data += n;
-    left -= n;
-    return value;
-  }
-  /// Up to the next line end.
-  std::u32string line() {
-    const auto* const end = std::find(data, data + left, '\n');
-    const std::u32string text = vxtest::utf32({reinterpret_cast<const char*>(data), static_cast<size_t>(end - data)});
-    left -= static_cast<size_t>(end - data);
-    data = end;
-    if (left > 0) ++data, --left;
-    return text.substr(0, 60);
-  }
-};
-
-template <class Unit>
-struct Written {
-  VXStatus status;
-  std::basic_string<Unit> text;
-};
+std::u32string line_of(Input& in) { return vxtest::utf32(in.line()).substr(0, 60); }
 
 /// The whole text; with every smaller room its front.
-template <class Unit, class Call>
-Written<Unit> write(Call call) {
-  const auto with_room = [&](int64_t room) {
-    std::vector<Unit> buffer(static_cast<size_t>(std::max<int64_t>(room, 0)), Unit{0x55});
-    int64_t length = -77;
-    const VXStatus status = call(buffer.data(), room, &length);
-    const bool written = status == 0 || status == VX_E_TRUNCATED;
-    require(written ? length >= 0 && length <= static_cast<int64_t>(buffer.size()) : length == -77);
-    const auto used = written ? length : 0;
-    require(std::all_of(buffer.begin() + used, buffer.end(), [](Unit u) { return u == 0x55; }));
-    return Written<Unit>{status, {buffer.begin(), buffer.begin() + used}};
+template <class Unit, class Function>
+Written write(Function function) {
+  const auto with_room = [&](int64_t most) {
+    return call<Unit>(most, [&](Unit* buffer, int64_t room, int64_t* length) {
+      const Unit fresh = buffer[std::max<int64_t>(room, 0)];
+      const VXStatus status = function(buffer, room, length);
+      const bool written = status == 0 || status == VX_E_TRUNCATED;
+      require(written == (*length != untouched) && *length <= std::max<int64_t>(room, 0));
+      for (int64_t i = written ? *length : 0; i < room; ++i) require(buffer[i] == fresh);
+      return status;
+    });
   };
-  Written<Unit> whole = with_room(512);
+  Written whole = with_room(512);
   if (whole.status != 0 && whole.status != VX_E_TRUNCATED) return whole;
   const auto length = static_cast<int64_t>(whole.text.size());
   require(with_room(length).text == whole.text);
   for (const int64_t room : {int64_t{-1}, int64_t{0}, length / 2, length - 1}) {
     if (std::max<int64_t>(room, 0) >= length) continue;
-    const Written<Unit> less = with_room(room);
+    const Written less = with_room(room);
     require(less.status == VX_E_TRUNCATED);
     require(less.text == whole.text.substr(0, static_cast<size_t>(std::max<int64_t>(room, 0))));
   }
@@ -81,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto offset = in.take<int32_t>();
   const auto told = in.take<int8_t>();  // added to the length of one entry
   if ((entry & 0x80) != 0) plain.use_fixed_zone(offset);
-  const std::u32string pattern = in.line();
+  const std::u32string pattern = line_of(in);
   for (NLSName* const name : {&plain.data.datePattern, &plain.data.datePattern1, &plain.data.datePattern2,
                               &plain.data.datetimePattern, &plain.data.timePattern, &plain.data.timePattern1}) {
     vxtest::set_name(*name, pattern);
@@ -90,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   bool short_names = pattern.size() <= 45 && (entry & 0x40) == 0;
   const auto fill = [&](NLSName* names, size_t count) {
     for (size_t i = 0; i < count && in.left > 0; ++i) {
-      const std::u32string text = in.line();
+      const std::u32string text = line_of(in);
       vxtest::set_name(names[i], text);
       short_names = short_names && text.size() <= 45;
     }
@@ -104,20 +69,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   VXLocale* const locale = plain.get();
   const auto style = static_cast<int32_t>(entry >> 2 & 3);
-  const auto units = write<VXChar>([&](VXChar* b, int64_t n, int64_t* l) {
-    return entry % 3 == 0   ? NLSDateFormat(locale, month, day, year, style, b, n, l)
-           : entry % 3 == 1 ? NLSTimeFormat(locale, style, b, n, l, value)
-                            : NLSDatetimeFormat(locale, 0, b, n, l, value);
+  const Written units = write<VXChar>([&](auto... to) {
+    return entry % 3 == 0   ? NLSDateFormat(locale, month, day, year, style, to...)
+           : entry % 3 == 1 ? NLSTimeFormat(locale, style, to..., value)
+                            : NLSDatetimeFormat(locale, 0, to..., value);
   });
-  const auto bytes = write<uint8_t>([&](uint8_t* b, int64_t n, int64_t* l) {
-    return entry % 3 == 0   ? NLSDateFormatU(locale, month, day, year, style, b, n, l)
-           : entry % 3 == 1 ? NLSTimeFormatU(locale, style, b, n, l, value)
-                            : NLSDatetimeFormatU(locale, 0, b, n, l, value);
+  const Written bytes = write<uint8_t>([&](auto... to) {
+    return entry % 3 == 0   ? NLSDateFormatU(locale, month, day, year, style, to...)
+           : entry % 3 == 1 ? NLSTimeFormatU(locale, style, to..., value)
+                            : NLSDatetimeFormatU(locale, 0, to..., value);
   });
   // Where neither a text of 180 bytes nor the scratch ends anything, the flavours agree.
   if (!short_names || bytes.status == VX_E_TRUNCATED || units.status == VX_E_TRUNCATED) return 0;
   require(units.status == bytes.status);
-  const std::string expected = vxtest::utf8(std::u32string(units.text.begin(), units.text.end()));
+  const std::string expected = vxtest::utf8(units.text);
   require(expected == std::string(bytes.text.begin(), bytes.text.end()) || expected.size() > 440);  // XST for a zone
   return 0;
 }

@@ -44,7 +44,7 @@ void check(const Written& written, int64_t size, int32_t width, uint32_t flags) 
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t length) {
   if (length > 1024) return -1;
-  vxfuzz::Bytes bytes(data, length);
+  vxfuzz::Input bytes{data, length};
   const int64_t size = bytes.take<uint16_t>() % 1000 - 8;
   const auto width = bytes.take<int32_t>();
   const auto decimals = bytes.take<int32_t>();
@@ -52,18 +52,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t length) {
   const auto value = bytes.take<double>();
   NLSDoubleExOpts extended{};
   extended.options = bytes.take<uint8_t>();
-  extended.missing = bytes.take_char();
+  extended.missing = vxfuzz::take_char(bytes);
   static vxtest::PlainLocale locale;
   vxfuzz::take_number_record(bytes, locale.data);
   vxfuzz::take_name(bytes, locale.data.currencySymbol);
   const NLSDoubleExOpts* const options = (extended.options & 2) != 0 ? nullptr : &extended;
 
-  const Written plain = call<VXChar>(size, [&](VXChar* buffer, int64_t room, int64_t* written) {
-    return NLSDoubleFormatWithExOpts(locale.get(), width, decimals, flags, buffer, room, written, options, value);
+  const Written plain = call<VXChar>(size, [&](auto... to) {
+    return NLSDoubleFormatWithExOpts(locale.get(), width, decimals, flags, to..., options, value);
   });
   check(plain, size, width, flags);
-  const Written utf8 = call<uint8_t>(size, [&](uint8_t* buffer, int64_t room, int64_t* written) {
-    return NLSDoubleFormatUWithExOpts(locale.get(), width, decimals, flags, buffer, room, written, options, value);
+  const Written utf8 = call<uint8_t>(size, [&](auto... to) {
+    return NLSDoubleFormatUWithExOpts(locale.get(), width, decimals, flags, to..., options, value);
   });
   check(utf8, size, width, flags);
   if (is_ascii(locale.data.decimalPoint) && is_ascii(locale.data.groupSeparator) && is_ascii(extended.missing)) {
@@ -73,13 +73,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t length) {
     require(plain.length == std::min<int64_t>(width, size));
   }
 
-  const Written percent = call<VXChar>(size, [&](VXChar* buffer, int64_t room, int64_t* written) {
-    return NLSPercentFormat(locale.get(), width, decimals, flags, buffer, room, written, value);
-  });
+  const Written percent = call<VXChar>(
+      size, [&](auto... to) { return NLSPercentFormat(locale.get(), width, decimals, flags, to..., value); });
   if (percent.status == 0) require(percent.length <= size && percent.text.find(U'%') != std::u32string::npos);
-  const Written currency = call<VXChar>(size, [&](VXChar* buffer, int64_t room, int64_t* written) {
-    return NLSCurrencyFormat(locale.get(), width, decimals, flags, buffer, room, written, value);
-  });
+  const Written currency = call<VXChar>(
+      size, [&](auto... to) { return NLSCurrencyFormat(locale.get(), width, decimals, flags, to..., value); });
   require(currency.status != VX_E_GROUPING);
   if (currency.status == 0) require(currency.length <= size);
   return 0;

@@ -31,13 +31,11 @@ void check(const Written& written, const Field& field) {
 
 template <class Value, class Plain, class Utf8, class Reader>
 void run(VXLocale* locale, const Field& field, Value value, Plain plain, Utf8 utf8, Reader reader) {
-  const Written wide = call<VXChar>(field.size, [&](VXChar* buffer, int64_t room, int64_t* length) {
-    return plain(locale, value, field.width, field.precision, field.flags, buffer, room, length);
-  });
+  const Written wide = call<VXChar>(
+      field.size, [&](auto... to) { return plain(locale, value, field.width, field.precision, field.flags, to...); });
   check(wide, field);
-  const Written narrow = call<uint8_t>(field.size, [&](uint8_t* buffer, int64_t room, int64_t* length) {
-    return utf8(locale, value, field.width, field.precision, field.flags, buffer, room, length);
-  });
+  const Written narrow = call<uint8_t>(
+      field.size, [&](auto... to) { return utf8(locale, value, field.width, field.precision, field.flags, to...); });
   check(narrow, field);
   const VXChar separator = locale->localeData->groupSeparator;
   if (separator < 0x80) require(wide == narrow);
@@ -58,7 +56,7 @@ void run(VXLocale* locale, const Field& field, Value value, Plain plain, Utf8 ut
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 1024) return -1;
-  vxfuzz::Bytes bytes(data, size);
+  vxfuzz::Input bytes{data, size};
   Field field{};
   field.size = bytes.take<uint16_t>() % 1000 - 8;
   field.width = bytes.take<int32_t>();

@@ -1,93 +1,66 @@
-// Fuzzer bytes as a locale record of numbers, as hostile as they come, and buffers that show what is written outside.
+// What the targets of numbers share: an input as a record, as hostile as it comes, and texts in both flavours.
 #ifndef VXNLS_FUZZ_NUMBER_RECORD_H
 #define VXNLS_FUZZ_NUMBER_RECORD_H
 
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
-
+#include "fuzz/input.h"
+#include "tests/number_parse/models.h"
 #include "tests/support/plain_locale.h"
+#include "unicode/text_flavour.h"
 
 namespace vxfuzz {
 
-inline void require(bool condition) {
-  if (!condition) std::abort();
+/// A small count most of the time, and any at all when its first byte says so.
+inline int64_t take_length(Input& in) {
+  const uint8_t small = in.byte();
+  return small < 0xF0 ? small % 64 : in.take<int64_t>();
 }
 
-/// Values off the front of the input; zeros once it is used up.
-class Bytes {
- public:
-  Bytes(const uint8_t* data, size_t size) : data_(data), left_(size) {}
-
-  template <class Value>
-  Value take() {
-    Value value{};
-    const size_t taken = left_ < sizeof value ? left_ : sizeof value;
-    if (taken > 0) std::memcpy(&value, data_, taken);
-    data_ += taken;
-    left_ -= taken;
-    return value;
-  }
-
-  /// A small count most of the time, and any at all when its first byte says so.
-  int64_t take_length() {
-    const auto small = take<uint8_t>();
-    return small < 0xF0 ? small % 64 : take<int64_t>();
-  }
-
-  /// A character: a byte, or a unit of 32 bits after 0xFF.
-  VXChar take_char() {
-    const auto c = take<uint8_t>();
-    return c == 0xFF ? take<VXChar>() : c;
-  }
-
- private:
-  const uint8_t* data_;
-  size_t left_;
-};
+/// A character: a byte, or a unit of 32 bits after 0xFF.
+inline VXChar take_char(Input& in) {
+  const uint8_t c = in.byte();
+  return c == 0xFF ? in.take<VXChar>() : c;
+}
 
 /// Sets a name to characters and a length that need not go together.
-inline void take_name(Bytes& bytes, NLSName& name) {
-  name.length = bytes.take_length();
-  const size_t count = bytes.take<uint8_t>() % 61;
-  for (size_t i = 0; i < std::size(name.text); ++i) name.text[i] = i < count ? bytes.take_char() : U' ';
+inline void take_name(Input& in, NLSName& name) {
+  name.length = take_length(in);
+  const size_t count = in.byte() % 61;
+  for (size_t i = 0; i < std::size(name.text); ++i) name.text[i] = i < count ? take_char(in) : U' ';
 }
 
-inline void take_number_record(Bytes& bytes, VXLocaleData& data) {
-  data.decimalPoint = bytes.take_char();
-  data.groupSeparator = bytes.take_char();
-  take_name(bytes, data.groupingPattern);
+inline void take_number_record(Input& in, VXLocaleData& data) {
+  data.decimalPoint = take_char(in);
+  data.groupSeparator = take_char(in);
+  take_name(in, data.groupingPattern);
 }
 
-/// What a call gave; `text` is what lies within the length.
-struct Written {
-  VXStatus status;
-  int64_t length;
-  std::u32string text;
-  bool operator==(const Written&) const = default;
-};
-
-constexpr int64_t untouched = INT64_MIN;
-
-/// Calls `function(buffer, size, &length)` with a buffer of exactly `size` units between guards.
-template <class Unit, class Function>
-Written call(int64_t size, Function function) {
-  constexpr size_t guard = 80;
-  const auto units = static_cast<size_t>(size > 0 ? size : 0);
-  static std::vector<Unit> area;
-  area.assign(units + 2 * guard, Unit{0x7E});
-  Written written{0, untouched, {}};
-  written.status = function(area.data() + guard, size, &written.length);
-  for (size_t i = 0; i < guard; ++i) require(area[i] == 0x7E && area[guard + units + i] == 0x7E);
-  if (written.length != untouched) {
-    require(written.length >= 0);
-    for (size_t i = 0; i < units && i < static_cast<size_t>(written.length); ++i) {
-      written.text += static_cast<char32_t>(area[guard + i]);
+/// A text and the code points that it spells.
+struct Spelled {
+  Spelled(const uint8_t* text, int64_t length) {
+    for (int64_t at = 0; at < length;) {
+      const auto c = vxnls::Utf8Text::decode(text + at, length - at);
+      uint8_t again[4];
+      is_utf8 = is_utf8 && c.status == 0 && vxnls::Utf8Text::append(c.code_point, again) == c.consumed &&
+                std::equal(again, again + c.consumed, text + at);
+      is_ascii = is_ascii && c.code_point < 0x80;
+      units += static_cast<char32_t>(c.code_point);
+      starts.push_back(at);
+      at += c.consumed;
     }
+    starts.push_back(length);
   }
-  return written;
-}
+  int64_t size() const { return std::ssize(units); }
+  /// What is read of the units, as of the bytes.
+  vxtest::Reading in_bytes(vxtest::Reading reading) const {
+    int64_t& consumed = std::get<2>(reading);
+    consumed = starts[static_cast<size_t>(consumed)];
+    return reading;
+  }
+
+  bool is_utf8 = true, is_ascii = true;
+  std::u32string units;
+  std::vector<int64_t> starts;  // the byte at which each begins, and the end
+};
 
 }  // namespace vxfuzz
 

@@ -5,7 +5,7 @@
 using namespace vxfuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Bytes in{data, size};
+  Input in{data, size};
   constexpr uint32_t kinds[] = {4, 0, 1, 2, 5, 8, 16, 32, 64, 128, 256, 0x1fc};
   const uint32_t kind = kinds[in.byte() % 12];
   const uint8_t options = in.byte();
@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     place(record.weekPattern2, second);
   }
 
-  const Text text(in);
+  const Texts text(in);
   uint32_t m = 77, d = 77, y = 77, mu = 77, du = 77, yu = 77;
   int64_t units = -1, bytes = -1;
   const VXStatus status = NLSBufToDate(locale.get(), text.units.data(), text.length(), kind, &m, &d, &y, &units);

@@ -5,7 +5,7 @@
 using namespace vxfuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Bytes in{data, size};
+  Input in{data, size};
   constexpr uint32_t kinds[] = {4, 0, 8, 12};
   const uint32_t kind = kinds[in.byte() % 4];
   const uint8_t options = in.byte();
@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   locale.data.datePattern = date;
   locale.data.timePattern = time;
 
-  const Text text(in);
+  const Texts text(in);
   double value = -1, value_u = -1;
   int64_t units = -1, bytes = -1;
   const VXStatus status = NLSBufToDatetime(locale.get(), text.units.data(), text.length(), kind, &value, &units);

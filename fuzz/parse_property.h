@@ -2,48 +2,19 @@
 #ifndef VXNLS_FUZZ_PARSE_PROPERTY_H
 #define VXNLS_FUZZ_PARSE_PROPERTY_H
 
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
-
 #include "calendar/civil.h"
 #include "datetime_parse/recognise_time.h"
+#include "fuzz/input.h"
 #include "tests/support/zoned_locale.h"
 
 namespace vxfuzz {
-
-inline void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-struct Bytes {
-  const uint8_t* data;
-  size_t left;
-
-  uint8_t byte() {
-    if (left == 0) return 0;
-    --left;
-    return *data++;
-  }
-  /// Up to the next line end.
-  std::u32string line() {
-    const auto* const end = std::find(data, data + left, '\n');
-    const std::u32string text = vxtest::utf32({reinterpret_cast<const char*>(data), static_cast<size_t>(end - data)});
-    left -= static_cast<size_t>(end - data);
-    data = end;
-    if (left > 0) ++data, --left;
-    return text.substr(0, 60);
-  }
-};
 
 /// What stands for a broken byte in the text of VXChars: no pattern here has it, so that it refuses there as well.
 inline constexpr VXChar broken = 0x10FFFE;
 
 /// A text of bytes as VXChars, and the byte at which each of them begins.
-struct Text {
-  explicit Text(Bytes from) : bytes(from.data, from.data + from.left) {
+struct Texts {
+  explicit Texts(Input from) : bytes(from.data, from.data + from.left) {
     for (size_t at = 0; at < bytes.size();) {
       starts.push_back(static_cast<int64_t>(at));
       const vxnls::Input<vxnls::Utf8Text> in{bytes.data() + at, static_cast<int64_t>(bytes.size() - at)};
@@ -156,7 +127,7 @@ inline void require_read_back(vxtest::PlainLocale& locale, const VXExplainMatch&
 }
 
 /// What is told of a text agrees with what its entry point gave.
-inline VXExplanation require_explained(VXLocale* locale, uint32_t what, uint32_t kind, const Text& text,
+inline VXExplanation require_explained(VXLocale* locale, uint32_t what, uint32_t kind, const Texts& text,
                                        VXStatus status, int64_t consumed) {
   VXExplanation out;
   out.size = sizeof out;
@@ -170,7 +141,7 @@ inline VXExplanation require_explained(VXLocale* locale, uint32_t what, uint32_t
 
 /// The locale of these targets: up to three lines of the input replace its patterns; a bit chooses names beyond ASCII.
 struct Locale : vxtest::ZonedLocale {
-  Locale(Bytes& in, uint8_t options, std::initializer_list<NLSName*> patterns) {
+  Locale(Input& in, uint8_t options, std::initializer_list<NLSName*> patterns) {
     if ((options & 1) != 0) use(U"Zone/West");
     if ((options & 2) != 0) {
       vxtest::set_name(data.monthNames[2], U"März");
@@ -178,7 +149,7 @@ struct Locale : vxtest::ZonedLocale {
       vxtest::set_name(data.dayNames[0], U"Κυριακή");
     }
     for (NLSName* const pattern : patterns) {
-      const std::u32string text = in.line();
+      const std::u32string text = vxtest::utf32(in.line()).substr(0, 60);
       if (!text.empty()) vxtest::set_name(*pattern, text);
     }
   }

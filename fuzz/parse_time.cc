@@ -5,7 +5,7 @@
 using namespace vxfuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Bytes in{data, size};
+  Input in{data, size};
   constexpr uint32_t kinds[] = {4, 0, 1, 5};
   const uint32_t kind = kinds[in.byte() % 4];
   const uint8_t options = in.byte();
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if ((options & 4) != 0) locale.data.amMarker.length = 0;
   if ((options & 8) != 0) locale.data.pmMarker.length = 0;
 
-  const Text text(in);
+  const Texts text(in);
   double seconds = -1, seconds_u = -1;
   int64_t units = -1, bytes = -1;
   const VXStatus status = NLSBufToTime(locale.get(), text.units.data(), text.length(), kind, &seconds, &units);

@@ -1,24 +1,15 @@
 // A text in any format: its cells tile the records and the records the text, what is written reads back, and the blocks
 // that the input is cut into hold the same records wherever it is cut.
-#include <algorithm>
 #include <cerrno>
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "cli/table/block_reader.h"
 #include "cli/table/splitter.h"
+#include "fuzz/input.h"
 
 namespace {
 
 using namespace vxcli::table;
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
+using vxfuzz::require;
 
 std::string_view left;     // of the input that is being read
 size_t bytes_a_call = 1;   // and how it comes

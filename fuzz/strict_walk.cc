@@ -27,7 +27,7 @@ vxnls::Walked walk(Locale& locale, const NLSName& pattern, In in, vxnls::NLSPars
 }
 
 template <class Reader>
-void walk_both(Locale& locale, const NLSName& pattern, const Text& text, bool lenient) {
+void walk_both(Locale& locale, const NLSName& pattern, const Texts& text, bool lenient) {
   vxnls::NLSParseFields a, b;
   const auto units = vxnls::input_of<vxnls::Utf32Text>(text.units.data(), text.length());
   const auto bytes = vxnls::input_of<vxnls::Utf8Text>(text.bytes.data(), text.byte_length());
@@ -49,11 +49,11 @@ void walk_both(Locale& locale, const NLSName& pattern, const Text& text, bool le
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  Bytes in{data, size};
+  Input in{data, size};
   const uint8_t options = in.byte();
   NLSName pattern{};
   Locale locale(in, options, {&pattern});
-  const Text text(in);
+  const Texts text(in);
   walk_both<vxnls::StrictReader>(locale, pattern, text, false);
   walk_both<vxnls::LenientReader>(locale, pattern, text, true);
   return 0;

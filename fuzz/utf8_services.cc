@@ -1,35 +1,13 @@
 // UTF-8 services over any bytes: steps agree with each other, what is found is there, orders are orders, and modified
 // UTF-8 comes back. Every text lies in memory of exactly its size.
-#include <algorithm>
-#include <cstdlib>
-#include <memory>
-#include <string>
-
+#include "fuzz/input.h"
 #include "vxnls/unicode.h"
 #include "vxnls/utf8.h"
 
 namespace {
 
-void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-/// Bytes on the heap, so that a sanitizer sees a step past either end.
-class Text {
- public:
-  explicit Text(const std::string& bytes)
-      : size_(static_cast<int64_t>(bytes.size())), bytes_(new uint8_t[bytes.size()]) {
-    std::copy(bytes.begin(), bytes.end(), bytes_.get());
-  }
-  explicit Text(int64_t size) : size_(size), bytes_(new uint8_t[static_cast<size_t>(size)]) {}
-  uint8_t* at() { return bytes_.get(); }
-  int64_t size() const { return size_; }
-  std::string str(int64_t from = 0) const { return {bytes_.get() + from, bytes_.get() + size_}; }
-
- private:
-  int64_t size_;
-  std::unique_ptr<uint8_t[]> bytes_;
-};
+using vxfuzz::require;
+using vxfuzz::Text;
 
 bool legal(const std::string& text) {
   for (size_t at = 0; at < text.size();) {

@@ -131,8 +131,7 @@ constexpr int32_t moments[][6] = {{2005, 3, 5, 0, 4, 6},
 /// of it, is read as that moment, whichever that is.
 bool comes_back(const std::string& pattern) {
   // What means the same to the formatter and to the strict reader. They do not agree on the list of names (%a, %?A,
-  // %?B,
-  // %#b), on minute and month (%#m, %?M), second and millisecond (%s); the reader does not take what the formatter
+  // %?B, %#b), on minute and month (%#m, %?M), second and millisecond (%s); the reader does not take what the formatter
   // makes of the year 2005 (%#Y), of midnight (%k) and of noon (%l). The modifier 0 is the reader's alone. A month in
   // place of the minute does no harm where the minute follows.
   static const std::regex agreed(
