@@ -22,7 +22,7 @@ constexpr Option time_style_of_datetime{.name = "time-style",
 /// The writer that the options ask for.
 DatetimeWriter make_writer(Invocation& invocation, DatetimeKind kind) {
   const Arguments& arguments = invocation.arguments;
-  DatetimeWriter writer(invocation.session.locale(), invocation.session.zone(), kind);
+  DatetimeWriter writer(invocation.session.locale(), kind);
   const bool has_style =
       arguments.has(style::date) || arguments.has(style::time) || arguments.has(time_style_of_datetime);
   const auto own = arguments.value(pattern);

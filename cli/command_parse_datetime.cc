@@ -73,14 +73,13 @@ class Parser {
   Parser(Invocation& invocation, DatetimeKind kind) : invocation_(invocation), kind_(kind) {
     const Arguments& arguments = invocation.arguments;
     zone_ = &invocation.session.zone();
-    locale_ = invocation.session.locale_called(invocation.session.locale_name());
+    locale_ = reading_locale(zone_->id());
     reader_kind_ = arguments.has(lenient) ? kind_any_form : style_kind();
-    if (const auto own = arguments.value(pattern)) {
+    if (arguments.has(pattern)) {
       if (arguments.has(as)) fail(ExitCode::usage, "--pattern and --as exclude each other");
       if (arguments.has(style::date) || arguments.has(style::time)) {
         fail(ExitCode::usage, "--pattern replaces the locale's patterns, so there is no style to choose");
       }
-      store_pattern(main_pattern(*locale_, kind_), "--pattern", *own);
       own_pattern_ = true;
       reader_kind_ = arguments.has(lenient) ? kind_lenient_pattern : 0;
     }
@@ -96,7 +95,7 @@ class Parser {
       const auto name = arguments.value(to_locale);
       Session& session = invocation.session;
       VXLocale* const target = session.locale_called(name ? session.resolve_locale(*name, "") : session.locale_name());
-      writer_ = std::make_unique<DatetimeWriter>(target, *zone_, kind_);
+      writer_ = std::make_unique<DatetimeWriter>(target, kind_);
       if (const auto text = arguments.value(to_pattern)) writer_->use_pattern("--to", *text);
     }
   }
@@ -107,21 +106,30 @@ class Parser {
         return writer_ != nullptr ? writer_->write({day_number(*date) * seconds_a_day}) : iso8601::write(*date);
       }
     }
-    const VXExplanation told = ask(text, reader_kind_);
+    const VXExplanation told = ask(locale_, text, reader_kind_);
     check(told, text);
-    const std::string written = write(told);
+    const std::string written = write(told, text);
     if (invocation_.arguments.has(options::json)) return json(told, text, written);
     return invocation_.arguments.has(explain) ? written + explanation(told, text) : written;
   }
 
  private:
-  VXExplanation ask(std::string_view text, uint32_t kind) const {
+  /// The locale as it reads in a zone.
+  VXLocale* reading_locale(const std::string& zone) const {
+    Session& session = invocation_.session;
+    VXLocale* const locale = session.locale_called(session.locale_name(), zone);
+    if (const auto own = invocation_.arguments.value(pattern))
+      store_pattern(main_pattern(*locale, kind_), "--pattern", *own);
+    return locale;
+  }
+
+  VXExplanation ask(VXLocale* locale, std::string_view text, uint32_t kind) const {
     VXExplanation told;
     told.size = sizeof told;
     const uint32_t what = kind_ == DatetimeKind::date   ? VX_EXPLAIN_DATE
                           : kind_ == DatetimeKind::time ? VX_EXPLAIN_TIME
                                                         : VX_EXPLAIN_DATETIME;
-    const VXStatus status = vxnlsExplain(locale_, what, kind, reinterpret_cast<const uint8_t*>(text.data()),
+    const VXStatus status = vxnlsExplain(locale, what, kind, reinterpret_cast<const uint8_t*>(text.data()),
                                          static_cast<int64_t>(text.size()), &told);
     if (status != 0) fail_with_status(invocation_.session.host(), "reading", status);
     return told;
@@ -132,7 +140,7 @@ class Parser {
     std::vector<VXExplainMatch> found(told.others,
                                       told.others + std::min<int64_t>(told.other_count, VX_EXPLAIN_OTHERS));
     if (reader_kind_ == kind_any_form || invocation_.arguments.has(as)) return found;
-    const VXExplanation any = ask(text, kind_any_form);
+    const VXExplanation any = ask(locale_, text, kind_any_form);
     if (any.status != 0) return found;
     std::vector<std::string> known{result_of(told.match)};
     const auto add = [&](const VXExplainMatch& match) {
@@ -176,13 +184,24 @@ class Parser {
     if (!without_blanks(left).empty() && !invocation_.arguments.has(rest)) {
       refuse("at byte {}: {} follows what was read; --rest allows it", told.consumed, in_quotes(left));
     }
+    if (kind_ == DatetimeKind::datetime) check_seconds(static_cast<int64_t>(std::floor(told.value)));
   }
 
-  std::string write(const VXExplanation& told) const {
-    if (writer_ != nullptr) {
-      const double seconds = kind_ == DatetimeKind::date ? told.value * seconds_a_day : told.value;
-      return writer_->write({static_cast<int64_t>(std::floor(seconds))});
-    }
+  /// Of a datetime with an offset or a zone the instant: its local time alone may occur twice.
+  Moment moment(const VXExplanation& told, std::string_view text) {
+    const auto seconds =
+        static_cast<int64_t>(std::floor(kind_ == DatetimeKind::date ? told.value * seconds_a_day : told.value));
+    const auto fixed = [](const VXExplainMatch& match) {
+      const bool matched = match.candidate.source != VX_SOURCE_NONE;
+      return matched && (match.fields.offset != VX_NO_OFFSET || match.fields.zone_given != 0);
+    };
+    if (kind_ != DatetimeKind::datetime || !(fixed(told.match) || fixed(told.time))) return {seconds};
+    if (in_utc_ == nullptr) in_utc_ = reading_locale("Etc/UTC");
+    return writer_->at_instant(static_cast<int64_t>(std::floor(ask(in_utc_, text, reader_kind_).value)));
+  }
+
+  std::string write(const VXExplanation& told, std::string_view text) {
+    if (writer_ != nullptr) return writer_->write(moment(told, text));
     switch (kind_) {
       case DatetimeKind::date: return date_text(told.match.fields);
       case DatetimeKind::time: return time_text(told.value);
@@ -281,6 +300,7 @@ class Parser {
   const DatetimeKind kind_;
   const Zone* zone_ = nullptr;
   VXLocale* locale_ = nullptr;
+  VXLocale* in_utc_ = nullptr;  // the same, for instants
   uint32_t reader_kind_ = 0;
   bool own_pattern_ = false;
   const bool asks_why_ = invocation_.arguments.has(explain) || invocation_.arguments.has(options::json);
@@ -347,6 +367,8 @@ constexpr Example datetime_examples[] = {
     {"vxnls parse datetime '2021-03-04T10:20:30' --zone Europe/Berlin", "2021-03-04T10:20:30"},
     {"vxnls parse datetime '2021-07-04 10:20:30 +0000' --zone Europe/Berlin --pattern '%Y-%m-%d %H:%M:%S %z'",
      "2021-07-04T12:20:30"},
+    {"vxnls parse datetime '2021-10-31 01:30 +0000' --zone Europe/Berlin --pattern '%Y-%m-%d %H:%M %z' --to '%H:%M %z'",
+     "02:30 +0100"},
     {"vxnls parse datetime '3/4/2021 2:05 PM' --locale en_US --lenient", "2021-03-04T14:05:00"}};
 
 }  // namespace

@@ -79,9 +79,6 @@ NLSName& main_pattern(VXLocale& locale, DatetimeKind kind) {
                                       : data.datetimePattern;
 }
 
-DatetimeWriter::DatetimeWriter(VXLocale* locale, const Zone& zone, DatetimeKind kind)
-    : locale_(locale), zone_(zone), kind_(kind) {}
-
 NLSName& DatetimeWriter::entry() const {
   VXLocaleData& data = *locale_->localeData;
   switch (kind_) {
@@ -114,8 +111,7 @@ VXStatus DatetimeWriter::format(int64_t seconds, std::string& text) const {
 std::string DatetimeWriter::written(int64_t seconds) const {
   std::string text;
   const VXStatus status = format(seconds, text);
-  if (status == VX_E_TRUNCATED)
-    fail(ExitCode::usage, "the pattern writes more than the 512 bytes that a text may have");
+  if (status == VX_E_TRUNCATED) refuse("the pattern writes more than the 512 bytes that a text may have");
   if (status != 0) fail(ExitCode::host, "the value cannot be written (status 0x{:08x})", status);
   return text;
 }
@@ -167,11 +163,21 @@ void DatetimeWriter::use_styles(int32_t date, int32_t time) {
   }
 }
 
+int32_t DatetimeWriter::offset_at(int32_t direction, int64_t seconds) const {
+  VXZoneService* const zones = locale_->host->zones;
+  return zones->ops->offset(zones, locale_->timeZone, direction, static_cast<double>(seconds));
+}
+
+Moment DatetimeWriter::at_instant(int64_t utc) const {
+  const int32_t offset = offset_at(VX_ZONE_FROM_UTC, utc);
+  check_seconds(utc + offset);
+  return {utc + offset, offset};
+}
+
 std::string DatetimeWriter::write(const Moment& moment) {
   // Of a local time that occurs twice the library writes the offset of the first. Where the value says which one is
   // meant, its offset is put into the pattern.
-  const bool other_offset =
-      moment.offset && *moment.offset != zone_.offset_at_local(static_cast<double>(moment.seconds));
+  const bool other_offset = moment.offset && *moment.offset != offset_at(VX_ZONE_FROM_LOCAL, moment.seconds);
   if (!other_offset) return written(moment.seconds);
   const std::u32string whole_pattern = stored(entry());
   if (!store(entry(), with_offset(whole_pattern, *moment.offset))) {

@@ -7,7 +7,6 @@
 
 #include "cli/command.h"
 #include "cli/value.h"
-#include "cli/zone.h"
 #include "vxnls/table.h"
 
 namespace vxcli {
@@ -43,25 +42,27 @@ NLSName& main_pattern(VXLocale& locale, DatetimeKind kind);
 class DatetimeWriter {
  public:
   /// `locale` is this writer's own: its record is changed. Writes by the main pattern at first.
-  DatetimeWriter(VXLocale* locale, const Zone& zone, DatetimeKind kind);
+  DatetimeWriter(VXLocale* locale, DatetimeKind kind) : locale_(locale), kind_(kind) {}
 
   /// A date or time by another of the locale's patterns, a datetime by two of them with a blank between.
   void use_styles(int32_t date, int32_t time);
   /// Another pattern. Throws Failure (usage), naming the directive that is none.
   void use_pattern(std::string_view option, const std::string& own);
 
+  /// What the clocks of the locale's zone show at an instant. Throws ValueError outside of the calendar.
+  Moment at_instant(int64_t utc) const;
   /// Throws ValueError when the moment cannot be written.
   std::string write(const Moment& moment);
 
  private:
   NLSName& entry() const;
+  int32_t offset_at(int32_t direction, int64_t seconds) const;
   VXStatus format(int64_t seconds, std::string& text) const;
   std::string written(int64_t seconds) const;
   bool accepts(std::u32string_view text) const;
   [[noreturn]] void explain(std::string_view option, const std::string& own, const std::u32string& units);
 
   VXLocale* locale_;
-  const Zone& zone_;
   DatetimeKind kind_;
   int32_t style_ = 0;
 };

@@ -44,12 +44,6 @@ std::optional<Number> read_number(std::string_view text) {
 
 int64_t floor_divide(int64_t a, int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
 
-void check_seconds(int64_t seconds) {
-  if (seconds < first_day * seconds_a_day || seconds >= (last_day + 1) * seconds_a_day) {
-    refuse("outside of 1582-01-01 to 20000-12-31");
-  }
-}
-
 /// "20261121" as a day number is almost surely a date without its hyphens.
 std::string hint_at_hyphens(std::string_view digits) {
   if (digits.size() != 8) return {};
@@ -63,6 +57,12 @@ std::string hint_at_hyphens(std::string_view digits) {
 void check_day(int64_t day) {
   if (day < first_day || day > last_day) {
     refuse("a day number is {} (1582-01-01) to {} (20000-12-31)", first_day, last_day);
+  }
+}
+
+void check_seconds(int64_t seconds) {
+  if (seconds < first_day * seconds_a_day || seconds >= (last_day + 1) * seconds_a_day) {
+    refuse("outside of 1582-01-01 to 20000-12-31");
   }
 }
 

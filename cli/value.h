@@ -58,8 +58,9 @@ class ValueReader {
 int64_t day_number(const iso8601::Date& date);
 /// The date of a day number from `first_day` to `last_day`.
 iso8601::Date date_of(int64_t day);
-/// Throws ValueError outside of the calendar.
+/// Both throw ValueError outside of the calendar.
 void check_day(int64_t day);
+void check_seconds(int64_t seconds);
 
 /// 2026-11-21T14:05:09
 std::string write_datetime(int64_t seconds);

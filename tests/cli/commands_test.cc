@@ -139,11 +139,14 @@ TEST(Commands, ParseAndNumbers) {
   expect(R"~(
 $ vxnls parse date 'Dec 31, 2021' --style medium --to-locale ja_JP; vxnls parse time 1:2.250 --pattern '%#H:%#M.%s'
 > vxnls parse date 31.12. -l de_DE; vxnls parse time '13:00 pm' -l en_US --lenient
+> vxnls parse date 'Q0 2021' --as quarter; vxnls parse date '100%' --pattern '%d%%'
+> vxnls parse datetime '1582-01-01 00:30 +0200' --pattern '%Y-%m-%d %H:%M %z'
 2021/12/31
 01:02:00.250
 ! vxnls: "31.12.": at byte 6: the text ends where a year is wanted, reading %Y
 ! vxnls: "13:00 pm": at byte 0: hour 13 does not go with AM or PM (1 to 12 would)
-= 0 0 1 1
+! vxnls: "1582-01-01 00:30 +0200": outside of 1582-01-01 to 20000-12-31
+= 0 0 1 1 1
 $ vxnls parse date 03/04/2021 -l en_GB --json | grep -o '"ambiguous.*' | cut -c 1-116
 "ambiguous":true,"others":[{"pattern":"%m/%d/%Y","source":"a common form of dates","lenient":true,"start":0,"end":10
 $ vxnls format number 0.1 .A . inf -- -inf | paste -sd,
