@@ -1,12 +1,16 @@
 #include "host/file.h"
 
 #include <array>
+#include <cerrno>
 #include <fstream>
+#include <new>
 
 namespace vxhost {
 
 std::string contents(const std::string& file) {
+  errno = 0;
   std::ifstream in(file, std::ios::binary);
+  if (!in && (errno == EMFILE || errno == ENFILE || errno == ENOMEM)) throw std::bad_alloc();
   std::string text;
   std::array<char, 1 << 14> block;
   do {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/file.h"
 #include "host/text.h"
 
 namespace vxhost {
@@ -49,10 +50,13 @@ VXZone* ZoneService::open(std::string_view name) const {
   const ZoneTable::Identifier* const known = table_.find(name);
   if (known == nullptr) return nullptr;
   const ZoneTable::Identifier* const id = known->canonical;
+  const std::string file = table_.folder() + '/' + id->name;
   cctz::time_zone rules;
-  if (!cctz::load_time_zone(table_.folder() + '/' + id->name, &rules)) {
-    if (id->name != "Etc/UTC") return nullptr;
-    rules = cctz::utc_time_zone();
+  if (!cctz::load_time_zone(file, &rules)) {
+    if (id->name == "Etc/UTC") return new VXZone(cctz::utc_time_zone(), id);
+    contents(file);  // throws when only memory or descriptors are wanting, now
+    // cctz keeps what did not load under its name, so that what was wanting before needs another name for the file.
+    if (!cctz::load_time_zone(std::string("file:") + file, &rules)) return nullptr;
   }
   return new VXZone(rules, id);
 }

@@ -34,7 +34,7 @@ class ZoneService final : public VXZoneService {
  public:
   explicit ZoneService(const ZoneTable& table) noexcept;
 
-  /// Null when `name` names no zone or its rules cannot be read.
+  /// Null when `name` names no zone or its rules cannot be read; throws when that is for want of memory or descriptors.
   VXZone* open(std::string_view name) const;
   static void close(VXZone* zone) noexcept { delete zone; }
   /// Nothing when `seconds` is no number or further than 250 million years away.

@@ -16,7 +16,8 @@
 //
 // Threads: every function may be called from any thread at any time, except that a host must not be used while or after
 // vxhostClose closes it. The environment (TZ, VX_NAME_YEARCUTOFF, VXHOST_PATH, VXHOST_JOURNAL, TZDIR) is read without a
-// lock: a program must not change it while another thread is in here.
+// lock: a program must not change it while another thread is in here. Destructors that run when a program ends may use
+// and close a host; they, and those that run when a thread ends, must not open one.
 //
 // Several hosts may be open at once. The library keeps one kernel handle for the whole process, so that hosts over one
 // libvxnlsloc.so share what it leads to: the options, and the folder that extensions are loaded from, which is the one
@@ -36,8 +37,8 @@ typedef struct VXHost VXHost;
 /// Loads libvxnlsloc.so and makes a host that is ready to give out locales.
 ///   folder  where libvxnlsloc.so lies and, there or in its folder vxnls-6, the extensions vxnlsldb.so, vxnlsudb.so,
 ///           vxemsg.so; null: where libvxhost.so lies. Extensions are also looked for in the absolute folders of
-///           VXHOST_PATH (separated by ':'), after it; a relative one is refused with a journal entry, and all are in
-///           a set-user-id process.
+///           VXHOST_PATH (separated by ':'), after it; a relative one is refused, and all are in a set-user-id
+///           process, with a journal entry each. No callback is set yet: VXHOST_JOURNAL=stderr alone shows them.
 ///   host    receives the host; null on failure
 /// Returns 0, or:
 ///   0x803fc002  memory exhausted
@@ -62,7 +63,7 @@ VX_API void vxhostClose(VXHost* host);
 ///   locale  receives the locale, null on failure; it lives until vxhostClose
 /// Without bit 0, one name and zone always give the same object: whoever sets its zone sets it for all who share it.
 /// Returns 0, or:
-///   0x803fc002  memory exhausted, or a failure of creation that carries no status
+///   0x803fc002  memory or file descriptors exhausted, or a failure of creation that carries no status
 ///   0x803fe80b  the name is no locale's: not of a locale's form, or in a language that ICU has no locale of
 ///   0x803fe831  host, name or locale is null
 ///   0x803fe83c  the zone is empty or names no zone
@@ -125,8 +126,8 @@ typedef struct VXHostZoneInfo {
 ///   zone       as for vxhostLocale; null: the system's zone, without a stand-in
 ///   direction  VX_ZONE_FROM_LOCAL: `seconds` is that zone's local time, where a time that is repeated means its first
 ///              occurrence and a skipped one takes the offset before the change; VX_ZONE_FROM_UTC: it is UTC
-/// Returns 0; 0x803fe80d `seconds` is not a number or beyond 8e15; 0x803fe831 host or info is null; 0x803fe83c the zone
-/// is not known. Nothing is written on failure.
+/// Returns 0; 0x803fc002 memory or file descriptors exhausted; 0x803fe80d `seconds` is not a number or beyond 8e15;
+/// 0x803fe831 host or info is null; 0x803fe83c the zone is not known. Nothing is written on failure.
 VX_API VXStatus vxhostZoneInfo(VXHost* host, const char* zone, int32_t direction, double seconds, VXHostZoneInfo* info);
 
 /// Calls `each` for every entry of a locale's record that could not be taken over as the data has it: the entry, what

@@ -1,6 +1,7 @@
 // The reference host as a program meets it: opening, locales, journals, other hosts, many threads (a thread sanitizer
 // build listens), and nothing alive after the end.
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include <barrier>
 #include <cstring>
@@ -95,6 +96,19 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
   EXPECT_EQ(vxhostLocale(host, nullptr, "UTC", 0, &made), VX_E_NULL);
   EXPECT_EQ(vxhostLocale(nullptr, "de_DE", "UTC", 0, &made), VX_E_NULL);
   EXPECT_EQ(vxhostLocale(host, "de_DE", "UTC", 0, nullptr), VX_E_NULL);
+}
+
+TEST_F(Host, WantsDescriptorsOnlyForAMoment) {
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  for (const auto& [descriptors, wanted] : {std::pair(rlim_t{0}, VX_E_MEMORY), {limit.rlim_cur, VXStatus{0}}}) {
+    limit.rlim_cur = descriptors;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    VXLocale* made = nullptr;
+    VXHostZoneInfo info;
+    EXPECT_EQ(vxhostZoneInfo(host, "Asia/Pyongyang", VX_ZONE_FROM_UTC, 0, &info), wanted);
+    EXPECT_EQ(vxhostLocale(host, "de_DE", "Asia/Pyongyang", 0, &made), wanted);
+  }
 }
 
 void keep(void* user, uint32_t level, double time, const char* text) {
