@@ -102,6 +102,7 @@ VXStatus Context::system_zone(const ZoneTable::Identifier** id) {
   const std::lock_guard guard(zone_mutex_);
   const bool same_tz = tz == nullptr ? !tz_ : tz_ && *tz_ == tz;
   if (!zone_is_known_ || !same_tz) {
+    zone_is_known_ = false;  // nor is it when memory runs out on the way
     const auto name = system_zone_name({tz});
     zone_ = name ? zone_table_.find(*name) : nullptr;
     zone_status_ = zone_ != nullptr ? 0 : name ? VX_E_ZONE : VX_E_ROOM;

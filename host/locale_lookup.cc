@@ -101,19 +101,19 @@ constexpr Modifier script_modifiers[] = {
 }  // namespace
 
 const std::vector<std::string_view>& available_locales() {
-  static const Names names = [] {
+  static const Names& names = *new const Names([] {  // outlives hosts that a program closes while it ends
     Names made;
     const int32_t count = uloc_countAvailable();
     if (count == 0) throw std::bad_alloc();  // ICU could not read its list
     for (int32_t i = 0; i < count; ++i) made.emplace_back(uloc_getAvailable(i));
     std::sort(made.begin(), made.end());
     return made;
-  }();
+  }());
   return names;
 }
 
 ResolvedLocale resolve_locale(std::string_view name) {
-  static const ResolvedLocale none{"", VX_E_NOMATCH};
+  const ResolvedLocale none{"", VX_E_NOMATCH};
   if (name.size() >= ULOC_FULLNAME_CAPACITY) return none;
 
   // POSIX: language_region.charset@modifier. A modifier with "=" is a list of keywords.

@@ -56,9 +56,9 @@ std::string own_folder() {
   link_map* image = nullptr;
   char origin[PATH_MAX] = "";
   std::string name = "/proc/self/exe";  // where the host is part of the program
-  if (dladdr1(reinterpret_cast<const void*>(&vxhostOpen), &info, reinterpret_cast<void**>(&image), RTLD_DL_LINKMAP) !=
-          0 &&
-      *image->l_name != '\0' && dlinfo(image, RTLD_DI_ORIGIN, origin) == 0) {
+  // By what has an address in here alone: that of an exported function may be one in the program that calls it.
+  if (dladdr1(&utc, &info, reinterpret_cast<void**>(&image), RTLD_DL_LINKMAP) != 0 && *image->l_name != '\0' &&
+      dlinfo(image, RTLD_DI_ORIGIN, origin) == 0) {
     const std::string_view known = image->l_name;
     name = std::string(origin).append("/").append(known.substr(known.rfind('/') + 1));
   }

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const char* system_zone = "America/Argentina/Buenos_Aires";  // a text of that length takes memory
+constexpr const char* system_zone = "Antarctica/DumontDUrville";  // a text of that length takes memory
 
 bool is_in(const VXLocale* locale, std::string_view zone) {
   VXChar name[50];
@@ -19,6 +19,18 @@ bool is_in(const VXLocale* locale, std::string_view zone) {
   locale->host->zones->ops->describe(locale->host->zones, locale->timeZone, 0, 0, name, &length, &offset);
   return std::equal(name, name + length, zone.begin(), zone.end());
 }
+
+/// A host of which a program makes use until its very end, when all that was made after this has gone.
+struct Last {
+  ~Last() {
+    std::string_view first;
+    vxhostForEachLocale(
+        host, [](void* to, const char* name) { return *static_cast<std::string_view*>(to) = name, 1; }, &first);
+    if (host != nullptr && first != "af") std::abort();
+    vxhostClose(host);
+  }
+  VXHost* host = nullptr;
+} last;
 
 int count(void* number, const char*) { return ++*static_cast<int*>(number), 0; }
 
@@ -46,6 +58,12 @@ bool all_went_well() {
               std::string_view(info.id) == system_zone);
   EXPECT_TRUE(!went(vxhostResolveLocale(host, "de_XX", text, sizeof text), VX_W_SUBSTITUTE) ||
               std::string_view(text) == "de");
+  for (const bool by_variable : {false, true, false, true}) {  // what failed with TZ is not taken without it
+    by_variable ? setenv("TZ", system_zone, 1) : unsetenv("TZ");
+    const VXStatus status = vxhostZoneInfo(host, nullptr, VX_ZONE_FROM_UTC, 0, &info);
+    all = all && status != VX_E_MEMORY;
+    EXPECT_TRUE(status != 0 || (std::string_view(info.id) == system_zone) == by_variable);
+  }
   went(vxhostSetOption(host, "VX_A", 1), 0);
   went(vxhostStatusText(host, VX_E_ZONE, text, sizeof text), 0);
   int listed = 0;
@@ -75,6 +93,8 @@ TEST(Memory, EachAllocationFailsOnceAndFromThenOn) {
     RecordProperty(lasting ? "lasting" : "once", std::to_string(failures));
     EXPECT_GT(failures, 100);
   }
+  VXStatus (*volatile by_address)(const char*, VXHost**) = vxhostOpen;  // one in this program
+  EXPECT_EQ(by_address(nullptr, &last.host), 0u) << vxhostOpenFailure();
 }
 
 }  // namespace
