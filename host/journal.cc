@@ -19,8 +19,9 @@ void append_number(std::string& text, const char* format, auto number) {
   if (length > 0) text.append(digits, static_cast<size_t>(length));
 }
 
-/// One conversion after its "%", with `wide` for an "l". False when the letter is none.
-bool append_conversion(std::string& text, VXChar letter, bool wide, va_list arguments) {
+/// One conversion after its "%", with `wide` for an "l". False when the letter is none. The va_list is the caller's
+/// own, who goes on with it: after reading from a copy nobody may.
+bool append_conversion(std::string& text, VXChar letter, bool wide, auto& arguments) {
   switch (letter) {
     case 'd':
       if (wide) append_number(text, "%lld", static_cast<long long>(va_arg(arguments, int64_t)));
