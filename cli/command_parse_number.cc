@@ -36,12 +36,22 @@ constexpr Option type{.name = "type",
                       .choices = type_words,
                       .completes = Completes::choices};
 
-/// Reads one value; throws ValueError when the whole of it is not understood.
-VXNumberReading read(Invocation& invocation, std::string_view text, uint32_t kind, uint32_t flags) {
+VXNumberReading ask(Invocation& invocation, std::string_view text, uint32_t kind, uint32_t flags) {
   VXNumberReading reading;
   const VXStatus asked = vxnlsExplainNumber(invocation.session.locale(), reinterpret_cast<const uint8_t*>(text.data()),
                                             static_cast<int64_t>(text.size()), kind, flags, &reading);
   if (asked != reading.status) fail_with_status(invocation.session.host(), "reading", asked);
+  return reading;
+}
+
+/// Reads one value; throws ValueError when the whole of it is not understood.
+VXNumberReading read(Invocation& invocation, std::string_view text, uint32_t kind, uint32_t flags) {
+  VXNumberReading reading = ask(invocation, text, kind, flags);
+  if (reading.fault == VX_FAULT_TEXT_AFTER && invocation.arguments.has(rest)) {
+    // The reader of doubles takes no other text, so it gets what stands before that.
+    const std::string_view before = text.substr(0, static_cast<size_t>(reading.fault_offset));
+    if (before.ends_with(' ') || before.ends_with('\t')) reading = ask(invocation, before, kind, flags);
+  }
   const bool dropped = reading.fault == VX_FAULT_FRACTION_DISCARDED;
   if (dropped) {
     invocation.messages.note(fmt::format("{}: the fraction was dropped", in_quotes(text)));
@@ -121,6 +131,7 @@ constexpr const Option* integer_options[] = {
 constexpr Example number_examples[] = {{"vxnls parse number 1.234.567,89 --locale de_DE", "1234567.89"},
                                        {"vxnls parse number '1 234,5' --locale fr_CA --spaces", "1234.5"},
                                        {"vxnls parse number 0.1 --locale en_US --bits", "0x3fb999999999999a"},
+                                       {"vxnls parse number '12,50 km' --locale de_DE --rest", "12.5"},
                                        {"printf '2\\n1,5\\n-\\n1\\n2,5\\n' | vxnls parse number --locale de_DE "
                                         "--chunk-header --unread '\\N' --ok-unread 2>/dev/null",
                                         "1.5\n\\N\n2.5"}};
