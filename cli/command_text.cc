@@ -116,14 +116,15 @@ ExitCode run_compare(Invocation& invocation) {
   VXHost* const host = invocation.session.host();
   const auto& values = invocation.arguments.values();
   if (values.size() != 2) fail(ExitCode::usage, "two texts are wanted, {} given", values.size());
-  std::u32string a;
-  std::u32string b;
-  try {
-    a = units_of(values[0]);
-    b = units_of(values[1]);
-  } catch (const ValueError& error) {
-    fail(ExitCode::some_unread, "{}", error.what());
-  }
+  const auto units = [](const std::string& text) {
+    try {
+      return units_of(text);
+    } catch (const ValueError& error) {
+      fail(ExitCode::some_unread, "{}: {}", in_quotes(text), error.what());
+    }
+  };
+  const std::u32string a = units(values[0]);
+  const std::u32string b = units(values[1]);
   const auto wanted = invocation.arguments.value(mode);
   Table table;
   Json object{{"a", values[0]}, {"b", values[1]}};

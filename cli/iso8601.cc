@@ -67,6 +67,7 @@ class Reader {
     if (!negative) take('+');
     const size_t count = digits_ahead();
     if (count == 0) miss(start, "a date as 2026-11-21, or a time as 14:05");
+    if (count < 3 && peek(count) == ':') miss(start, "an hour of two digits");
     int32_t year = 0;
     if (count == 4 || count == 5) std::from_chars(text_.data() + at_, text_.data() + at_ + count, year);
     if (negative || year < 1582 || year > 20000) miss(start, "a year from 1582 to 20000");

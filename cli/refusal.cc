@@ -31,6 +31,7 @@ constexpr FieldName fields[] = {
     {"qQ", "the name of a quarter"},
     {"z", "an offset from UTC"},
     {"Z", "a time zone"},
+    {"%", "\"%\""},
 };
 
 std::string_view field_name(VXChar letter) {
@@ -80,7 +81,13 @@ std::string reading(const VXExplainRefusal& refusal) {
   return fmt::format(", reading {}", directive(refusal.letter, refusal.modifier));
 }
 
+/// The common forms of quarters read their number as one of a month.
+bool is_number_of_quarter(const VXExplainRefusal& refusal) {
+  return refusal.is_directive != 0 && refusal.letter == 'o' && refusal.candidate.source == VX_SOURCE_COMMON_QUARTER;
+}
+
 std::string wanted(const VXExplainRefusal& refusal) {
+  if (is_number_of_quarter(refusal)) return "a quarter";
   if (refusal.is_directive != 0) return std::string(field_name(refusal.letter));
   return refusal.letter != 0 ? in_quotes(utf8(refusal.letter)) : "more";
 }
@@ -114,8 +121,8 @@ std::string describe_reason(const VXExplainRefusal& refusal, std::string_view te
     case VX_REASON_TOO_MANY_DIGITS:
       return fmt::format("{} has more than {} digits{}", stands, refusal.width, reading(refusal));
     case VX_REASON_RANGE:
-      return fmt::format("{} is not {} ({} to {}){}", stands, wanted(refusal), refusal.minimum, refusal.maximum,
-                         reading(refusal));
+      return fmt::format("{} is not {} ({} to {}){}", stands, wanted(refusal), refusal.minimum,
+                         is_number_of_quarter(refusal) ? 4 : refusal.maximum, reading(refusal));
     case VX_REASON_NO_NAME: return fmt::format("{} is not {}{}", stands, wanted(refusal), reading(refusal));
     case VX_REASON_LITERAL: return fmt::format("{} stands where {} is wanted", stands, wanted(refusal));
     case VX_REASON_TRAILING_TEXT: return fmt::format("{} follows what was read", stands);

@@ -148,7 +148,11 @@ $ vxnls parse date 'Dec 31, 2021' --style medium --to-locale ja_JP; vxnls parse 
 ! vxnls: "1582-01-01 00:30 +0200": outside of 1582-01-01 to 20000-12-31
 = 0 0 1 1 1
 $ vxnls parse date 03/04/2021 -l en_GB --json | grep -o '"ambiguous.*' | cut -c 1-116
+> vxnls parse date 'Q0 2021' --as quarter; vxnls parse date '100%' --pattern '%d%%'
 "ambiguous":true,"others":[{"pattern":"%m/%d/%Y","source":"a common form of dates","lenient":true,"start":0,"end":10
+! vxnls: "Q0 2021": at byte 1: "0" is not a quarter (1 to 4), reading %o
+! vxnls: "100%": at byte 2: "0" stands where "%" is wanted
+= 0 1 1
 $ vxnls format number 0.1 .A . inf -- -inf | paste -sd,
 > (vxnls format number 3.14159 --decimals 2 --width 10 --zero-pad --plus; vxnls format number 0.00012345 --best --width 12
 >  vxnls format number 1.5 --flags 0x1000 --width 8 --decimals 3
@@ -169,7 +173,7 @@ TEST(Commands, Texts) {
   expect(R"~(
 $ printf 'a\377z' | vxnls transcode --on-error skip -q; vxnls transcode /dev/null > /dev/full
 > vxnls compare abc 'abc  ' --mode code-points; vxnls compare é é --mode normalised
-> vxnls compare grün grüz | tail -n 1
+> vxnls compare grün grüz | tail -n 1; vxnls compare "$(printf '\377')" grün
 > yes 'Grüße 😀 日' | head -n 100000 > text; from=utf-8
 > for to in utf-16le modified-utf-8 utf-32be utf-16be utf-32le utf-8; do
 >   vxnls transcode --from $from --to $to text > new; mv new text; from=$to; done; uniq -c text
@@ -177,7 +181,8 @@ az-1
 0
 they part at character 4 (byte 4): U+006E "n" and U+007A "z"
  100000 Grüße 😀 日
-= 1 0 0 0 0 0 0 0 0 0 0
+! vxnls: "\xFF": it is not UTF-8
+= 1 0 0 0 0 1 0 0 0 0 0 0
 )~");
 }
 

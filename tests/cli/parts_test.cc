@@ -48,6 +48,7 @@ TEST(Iso8601, FormsAndFaults) {
                                       {"2026-11-21t14:05:09.5+02", "2026-11-21 14h5m9s +7200"},
                                       {"2026-11-21T14:05:09 -0330", "2026-11-21 14h5m9s -12600"},
                                       {"20001-01-01", "0: a year from 1582 to 20000"},
+                                      {"9:05", "0: an hour of two digits"},
                                       {"2026-11-21T14:05:09.", "20: decimals of a second"}}) {
     EXPECT_EQ(read_iso8601(text), outcome) << text;
   }
