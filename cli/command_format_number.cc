@@ -80,6 +80,16 @@ uint32_t bits_of(const Arguments& arguments, std::span<const Bit* const> bits) {
   return result;
 }
 
+/// These say different things of the same.
+void check_one_of(const Arguments& arguments, std::initializer_list<const Bit*> bits) {
+  const Option* given = nullptr;
+  for (const Bit* bit : bits) {
+    if (!arguments.has(bit->option)) continue;
+    if (given != nullptr) fail(ExitCode::usage, "{} and {} exclude each other", spelled(*given), spelled(bit->option));
+    given = &bit->option;
+  }
+}
+
 int32_t number_of(const Arguments& arguments, const Option& option, int32_t least, int32_t most, int32_t preset) {
   const auto text = arguments.value(option);
   return text ? option_number(spelled(option), *text, least, most) : preset;
@@ -155,6 +165,7 @@ std::string without_leading_blanks(std::string text) {
 
 ExitCode run_number(Invocation& invocation) {
   const Arguments& arguments = invocation.arguments;
+  check_one_of(arguments, {&exponent, &general, &integer_only, &fraction_only});
   uint32_t bits = bits_of(arguments, number_bits);
   const int32_t columns = number_of(arguments, width, 0, widest, 0);
   const auto places =
@@ -229,6 +240,7 @@ ExitCode run_currency(Invocation& invocation) {
 
 ExitCode run_integer(Invocation& invocation) {
   const Arguments& arguments = invocation.arguments;
+  check_one_of(arguments, {&hex, &hex_upper, &octal});
   const uint32_t bits = bits_of(arguments, integer_bits);
   const int32_t columns = number_of(arguments, width, 0, widest, 0);
   const bool pads = (bits & NLS_FORMAT_ZERO_PAD) != 0;

@@ -3,6 +3,7 @@
 #include "cli/help.h"
 #include "cli/manual.h"
 #include "cli/session.h"
+#include "cli/text.h"
 
 namespace vxcli {
 
@@ -14,7 +15,11 @@ constexpr Option man{.name = "man", .help = "the manual page instead, for man(1)
 ExitCode run(Invocation& invocation) {
   std::vector<std::string> words = invocation.arguments.values();
   words.emplace_back("--help");
-  const CommandPath path = Arguments(std::move(words)).path();
+  const Arguments named(std::move(words));
+  const CommandPath& path = named.path();
+  if (!named.values().empty()) {
+    fail(ExitCode::usage, "\"{}\" has no command {}", full_name(path), in_quotes(named.values().front()));
+  }
   const bool page = invocation.arguments.has(man);
   invocation.out.put(page ? manual_page(path) : help_text(path, HelpLength::whole, invocation.colors));
   return ExitCode::done;
