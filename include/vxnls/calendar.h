@@ -5,15 +5,15 @@
 ///   datetime  seconds since 1960-01-01 00:00: -11928470400 to before 569318630400; fractions are kept
 ///   time      seconds since midnight; wherever a time is taken, a datetime is taken too
 ///   Julian    year * 1000 + day of the year (1-366), for example 1960001; the year is 1582-20000, or 0-99 for a year
-///   of
-///             two digits
+///             of two digits
 ///   missing   the NaN 0xFFFFFE0000000000, the answer to everything invalid: NaN, outside these ranges, no such day
 ///
 /// The calendar is the Gregorian one, carried back to 1 January 1582, with one addition: a year divisible by 4000 is a
 /// common year, so 4000, 8000, 12000, 16000 and 20000 have 365 days.
 ///
 /// A year from 0 to 99 has two digits and stands for the one in the hundred years that begin with a cutoff: with 1950,
-/// 50-99 are 1950-1999 and 00-49 are 2000-2049. The NLS functions take the cutoff from the work area. The vxfmtz
+/// 50-99 are 1950-1999 and 00-49 are 2000-2049. A cutoff lies between 1582 and 19901: with others such a year may give
+/// results outside the ranges above. The NLS functions take the cutoff from the work area. The vxfmtz
 /// functions ask the host for the integer option VX_NAME_YEARCUTOFF whenever they meet such a year, 1950 when it is
 /// unset or no options are offered; they need no work area.
 ///

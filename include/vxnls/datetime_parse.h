@@ -94,7 +94,7 @@ VX_API VXStatus NLSBufToTime(VXLocale* locale, const VXChar* buffer, int64_t len
 ///             kind 4, then "T", blanks and punctuation, which are skipped, then a time as NLSBufToTime reads it by
 ///             kind 4; both strictly when the kind has no bit of 0x1fc
 ///   datetime  seconds since 1960-01-01 00:00, always in the locale's zone: a text that gives an offset or names a zone
-///             is converted. Written on status 0 only
+///             is converted; one whose pattern reads no year is of the year 2000. Written on status 0 only
 ///   consumed  written on status 0 only
 /// Returns 0, or
 ///   0x803fe80b  the text does not match: no date, no time after it, or no such day (31 February)

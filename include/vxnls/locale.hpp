@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
+#include <ranges>
 #include <span>
 #include <string>
 #include <string_view>
@@ -54,7 +55,8 @@ struct reading {
 
 /// How a number is written.
 struct number_style {
-  int decimals = -1;         ///< 0 to 350; below 0: up to 15 significant digits, of a percentage none, of an amount 2
+  int decimals = -1;         ///< 0 to 350; below 0: up to 15 significant digits, of a percentage none, of an amount 2.
+                             ///< 99 means as many as fit, up to 12; percentages and amounts refuse it (VX_E_WIDTH)
   bool group = false;        ///< group separators; amounts always have them
   int width = 0;             ///< least width, -512 to 512, blanks before the number; below 0: behind it
   bool plus = false;         ///< "+" before numbers that are not negative
@@ -97,6 +99,22 @@ template <class T>
 inline constexpr bool is_hh_mm_ss = false;
 template <class D>
 inline constexpr bool is_hh_mm_ss<std::chrono::hh_mm_ss<D>> = true;
+
+/// The duration that a class of chrono is made of.
+template <class T>
+struct held_by;
+template <class R, class P>
+struct held_by<std::chrono::duration<R, P>> {
+  using type = std::chrono::duration<R, P>;
+};
+template <class D>
+struct held_by<std::chrono::hh_mm_ss<D>> {
+  using type = D;
+};
+template <class C, class D>
+struct held_by<std::chrono::time_point<C, D>> {
+  using type = D;
+};
 
 template <class T>
 concept day_point = std::same_as<T, std::chrono::sys_days> || std::same_as<T, std::chrono::local_days>;
@@ -159,6 +177,14 @@ inline std::chrono::milliseconds since_1970(double seconds_1960) noexcept {
     if (at >= unknown_day(k)) at += std::chrono::days{1};
   }
   return at.time_since_epoch();
+}
+/// What a class of chrono makes of a time, rounded down; none when it cannot hold that: nanoseconds end in 2262.
+template <class T>
+std::optional<T> made_of(std::chrono::milliseconds time) noexcept {
+  using Duration = typename held_by<T>::type;
+  const std::chrono::duration<double> seconds = time;
+  if (seconds < Duration::min() || seconds > Duration::max()) return {};
+  return T{std::chrono::floor<Duration>(time)};
 }
 /// Whole seconds of a duration; none beyond what any calendar has.
 template <class Duration>
@@ -324,6 +350,7 @@ class locale {
   /// it.
   template <class Room, class T>
   auto format_to(Room&& out, const T& value, const detail::style_of<T>& style = {}) const noexcept {
+    static_assert(std::is_lvalue_reference_v<Room> || std::ranges::borrowed_range<Room>, "the text would lie nowhere");
     const std::span room(out);
     using Unit = typename decltype(room)::element_type;
     static_assert(detail::text_unit<Unit>, "texts are UTF-8 in char or UTF-32 in char32_t");
@@ -334,15 +361,16 @@ class locale {
 
   /// Reads a value of type T, one of those that vxnls.hpp lists. All of the text must belong to it, blanks around it
   /// apart, unless `how.prefix` is set.
-  /// Statuses; the value is then T{} unless something else is said:
+  /// Statuses; the value is then T{} (of a double the missing value) unless something else is said:
   ///   VX_E_NOMATCH    not a date or time of this form; more text follows
   ///   VX_E_NOTNUMBER  not a number
-  ///   VX_E_RANGE      no such day; an exponent out of range
+  ///   VX_E_RANGE      no such day; no time of a day; more than T holds; an exponent out of range
   ///   VX_E_OVERFLOW, VX_E_UNDERFLOW  the number is too large, too small
   ///   VX_E_TRUNCATED  a fraction other than 0 was dropped (see `reading`): the integer
   ///   VX_E_NULL       the locale is empty
   /// A missing value (".A", "._") and an empty text are a NaN with status 0. An instant that a change of offset makes
-  /// ambiguous is the first of the two.
+  /// ambiguous is the first of the two, also when the text gives the offset (the library reads it as the local time,
+  /// and writes that time with the first offset, too).
   template <class T>
   result<T> parse(std::string_view text, const reading& how = {}) const {
     return read<T>(text, how);
@@ -445,7 +473,7 @@ class locale {
                                                                                  size, *seconds);
   }
 
-  static constexpr int widest = static_cast<int>(text_room);
+  static constexpr int widest = 512;
   static constexpr std::uint32_t flags_of(const number_style& style) noexcept {
     return style.flags | (style.group ? NLS_FORMAT_GROUP : 0u) | (style.plus ? NLS_FORMAT_PLUS : 0u) |
            (style.zero_pad ? NLS_FORMAT_ZERO_PAD : 0u) | (style.width < 0 ? NLS_FORMAT_LEFT : 0u);
@@ -458,10 +486,12 @@ class locale {
   VXStatus write_value(Unit* units, std::int64_t capacity, std::int64_t* size, T value,
                        const number_style& style) const noexcept {
     if (!fits(style)) return VX_E_WIDTH;
-    // With zeros the library wants no least number of digits; otherwise a 0 has one.
-    const std::int32_t digits = style.zero_pad && style.width != 0 ? 0 : 1;
+    // Zeros fill a field where no least number of digits is wanted; otherwise a 0 has one.
+    const std::uint32_t flags = flags_of(style);
+    const bool fills = (flags & (NLS_FORMAT_ZERO_PAD | NLS_FORMAT_LEFT)) == NLS_FORMAT_ZERO_PAD;
+    const std::int32_t digits = fills && style.width > 1 ? 0 : 1;
     const auto call = [&](auto entry, auto widened) {
-      return entry(raw_, widened, std::abs(style.width), digits, flags_of(style), detail::out(units), capacity, size);
+      return entry(raw_, widened, std::abs(style.width), digits, flags, detail::out(units), capacity, size);
     };
     const NLSOps& ops = raw_->ops;
     if constexpr (std::is_signed_v<T>) {
@@ -471,9 +501,16 @@ class locale {
     }
   }
 
-  /// An infinity needs a field, if only its own.
-  static int width_of(double value, int width) noexcept {
-    return width == 0 && std::isinf(value) ? (value < 0 ? 4 : 3) : width;
+  /// Blanks before the text or, for a width below 0, behind it. Without room for them nothing but "*".
+  template <class Unit>
+  static VXStatus pad(Unit* units, std::int64_t capacity, std::int64_t* size, int width) noexcept {
+    const std::int64_t wanted = std::abs(width), blanks = wanted - *size;
+    if (blanks <= 0) return 0;
+    Unit* const end = units + std::exchange(*size, std::min(wanted, capacity));
+    if (wanted > capacity) return std::fill_n(units, capacity, Unit{'*'}), VX_E_TRUNCATED;
+    if (width > 0) std::copy_backward(units, end, units + wanted);
+    std::fill_n(width > 0 ? units : end, blanks, Unit{' '});
+    return 0;
   }
   template <class Unit, detail::real T>
   VXStatus write_value(Unit* units, std::int64_t capacity, std::int64_t* size, T value,
@@ -483,11 +520,17 @@ class locale {
     const bool in_words = (style.flags & forms) != 0;
     const int decimals = style.decimals >= 0 ? style.decimals : in_words && (style.flags & 1u) == 0 ? 6 : 15;
     const std::uint32_t flags = flags_of(style) | (style.decimals >= 0 && !in_words ? NLS_FORMAT_PLAIN : 0u);
-    return pick<Unit>(raw_->ops.NLSDoubleFormatUWithExOpts, raw_->ops.NLSDoubleFormatWithExOpts)(
-        raw_, width_of(value, style.width), decimals, flags, detail::out(units), capacity, size, nullptr, value);
+    // An infinity needs a field, if only its own. Neither that nor a missing value is padded by the library.
+    constexpr std::uint32_t fields = NLS_FORMAT_FIXED | NLS_FORMAT_FIXED_EXPONENT | NLS_FORMAT_SIGNIFICANT;
+    int width = style.width;
+    if (std::isinf(value) && ((flags & fields) == 0 || width < 1)) width = std::max(std::abs(width), value < 0 ? 4 : 3);
+    const VXStatus status = pick<Unit>(raw_->ops.NLSDoubleFormatUWithExOpts, raw_->ops.NLSDoubleFormatWithExOpts)(
+        raw_, width, decimals, flags, detail::out(units), capacity, size, nullptr, value);
+    return status != 0 || std::isfinite(value) ? status : pad(units, capacity, size, style.width);
   }
 
-  /// Percentages and amounts are written as UTF-32, and widths count characters.
+  /// Percentages and amounts are written as UTF-32, and widths count characters. The library's own fields leave blanks
+  /// within parentheses, before "%" and in place of separators.
   template <class Unit, detail::amount T>
   VXStatus write_value(Unit* units, std::int64_t capacity, std::int64_t* size, const T& amount,
                        const number_style& style) const noexcept {
@@ -495,27 +538,30 @@ class locale {
     VXChar wide[double_room];
     std::int64_t count = 0;
     VXStatus status = 0;
-    const VXChar* text = wide;
     if constexpr (std::same_as<T, percent>) {
-      const int width = width_of(amount.value, style.width) + (style.width == 0 && std::isinf(amount.value) ? 1 : 0);
+      const int signs = amount.value >= 0 ? 0 : style.parentheses ? 2 : 1;
+      const int width = std::isinf(amount.value * 100) ? 4 + signs : 0;  // that of "Inf%"
       status = raw_->ops.NLSPercentFormat(raw_, width, std::max(style.decimals, 0), style.parentheses ? 1u : 0u, wide,
                                           double_room, &count, amount.value);
     } else {
+      // A symbol floats to its number in a field that has room for all separators, and the field's blanks are dropped.
       const int decimals = style.decimals < 0 ? 2 : style.decimals;
-      status = raw_->ops.NLSCurrencyFormat(raw_, style.width == 0 ? widest : style.width, decimals,
-                                           decimals == 0 ? 1u : 0u, wide, double_room, &count, amount.value);
+      const int field = std::abs(amount.value) < 1e15 && decimals <= 20 ? 128 : 1152;
+      status = raw_->ops.NLSCurrencyFormat(raw_, field, decimals, decimals == 0 ? 1u : 0u, wide, double_room, &count,
+                                           amount.value);
     }
-    if (status != 0 && status != VX_E_GROUPING) count = 0;  // a failed call counts what it did not write
-    // A symbol floats to its number in a field; without a width the field is wide, and its blanks are dropped.
-    while (std::same_as<T, money> && style.width == 0 && count > 0 && *text == ' ') ++text, --count;
+    if (status != 0) return status;
+    const VXChar* const text = std::find_if(wide, wide + count, [](VXChar c) { return c != ' '; });
+    count = std::copy(text, static_cast<const VXChar*>(wide + count), wide) - wide;
+    pad(wide, double_room, &count, style.width);
     if constexpr (sizeof(Unit) == 1) {
-      const VXStatus cut = ConvertFromUTF32(reinterpret_cast<const std::uint8_t*>(text), 4 * count, detail::out(units),
+      const VXStatus cut = ConvertFromUTF32(reinterpret_cast<const std::uint8_t*>(wide), 4 * count, detail::out(units),
                                             capacity, size, &UTF32_UTF8, &Byte2DWord);
-      return status != 0 ? status : cut != 0 || GET_UTF8_LEN_FROM_VXCHAR(text, count) > capacity ? VX_E_TRUNCATED : 0;
+      return cut != 0 || GET_UTF8_LEN_FROM_VXCHAR(wide, count) > capacity ? VX_E_TRUNCATED : 0;
     } else {
       *size = std::min(count, capacity);
-      std::copy_n(text, *size, units);
-      return status != 0 ? status : count > capacity ? VX_E_TRUNCATED : 0;
+      std::copy_n(wide, *size, units);
+      return count > capacity ? VX_E_TRUNCATED : 0;
     }
   }
 
@@ -541,7 +587,7 @@ class locale {
     std::int64_t used = 0;
     double seconds = 0;
     VXStatus status = 0;
-    T value{};
+    std::optional<T> moment;
     std::uint32_t what = VX_EXPLAIN_DATETIME;
     std::chrono::year_month_day date{};
     const auto call = [&](auto entry, auto*... parts) {
@@ -555,10 +601,11 @@ class locale {
     } else if constexpr (detail::time_of_day<T>) {
       what = VX_EXPLAIN_TIME;
       status = call(pick<Unit>(ops.NLSBufToTimeU, ops.NLSBufToTime), &seconds);
-      if (status == 0) value = time_from<T>(std::chrono::milliseconds{std::llround(seconds * 1000)});
+      if (status == 0 && seconds < 86400)
+        moment = detail::made_of<T>(std::chrono::milliseconds{std::llround(seconds * 1000)});
     } else {
       status = call(pick<Unit>(ops.NLSBufToDatetimeU, ops.NLSBufToDatetime), &seconds);
-      if (status == 0) value = moment_from<T>(detail::since_1970(seconds));
+      if (status == 0) moment = moment_from<T>(detail::since_1970(seconds));
     }
     const auto consumed = static_cast<std::size_t>(used);
     if (status != 0) {
@@ -572,25 +619,23 @@ class locale {
         return {VX_E_NOMATCH, T{}, consumed, {"the pattern holds no full date", 0, consumed}};
       }
       if (!detail::exists(date)) return {VX_E_RANGE, T{}, consumed, {"the month has no such day", 0, consumed}};
-      value = static_cast<T>(date);
+      moment = static_cast<T>(date);
+    } else if (!moment) {
+      constexpr const char* too_large[] = {"the type cannot hold it", "no time of a day"};
+      return {VX_E_RANGE, T{}, consumed, {too_large[detail::time_of_day<T> && seconds >= 86400], 0, consumed}};
     }
     if (!how.prefix && !only_blanks(text, consumed)) {
       return {VX_E_NOMATCH, T{}, consumed, {"more text follows", consumed, text.size() - consumed}};
     }
-    return {0, value, consumed};
+    return {0, *moment, consumed};
   }
 
-  template <detail::time_of_day T>
-  static T time_from(std::chrono::milliseconds time) {
-    if constexpr (detail::is_hh_mm_ss<T>) return T{std::chrono::floor<typename T::precision>(time)};
-    else return std::chrono::floor<T>(time);
-  }
   template <detail::datetime T>
-  T moment_from(std::chrono::milliseconds local) const noexcept {
+  std::optional<T> moment_from(std::chrono::milliseconds local) const noexcept {
     if constexpr (detail::is_sys_time<T>) {
       local -= offset(VX_ZONE_FROM_LOCAL, std::chrono::floor<std::chrono::seconds>(local));
     }
-    return T{std::chrono::floor<typename T::duration>(local)};
+    return detail::made_of<T>(local);
   }
 
   template <class T, class View>
@@ -617,20 +662,23 @@ class locale {
     } else {
       flags |= (how.prefix ? 0u : NLS_READ_TRAILING_BLANKS) | (how.fraction ? NLS_READ_FRACTION : 0u) |
                (how.hex ? NLS_READ_HEXADECIMAL : 0u);
-      if constexpr (std::is_signed_v<T>) {
-        kind = VX_NUMBER_INT64;
-        status = call(pick<Unit>(ops.NLSBufToIntmaxU, ops.NLSBufToIntmax), detail::length(text), std::uint64_t{0});
-      } else {
-        kind = VX_NUMBER_UINT64;
-        status = call(pick<Unit>(ops.NLSBufToUintmaxU, ops.NLSBufToUintmax), detail::length(text), std::uint64_t{0});
-      }
+      kind = std::is_signed_v<T> ? VX_NUMBER_INT64 : VX_NUMBER_UINT64;
+      const auto read_whole = [&](View part) {
+        if constexpr (std::is_signed_v<T>) {
+          return call(pick<Unit>(ops.NLSBufToIntmaxU, ops.NLSBufToIntmax), detail::length(part), std::uint64_t{0});
+        } else {
+          return call(pick<Unit>(ops.NLSBufToUintmaxU, ops.NLSBufToUintmax), detail::length(part), std::uint64_t{0});
+        }
+      };
+      status = read_whole(text);
+      // Of a prefix the number is what stands before the first unit that cannot belong to it, where that holds a digit.
+      constexpr Unit decimal[] = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', '\0'};
+      constexpr Unit hexadecimal[] = {'A', 'B', 'C', 'D', 'E', 'F', 'a', 'b', 'c', 'd', 'e', 'f', '\0'};
+      const View number = text.substr(0, consumed);
+      const bool has_digit =
+          number.find_first_of(decimal) != View::npos || (how.hex && number.find_first_of(hexadecimal) != View::npos);
+      if (how.prefix && status == VX_E_NOTNUMBER && has_digit) status = read_whole(number);
       const bool fits = std::in_range<T>(value);
-      // Of a prefix the number is what stands before the first unit that cannot belong to it.
-      constexpr Unit before_digits[] = {' ', '+', '-', '\0'};
-      if (how.prefix && status == VX_E_NOTNUMBER &&
-          text.substr(0, consumed).find_first_not_of(before_digits) != View::npos) {
-        status = 0;
-      }
       if ((status == 0 || status == VX_E_TRUNCATED) && !fits) {
         return {VX_E_OVERFLOW, T{}, consumed, {"the number is too large", 0, consumed}};
       }

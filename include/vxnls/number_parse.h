@@ -90,7 +90,7 @@ VX_API VXStatus NLSBufToDoubleE(VXLocale* locale, const uint8_t* text, int32_t l
 ///   consumed  units read
 /// Returns 0, or:                                                          consumed then:
 ///   0x803fe80e  VX_E_TRUNCATED  a fraction that is not 0 was discarded      as for 0
-///   0x803fe810  VX_E_NOTNUMBER  not a number: no digit after a sign, a       up to the unit that cannot stand there
+///   0x803fe810  VX_E_NOTNUMBER  not a number: nothing after a sign, a        up to the unit that cannot stand there
 ///                               separator first, a sign that the type
 ///                               does not take, or a unit after the digits
 ///                               that is neither a blank nor a NUL

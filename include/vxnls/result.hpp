@@ -125,8 +125,8 @@ class buffer {
 };
 
 /// Room that is always enough: for dates, times, datetimes and integers; for doubles, percentages and amounts.
-inline constexpr std::size_t text_room = 512;
-inline constexpr std::size_t double_room = 2048;
+inline constexpr std::size_t text_room = 520;
+inline constexpr std::size_t double_room = 2304;
 
 namespace detail {
 

@@ -4,6 +4,7 @@
 #define VXNLS_TEXT_HPP
 
 #include <compare>
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -103,6 +104,8 @@ class code_points : public std::ranges::view_base {
 
   constexpr code_points() = default;
   constexpr explicit code_points(std::basic_string_view<Unit> text) noexcept : text_(text) {}
+  template <std::same_as<std::basic_string<Unit>> Text>
+  code_points(Text&&) = delete;  // it would be gone when a loop begins
   constexpr iterator begin() const noexcept { return iterator(text_); }
   constexpr std::default_sentinel_t end() const noexcept { return {}; }
   constexpr bool empty() const noexcept { return text_.empty(); }
@@ -111,7 +114,7 @@ class code_points : public std::ranges::view_base {
   std::basic_string_view<Unit> text_;
 };
 template <class Text>
-code_points(const Text& text) -> code_points<std::remove_cvref_t<decltype(text[0])>>;
+code_points(Text&& text) -> code_points<std::remove_cvref_t<decltype(text[0])>>;
 
 /// Units at the start of a text that are well-formed; all of them in well-formed text.
 template <class Unit>
@@ -163,9 +166,10 @@ result<Text> encode_all(std::u32string_view text, std::size_t most_units, VXEnco
 
 }  // namespace detail
 
-/// Conversions of whole texts by the coders of unicode.h, which are fast and take more than is well-formed: overlong
-/// forms and single surrogates pass (is_well_formed tells). VX_E_SEQUENCE, VX_E_INCOMPLETE: the text up to the fault
-/// was converted, consumed() units of it. UTF-16 is in the machine's order.
+/// Conversions of whole texts by the coders of unicode.h, which are fast and take more than well-formed UTF-8 and
+/// UTF-32: overlong forms, single surrogates, and behind a lead any bytes (is_well_formed tells); of UTF-16 no single
+/// surrogate. VX_E_SEQUENCE, VX_E_INCOMPLETE: the text up to the fault was converted, consumed() units of it. UTF-16 is
+/// in the machine's order.
 inline result<std::u32string> to_utf32(std::string_view text) { return detail::decode_all(text, &UTF8_UTF32); }
 inline result<std::u32string> to_utf32(std::u16string_view text) { return detail::decode_all(text, &UTF16_UTF32_SWAP); }
 inline result<std::string> to_utf8(std::u32string_view text) {
@@ -244,7 +248,8 @@ inline std::strong_ordering compare(std::u32string_view a, std::u32string_view b
                            0) <=> 0;
 }
 /// Orders texts ignoring case and trailing blanks, and by case alone when nothing else differs. Whether two texts are
-/// equal but for case says equal_caseless.
+/// equal but for case says equal_caseless. No order to sort by where texts hold characters below U+0020, which come
+/// before the blanks that a shorter text is filled up with: "a\t" < "a " = "a" < "a\t".
 inline std::strong_ordering compare_caseless(std::string_view a, std::string_view b) noexcept {
   return vxzsu8NormCompare(detail::in(a.data()), detail::length(a), detail::in(b.data()), detail::length(b)) <=> 0;
 }

@@ -30,6 +30,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,6 +44,18 @@
 #include "vxnls/vxnls.h"
 
 namespace vxnls {
+
+namespace detail {
+
+/// A text that a result may point to from now on: each is kept once, and for good.
+inline const char* kept(const char* text) {
+  static std::mutex guard;
+  static auto& all = *new std::set<std::string>;
+  const std::lock_guard lock(guard);
+  return all.emplace(text).first->c_str();
+}
+
+}  // namespace detail
 
 /// Patterns of a program's own, in the directives of datetime_format.h; an empty one leaves the locale's.
 struct patterns {
@@ -81,7 +95,7 @@ class host {
     VXHost* raw = nullptr;
     const VXStatus status = vxhostOpen(folder.empty() ? nullptr : folder.c_str(), &raw);
     opened.raw_.reset(raw);
-    return {status, std::move(opened), 0, {status != 0 ? vxhostOpenFailure() : nullptr}};
+    return {status, std::move(opened), 0, {status != 0 ? detail::kept(vxhostOpenFailure()) : nullptr}};
   }
   VXHost* get() const noexcept { return raw_.get(); }
 
@@ -101,12 +115,11 @@ class host {
         {&data.timePattern, own.time}, {&data.timePattern1, own.short_time},  {&data.datetimePattern, own.datetime}};
     for (const auto& [entry, text] : entries) {
       if (text.empty()) continue;
+      if (!is_well_formed(text)) return {VX_E_SEQUENCE, {}};
       if (vxzsu8NumChars(detail::in(text.data()), detail::length(text)) > 60) return {VX_E_LENGTH, {}};
       std::int64_t size = 0;
-      const VXStatus status =
-          ConvertToUTF32(detail::in(text.data()), detail::length(text), reinterpret_cast<std::uint8_t*>(entry->text),
-                         sizeof entry->text, &size, &UTF8_UTF32, &COPY_UTF32_SWAP);
-      if (status != 0) return {VX_E_SEQUENCE, {}};
+      ConvertToUTF32(detail::in(text.data()), detail::length(text), reinterpret_cast<std::uint8_t*>(entry->text),
+                     sizeof entry->text, &size, &UTF8_UTF32, &COPY_UTF32_SWAP);
       entry->length = size / 4;
     }
     return made;

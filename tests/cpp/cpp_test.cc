@@ -23,6 +23,7 @@ vxnls::locale locale_of(std::string_view name, std::string_view zone = "UTC") {
   return host().locale(name, zone).value();
 }
 
+static_assert(!std::constructible_from<code_points<char>, std::string&&>);
 static_assert(std::ranges::forward_range<code_points<char8_t>> && std::ranges::view<code_points<char8_t>> &&
               std::ranges::borrowed_range<code_points<char8_t>>);
 
@@ -49,8 +50,8 @@ TEST(CodePoints, AreThoseOfIcu) {
     const std::u16string wide{units[i % 9], units[i / 9 % 9], units[i / 81 % 9], units[i / 729]};
     ASSERT_TRUE(are_of_icu(code_points(wide), icu::UnicodeString(wide.data(), 4))) << testing::PrintToString(wide);
   }
-  EXPECT_TRUE(std::ranges::equal(code_points(std::u32string{0x41, 0xD800, 0x10FFFF, 0x110000, 0xFFFFFFFF}),
-                                 std::u32string_view(U"A\uFFFD\U0010FFFF\uFFFD\uFFFD")));
+  const std::u32string any{0x41, 0xD800, 0x10FFFF, 0x110000, 0xFFFFFFFF};
+  EXPECT_TRUE(std::ranges::equal(code_points(any), std::u32string_view(U"A\uFFFD\U0010FFFF\uFFFD\uFFFD")));
 }
 
 TEST(Text, StopsAtAFaultAndKeepsToTheRoom) {
@@ -103,8 +104,12 @@ TEST(Host, HasLocalesZonesAndAJournal) {
   }
   EXPECT_EQ(host().zone_at("", sys_seconds::max()).status(), VX_E_RANGE);
   EXPECT_EQ(host().locale("en_US", "UTC", {.date = std::string(61, 'x')}).status(), VX_E_LENGTH);
-  EXPECT_EQ(host().locale("en_US", "UTC", {.time = "\xFF"}).status(), VX_E_SEQUENCE);
-  EXPECT_NE(vxnls::host::open("/nowhere").why().message().find("/nowhere/"), std::string::npos);
+  for (const char* const none : {"\xFF", "\xE2\x28\xA1%H"}) {
+    EXPECT_EQ(host().locale("en_US", "UTC", {.time = none}).status(), VX_E_SEQUENCE);
+  }
+  const auto nowhere = vxnls::host::open("/nowhere");
+  EXPECT_FALSE(vxnls::host::open("/elsewhere"));
+  EXPECT_NE(nowhere.why().message().find("/nowhere/"), std::string::npos);
   const auto before = vxhostAlive();
   {
     auto opened = vxnls::host::open().value();
@@ -210,6 +215,35 @@ TEST(Values, RefusesWhatIsNoneOrNotAllOfIt) {
   EXPECT_EQ(locale.parse<int>("9999999999 kg", {.prefix = true}).status(), VX_E_OVERFLOW);
   EXPECT_EQ(locale.parse<unsigned>("ff kg", {.prefix = true, .hex = true}).value(), 255u);
   EXPECT_EQ(locale.parse<int>("12.50", {.fraction = true}).status(), VX_E_TRUNCATED);
+  EXPECT_EQ(locale.parse<int>("12.75kg", {.prefix = true, .fraction = true}).status(), VX_E_TRUNCATED);
+  EXPECT_EQ(locale.parse<int>("+,kg", {.prefix = true}).status(), VX_E_NOTNUMBER);
+  // What a type has no room for, and a time by a pattern that adds 12 to whatever stands before it.
+  EXPECT_EQ(locale.parse<sys_time<nanoseconds>>("12/31/9999 12:00:00 AM").status(), VX_E_RANGE);
+  EXPECT_EQ((locale.parse<duration<int8_t>>("10:20:30 AM").status()), VX_E_RANGE);
+  EXPECT_EQ(locale.parse<hh_mm_ss<minutes>>("10:20:30 PM").value().to_duration(), 22h + 20min);
+  const auto own = host().locale("en_US", "UTC", {.time = "%H:%M:%S %p"}).value();
+  EXPECT_EQ(own.parse<seconds>("23:00:00 PM").status(), VX_E_RANGE);
+}
+
+TEST(Values, NumbersHaveTheLeastWidth) {
+  const auto locale = locale_of("de_DE");
+  const auto expect = [&](auto value, const vxnls::number_style& style, const char* text) {
+    EXPECT_EQ(locale.format(value, style).value(), text);
+  };
+  expect(0, {.width = -8, .zero_pad = true}, "0       ");
+  expect(0, {.width = 1, .plus = true, .zero_pad = true}, "+0");
+  expect(7, {.width = 4, .flags = NLS_FORMAT_ZERO_PAD}, "0007");
+  expect(HUGE_VAL, {.width = -5}, "Inf  ");
+  expect(-HUGE_VAL, {.width = 2}, "-Inf");
+  expect(vxnls::missing('B'), {.width = 5}, "    B");
+  expect(vxnls::percent{0.5}, {.width = -5}, "50%  ");
+  expect(vxnls::percent{-0.5}, {.width = 7, .parentheses = true}, "  (50%)");
+  expect(vxnls::percent{-HUGE_VAL}, {.parentheses = true}, "(Inf%)");
+  expect(vxnls::percent{1e307}, {}, "Inf%");
+  expect(vxnls::money{1234.5}, {.width = 6}, "€1.234,50");
+  expect(vxnls::money{-1234.5}, {.width = -12}, "€-1.234,50  ");
+  char room[4];
+  EXPECT_EQ(*locale.format_to(room, HUGE_VAL, {.width = 5}), "****");
 }
 
 // The rooms of the header hold the longest numbers that can be asked for.
@@ -222,7 +256,10 @@ TEST(Values, RoomsHoldTheLongestNumbers) {
   std::fill_n(data.currencySymbol.text, 60, 0x1F600);
   const double largest = -std::numeric_limits<double>::max();
   EXPECT_EQ(locale.format(largest, {.decimals = 350, .group = true}).value().size(), 1u + 309 + 308 * 4 + 4 + 350);
-  EXPECT_TRUE(locale.format(vxnls::money{largest}, {.decimals = 350, .width = 512}));
+  EXPECT_EQ(locale.format(vxnls::money{largest}, {.decimals = 350}).value().size(), 240u + 1 + 309 + 308 * 4 + 4 + 350);
+  EXPECT_EQ(locale.format(0u, {.width = 512, .zero_pad = true, .flags = NLS_FORMAT_HEX_LOWER | NLS_FORMAT_HEX_PREFIX})
+                ->size(),
+            514u);
   EXPECT_TRUE(locale.format(INT64_MIN, {.group = true}));
   EXPECT_EQ(*locale.format(0, {.zero_pad = true}), "0");
   EXPECT_EQ(*locale.format(vxnls::percent{HUGE_VAL}), "Inf%");

@@ -2,5 +2,6 @@
 #include "vxnls/vxnls.hpp"
 
 [[maybe_unused]] static auto digits_of(vxnls::locale locale, std::string_view text) {
-  return std::ranges::distance(vxnls::code_points(locale.format(locale.parse<int>(text).value()).value()));
+  const auto digits = locale.format(locale.parse<int>(text).value()).value();
+  return std::ranges::distance(vxnls::code_points(digits));
 }
