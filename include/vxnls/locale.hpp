@@ -671,13 +671,13 @@ class locale {
         }
       };
       status = read_whole(text);
-      // Of a prefix the number is what stands before the first unit that cannot belong to it, where that holds a digit.
-      constexpr Unit decimal[] = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', '\0'};
-      constexpr Unit hexadecimal[] = {'A', 'B', 'C', 'D', 'E', 'F', 'a', 'b', 'c', 'd', 'e', 'f', '\0'};
-      const View number = text.substr(0, consumed);
-      const bool has_digit =
-          number.find_first_of(decimal) != View::npos || (how.hex && number.find_first_of(hexadecimal) != View::npos);
-      if (how.prefix && status == VX_E_NOTNUMBER && has_digit) status = read_whole(number);
+      if (how.prefix && status == VX_E_NOTNUMBER) {
+        // The number is what stands before the first unit that cannot belong to it, where that holds a digit.
+        constexpr Unit digits[] = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B',
+                                   'C', 'D', 'E', 'F', 'a', 'b', 'c', 'd', 'e', 'f', '\0'};
+        const View number = text.substr(0, consumed);
+        if (number.find_first_of(digits, 0, how.hex ? 22 : 10) != View::npos) status = read_whole(number);
+      }
       const bool fits = std::in_range<T>(value);
       if ((status == 0 || status == VX_E_TRUNCATED) && !fits) {
         return {VX_E_OVERFLOW, T{}, consumed, {"the number is too large", 0, consumed}};
