@@ -100,17 +100,16 @@ class Session {
 
   Locale& called(std::string_view name) {
     if (last_ != nullptr && name == last_name_) return last_->second;
+    last_ = nullptr;  // until its name is kept, for which memory may be wanting
     const auto known = names_.find(std::string(name));
-    if (known != names_.end()) {
-      last_ = known->second;
-    } else {
-      Known& locale = resolve(std::string(name));
+    Known* const found = known != names_.end() ? known->second : &resolve(std::string(name));
+    if (known == names_.end()) {
       if (names_.size() >= most_names) names_.clear();
-      names_.emplace(name, &locale);
-      last_ = &locale;
+      names_.emplace(name, found);
     }
     last_name_ = name;
-    return last_->second;
+    last_ = found;
+    return found->second;
   }
 
   using Known = std::pair<const std::string, Locale>;
