@@ -1,6 +1,7 @@
 # What `cmake --install` puts where, and the files by which other projects find it: a CMake package and pkg-config.
-# Debian's multiarch folder is searched below every prefix of Debian, so that one build serves /usr and others.
-if(NOT DEFINED CMAKE_INSTALL_LIBDIR AND EXISTS /etc/debian_version AND CMAKE_LIBRARY_ARCHITECTURE)
+# Debian's multiarch folder is searched below every prefix of Debian, so that one build serves /usr and others. A project
+# that has this one in it decides for both.
+if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_INSTALL_LIBDIR AND EXISTS /etc/debian_version AND CMAKE_LIBRARY_ARCHITECTURE)
   set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Folder of libraries below the prefix")
 endif()
 include(GNUInstallDirs)
