@@ -178,7 +178,15 @@ class Parser {
     const bool other_form = told.match.candidate.source != VX_SOURCE_DATETIME && kind_ == DatetimeKind::datetime;
     if (own_pattern_ && other_form)
       refuse("it does not match the pattern, only {}", describe_source(told.match.candidate));
-    if (told.complete == 0) refuse("the pattern {} reads no full date", in_quotes(utf8(told.match.candidate.pattern)));
+    if (told.complete == 0) {
+      const std::string shown = in_quotes(utf8(told.match.candidate.pattern));
+      if (own_pattern_) fail(ExitCode::usage, "--pattern: {} reads no full date", shown);
+      refuse("the pattern {} reads no full date", shown);
+    }
+    for (const VXExplainMatch* match : {&told.match, &told.time}) {
+      if (kind_ == DatetimeKind::date || match->candidate.source == VX_SOURCE_NONE || match->fields.hour < 24) continue;
+      refuse("PM makes it hour {}; %I reads the hours that go with AM and PM", match->fields.hour);
+    }
     if (told.day_exists == 0) refuse("there is no day {}", date_text(told.match.fields));
     const std::string_view left = text.substr(static_cast<size_t>(told.consumed));
     if (!without_blanks(left).empty() && !invocation_.arguments.has(rest)) {
@@ -380,7 +388,9 @@ const Command parse_date{
         "A date is read by the locale's main date pattern, by another with --style or --pattern; its fields are as "
         "wide as the pattern wants. --lenient tries the locale's three patterns and 17 common forms, day first or "
         "month first as the locale has it; the first that matches wins, and --explain tells when another would give "
-        "another date. --as reads a month, a quarter or a week of a year, and gives its first day.\n"
+        "another date. --as reads a month, a quarter or a week of a year, and gives its first day. What the locale's "
+        "own "
+        "pattern of weeks reads, as 2021-W09, begins as the locale's weeks do, whichever week --as asks for.\n"
         "\n"
         "The result is ISO 8601, unless --to or --to-locale says otherwise. A day that does not exist is refused.",
     .arguments = arguments,
