@@ -373,7 +373,7 @@ class Normaliser {
   void use_profile(const std::string& path) {
     const Arguments& arguments = invocation_.arguments;
     for (const Option* option : {&columns::day_first, &columns::month_first, &columns::decimal, &columns::first_year,
-                                 &columns::strict, &columns::locales, &sample}) {
+                                 &columns::strict, &columns::locales, &sample, &options::locale}) {
       if (arguments.has(*option)) fail(ExitCode::usage, "{} and --profile exclude each other", spelled(*option));
     }
     std::vector<column::Decision> decisions = decisions_of_profile(path);

@@ -301,9 +301,9 @@ vxnls: --chunk-header goes with standard input, not with values
 $ # Refused, and nothing beside it: by usage, for a value, by the system.
 > sed 's/id,when/id,id/' orders > twice; try() { vxnls $1 < /dev/null > out 2> err; wc -l < err; cat out; }
 > for w in 'help calendar x' 'format integer 1 --hex --octal' 'format number 1 --exponent --integer' \
->   'format date -x' 'format date --pattern' 'calendar --json=maybe' 'compare a' 'format number 1 --fixed' \
->   'parse date 21/11 --pattern %d/%m' 'format number 1 --width 513' 'parse date 1 --pattern %Q' \
->   'parse date 1 --pattern %d --as month' 'format date 0 --pattern %Y%#H' 'locale show ../de' 'locale list qqq' \
+>   'normalise --profile p -l C orders' 'format date -x' 'format date --pattern' 'calendar --json=maybe' 'compare a' \
+>   'format number 1 --fixed' 'parse date 21/11 --pattern %d/%m' 'format number 1 --width 513' \
+>   'parse date 1 --pattern %Q' 'parse date 1 --pattern %d --as month' 'format date 0 --pattern %Y%#H' 'locale show ../de' 'locale list qqq' \
 >   'zone list tokio' 'recognise -c id twice' 'recognise -c id,1 orders' 'recognise --no-header -c when orders' \
 >   'recognise --separator ;; orders' 'normalise orders' 'normalise -c wen orders' 'calendar --from julian 2001366' \
 >   'format date today' 'format date 20261121' 'format date 4000-02-29' 'format time 2026-11-21' \
@@ -311,8 +311,8 @@ $ # Refused, and nothing beside it: by usage, for a value, by the system.
 >   'format datetime 1582-01-01T00:30+01' 'format datetime @x' 'parse integer 1.5' 'format number abc' \
 >   'transcode /no/file' 'normalise -c id --rejects /nowhere/r orders' \
 >   'recognise --html /dev/full orders'; do try "$w"; done | uniq -c
-     37 1
-= 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 1 1 1 1 1 1 1 1 1 1 1 1 3 3 3
+     38 1
+= 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 2 1 1 1 1 1 1 1 1 1 1 1 1 3 3 3
 )~");
 }
 
