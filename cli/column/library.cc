@@ -3,13 +3,13 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <span>
 
 #include "cli/column/clean.h"
 #include "cli/text.h"
+#include "cli/value.h"
 #include "vxnls/locale_blocks.h"
 
 namespace vxcli::column {
@@ -82,17 +82,15 @@ std::string folded(std::string_view text) {
   return lower;
 }
 
-std::chrono::sys_days days_of(const Day& day) {
-  return std::chrono::year(day.year) / std::chrono::month(static_cast<unsigned>(day.month)) /
-         std::chrono::day(static_cast<unsigned>(day.day));
-}
+int64_t number_of(const Day& day) { return day_number({day.year, day.month, day.day}); }
 
 }  // namespace
 
 bool exists(const Day& day) {
   constexpr int8_t lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   if (day.month < 1 || day.month > 12 || day.day < 1) return false;
-  const bool leap = day.year % 4 == 0 && (day.year % 100 != 0 || day.year % 400 == 0);
+  // As in the library's calendar, the year 4000 is a common one.
+  const bool leap = day.year % 4 == 0 && (day.year % 100 != 0 || day.year % 400 == 0) && day.year % 4000 != 0;
   return day.day <= lengths[day.month - 1] + (leap && day.month == 2 ? 1 : 0);
 }
 
@@ -101,15 +99,16 @@ bool move_into_century(Day& day, int32_t first_year) {
   return exists(day);
 }
 
-int weekday_of(const Day& day) { return static_cast<int>(std::chrono::weekday(days_of(day)).c_encoding()); }
+int weekday_of(const Day& day) {
+  constexpr int64_t friday = 5, earlier_weeks = 7 * 20'000;  // day 0; so that nothing is below 0
+  return static_cast<int>((number_of(day) + friday + earlier_weeks) % 7);
+}
 
 Week week_of(const Day& day) {
-  using namespace std::chrono;
-  const sys_days thursday = days_of(day) + days(4) - days(weekday(days_of(day)).iso_encoding());
-  const year_month_day in_year(thursday);
-  const sys_days first = in_year.year() / January / 1;
-  return {static_cast<int32_t>(static_cast<int>(in_year.year())),
-          static_cast<int32_t>((thursday - first).count() / 7 + 1)};
+  const int64_t monday = number_of(day) - (weekday_of(day) + 6) % 7;
+  const int64_t thursday = monday + 3;
+  const int32_t year = date_of(thursday).year;
+  return {year, static_cast<int32_t>((thursday - number_of({year, 1, 1})) / 7 + 1)};
 }
 
 Library::Library(const LocaleMaker& make_locale, const std::string& locale, bool strict) {
@@ -292,9 +291,19 @@ bool Library::period(const PeriodForm& form, std::string_view text, Day& first) 
     if (NLSBufToDateU(locales_[names], bytes(text), size_of(text), kind, &m, &d, &y, &used) != 0) continue;
     if (used != size_of(text) || y == 0 || !right_year(form.piece, text)) continue;
     first = {static_cast<int32_t>(y), static_cast<int32_t>(m), static_cast<int32_t>(d)};
-    return true;
+    return form.length != PeriodForm::Length::week || has_week(form, text, week_of(first).week);
   }
   return false;
+}
+
+/// The library takes week 0 for the last one of the year before, and week 53 of a year without it for the next year's
+/// first.
+bool Library::has_week(const PeriodForm& form, std::string_view text, int32_t week) {
+  constexpr int32_t first = 1, last = 52;
+  if (week > first && week < last) return true;
+  VXExplanation told;
+  explain_period(form, text, told);
+  return told.match.fields.week % 100 == week;
 }
 
 void Library::set_number(const NumberReading& reading) {

@@ -77,6 +77,7 @@ class Library {
   void set_time(size_t names, const Piece& piece);
   void set_period(size_t names, const PeriodForm& form);
   void set_number(const NumberReading& reading);
+  bool has_week(const PeriodForm& form, std::string_view text, int32_t week);
   bool accepts(std::string_view digits, const NumberReading& reading);
 
   std::array<VXLocale*, 2> locales_{};
