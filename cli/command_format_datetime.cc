@@ -120,9 +120,10 @@ const Command format_date{
     .name = "date",
     .summary = "Writes dates as the locale does",
     .description =
-        "Values are dates of the Gregorian calendar, 1582-01-01 to 20000-12-31. A day number counts days from "
-        "1960-01-01. 2026-11-21T14:05:09+02:00 or ...Z is an instant, and the date is the one that the zone has then; "
-        "so are now, and @1795266309, which counts seconds from 1970-01-01 00:00 UTC.\n"
+        "Values are dates of the Gregorian calendar, 1582-01-01 to 20000-12-31; %Y and the locales' patterns write the "
+        "last four digits of a year. A day number counts days from 1960-01-01. 2026-11-21T14:05:09+02:00 or ...Z is an "
+        "instant, and the date is the one that the zone has then; so are now, and @1795266309, which counts seconds "
+        "from 1970-01-01 00:00 UTC.\n"
         "\n"
         "A pattern for dates may hold the directives of \"vxnls format datetime\" that write dates or zones.",
     .arguments = date_arguments,
@@ -151,7 +152,7 @@ const Command format_datetime{
         "are left out.\n"
         "\n"
         "Directives of a pattern:\n"
-        "  %Y    year                      %H    hour, 00 to 23\n"
+        "  %Y    year, its last 4 digits   %H    hour, 00 to 23\n"
         "  %m    month, 01 to 12           %I    hour, 01 to 12\n"
         "  %B %b month, full, abbreviated  %p    AM or PM\n"
         "  %d    day, 01 to 31             %M    minute\n"

@@ -523,9 +523,9 @@ const Command normalise{
     .name = "normalise",
     .summary = "Rewrites columns of dates and numbers in one form, all else byte for byte",
     .description =
-        "Dates and times become ISO 8601 and numbers plain, or what --to or --to-locale says. Every other byte of the "
-        "file stays: quotes, line ends, a byte order mark, a last line without its end. Each record in gives one out, "
-        "and what was read is written whenever the input pauses.\n"
+        "Dates and times become ISO 8601 and numbers plain, or what --to or --to-locale says; these write no decimals "
+        "of a second. Every other byte of the file stays: quotes, line ends, a byte order mark, a last line without "
+        "its end. Each record in gives one out, and what was read is written whenever the input pauses.\n"
         "\n"
         "How a column is read is decided once, from a sample or a profile, and held: day before month or after it, "
         "decimal point or comma. A later value that contradicts is reported, never read another way; nor is a value "

@@ -16,7 +16,6 @@
 #include "cli/errors.h"
 #include "cli/refusal.h"
 #include "cli/text.h"
-#include "vxnls/calendar.h"
 
 namespace vxcli::column {
 
@@ -89,25 +88,19 @@ struct Reader::State {
     if (output.to_pattern.empty() && output.to_locale.empty()) return;
     const bool numeric = decision.kind == Kind::number || decision.kind == Kind::integer;
     if (decision.kind == Kind::text) return;
-    writer = make_locale(output.to_locale.empty() ? decision.locale : output.to_locale);
+    VXLocale* const locale = make_locale(output.to_locale.empty() ? decision.locale : output.to_locale);
     if (numeric) {
       if (!output.to_pattern.empty()) fail(ExitCode::usage, "--to: numbers have no pattern; --to-locale writes them");
+      number_locale = locale;
       return;
     }
     if (decision.kind == Kind::period) {
       fail(ExitCode::usage, "column {}: periods are written by ISO 8601 only", in_quotes(decision.column));
     }
-    if (!output.to_pattern.empty()) {
-      const DatetimeKind kind = decision.kind == Kind::date   ? DatetimeKind::date
-                                : decision.kind == Kind::time ? DatetimeKind::time
-                                                              : DatetimeKind::datetime;
-      store_pattern(main_pattern(*writer, kind), "--to", output.to_pattern);
-      std::string ignored;
-      if (!write_by_pattern({.day = {2021, 3, 4}, .clock = {}}, ignored)) {
-        fail(ExitCode::usage, "--to {}: no {} can be written by it", in_quotes(output.to_pattern),
-             word_of(kind_words, decision.kind));
-      }
-    }
+    writer.emplace(locale, decision.kind == Kind::date   ? DatetimeKind::date
+                           : decision.kind == Kind::time ? DatetimeKind::time
+                                                         : DatetimeKind::datetime);
+    if (!output.to_pattern.empty()) writer->use_pattern("--to", output.to_pattern);
   }
 
   Outcome read(std::string_view value) {
@@ -115,6 +108,7 @@ struct Reader::State {
     shown = {};
     form = nullptr;
     explained = false;
+    unwritten.clear();
     original = value;
     outcome = read_value(value);
     return outcome;
@@ -144,8 +138,7 @@ struct Reader::State {
       const Outcome outcome_of_form = try_form(each, text, found);
       if (outcome_of_form == Outcome::read) {
         form = &each;
-        write(each, found);
-        return Outcome::read;
+        return write(each, found) ? Outcome::read : Outcome::unread;
       }
       if (outcome_of_form != Outcome::unread && best != Outcome::ambiguous) {
         best = outcome_of_form;
@@ -233,14 +226,14 @@ struct Reader::State {
     if (judged != Outcome::read) return judged;
     const NumberReading& reading = taken();
     number.append_plain(reading, out);
-    if (writer != nullptr) localise(out);
+    if (number_locale != nullptr) localise(out);
     shown = out;
     return Outcome::read;
   }
 
   /// A plain number as a locale writes it, every digit kept.
   void localise(std::string& plain) const {
-    const VXLocaleData& data = *writer->localeData;
+    const VXLocaleData& data = *number_locale->localeData;
     std::string result;
     const size_t first = plain.find_first_of("0123456789");
     const size_t last = std::min(plain.find_first_not_of("0123456789", first), plain.size());
@@ -259,12 +252,8 @@ struct Reader::State {
     plain = std::move(result);
   }
 
-  void write(const Form& each, const Found& found) {
-    if (writer != nullptr) {
-      write_by_pattern(found, out);
-      shown = out;
-      return;
-    }
+  bool write(const Form& each, const Found& found) {
+    if (writer) return write_by_pattern(found);
     char text[32];
     char* to = text;
     if (each.period) {
@@ -292,45 +281,27 @@ struct Reader::State {
     }
     if (found.clock.has_offset) append_offset(out, found.clock.offset);
     shown = out;
+    return true;
   }
 
-  bool write_by_pattern(const Found& found, std::string& to) {
-    uint8_t buffer[2048];
-    int64_t length = 0;
-    VXStatus status = 0;
-    const auto& ops = writer->ops;
-    if (decision.kind == Kind::date) {
-      status = ops.NLSDateFormatU(writer, static_cast<uint32_t>(found.day.month), static_cast<uint32_t>(found.day.day),
-                                  static_cast<uint32_t>(found.day.year), 0, buffer, sizeof buffer, &length);
-    } else if (decision.kind == Kind::time) {
-      status = ops.NLSTimeFormatU(writer, 0, buffer, sizeof buffer, &length, found.clock.seconds);
-    } else {
-      const iso8601::Date date{found.day.year, found.day.month, found.day.day};
-      double moment = static_cast<double>(day_number(date)) * 86400 + found.clock.seconds;
-      if (found.clock.has_offset && !in_writers_zone(found, moment)) return false;
-      status = ops.NLSDatetimeFormatU(writer, 0, buffer, sizeof buffer, &length, moment);
+  /// An instant is told by the clocks of the zone.
+  bool write_by_pattern(const Found& found) {
+    try {
+      Moment moment{found.clock.seconds};
+      if (decision.kind != Kind::time) {
+        moment.seconds += day_number({found.day.year, found.day.month, found.day.day}) * seconds_a_day;
+        if (found.clock.has_offset) moment = writer->at_instant(moment.seconds - found.clock.offset);
+      }
+      constexpr int64_t first_day_of_10000 = 2936548;
+      if (day_of(moment.seconds) >= first_day_of_10000)
+        refuse("the year is 10000 there, and patterns write four digits");
+      out = writer->write(moment);
+    } catch (const ValueError& error) {
+      unwritten = error.what();
+      return false;
     }
-    to.assign(reinterpret_cast<const char*>(buffer), static_cast<size_t>(length));
-    return status == 0;
-  }
-
-  /// The local time of an instant in the zone of the writing locale, which the library's own reader knows to find.
-  bool in_writers_zone(const Found& found, double& moment) const {
-    const int32_t minutes = std::abs(found.clock.offset) / 60;
-    char time[16];
-    *put_time(time, found.clock.seconds) = 0;
-    const std::string text = fmt::format("{}T{}{}{:02}:{:02}", iso_date(found.day), time,
-                                         found.clock.offset < 0 ? '-' : '+', minutes / 60, minutes % 60);
-    static constexpr char32_t pattern[] = U"%Y-%m-%dT%H:%M:%S%z";
-    NLSName& entry = writer->localeData->datetimePattern;
-    const NLSName kept = entry;
-    std::copy(std::begin(pattern), std::end(pattern) - 1, entry.text);
-    entry.length = std::ssize(pattern) - 1;
-    int64_t consumed = 0;
-    const VXStatus status = writer->ops.NLSBufToDatetimeU(writer, reinterpret_cast<const uint8_t*>(text.data()),
-                                                          static_cast<int64_t>(text.size()), 0, &moment, &consumed);
-    entry = kept;
-    return status == 0;
+    shown = out;
+    return true;
   }
 
   // Why a value was refused, in the cleaned text.
@@ -361,6 +332,7 @@ struct Reader::State {
     if (each.period) {
       library.explain_period(*each.period, text, told);
       if (told.status != 0) return of(told, text, 0);
+      if (told.match.fields.week != 0) return at(0, text.size(), "the year has no such week");
       return at(0, text.size(), fmt::format("{} is wanted", in_quotes(each.pattern)));
     }
     size_t base = 0;
@@ -555,6 +527,10 @@ struct Reader::State {
       refusal = {.position = 0, .length = original.size(), .expected = "it is too long", .status = VX_E_NOMATCH};
       return refusal;
     }
+    if (!unwritten.empty()) {
+      refusal = {.position = 0, .length = original.size(), .expected = unwritten, .status = 0};
+      return refusal;
+    }
     const Why found = why(cleaned.text());
     refusal.position = cleaned.original(found.position);
     refusal.length = found.length == 0 ? 0 : cleaned.original(found.position + found.length) - refusal.position;
@@ -569,7 +545,8 @@ struct Reader::State {
   std::vector<Form> forms;
   bool year_first = false;  // is considered
   std::string own_currency;
-  VXLocale* writer = nullptr;
+  VXLocale* number_locale = nullptr;     // writes numbers; null: they are written plain
+  std::optional<DatetimeWriter> writer;  // of all else; none: by ISO 8601
 
   Cleaned cleaned;
   NumberText number;
@@ -580,6 +557,7 @@ struct Reader::State {
   std::string_view original;
   Refusal refusal;
   bool explained = false;
+  std::string unwritten;  // why a value that was read cannot be written
 };
 
 Reader::Reader(const LocaleMaker& make_locale, const Decision& decision, const OutputChoice& output)

@@ -169,7 +169,8 @@ TEST(ColumnReader, DatesTimesAndPeriods) {
       german,
       "04.03.59 = 2059-03-04 | 04.03.60 = 1960-03-04 | 5. Feb 2021 = 2021-02-05 | 2021\u201103\u201204 = 2021-03-04 | "
       "5. Mörz 2021 = !Mörz: is not the name of a month | Sa., 5. März 2021 = !Sa., : another day of the week | "
-      "29.02.1900 = !29.02.1900: no day 1900-02-29 | 12.25.2021 = #12.25.2021: day-first | 4/3/2021 = !/: is wanted | "
+      "29.02.1900 = !29.02.1900: no day 1900-02-29 | 4000-02-29 = !4000-02-29: no day | "
+      "Mo., 1. März 4005 = 4005-03-01 | 12.25.2021 = #12.25.2021: day-first | 4/3/2021 = !/: is wanted | "
       // Places are those of the original.
       "\u00A0\u200E4.\u200E13.2021 = #4.\u200E13.2021 | \u00A0\u200E４.\u200E1３.202x = !1３: is not a month | "
       "4.3.2021\xFF = !\xFF: follows");
@@ -194,7 +195,8 @@ TEST(ColumnReader, DatesTimesAndPeriods) {
          "2021-03-04 = !: ends where a time is wanted");
   expect(decision_of(Kind::period, "fr_FR", {"%Y-W%V", "W%V %Y", "%Y-%m", "%m/%Y", "%b %Y", "%q %Y"}),
          "W53 2020 = 2020-W53 | 2021-3 = 2021-03 | févr. 2021 = 2021-02 | T1 2021 = 2021-Q1 | "
-         "2021-W54 = !54: is not a week | 13/2021 = !13: is not a month");
+         "2021-W54 = !54: is not a week | 2021-W53 = !2021-W53: no such week | 2021-W00 = !2021-W00 | "
+         "9999-W52 = 9999-W52 | 13/2021 = !13: is not a month");
   Decision strict = german;
   strict.strict = true;
   strict.forms = {"%d.%m.%Y", "%#d. %B %Y"};
@@ -239,8 +241,10 @@ TEST(ColumnReader, OtherOutputsAndFormsThatCannotBeMeant) {
   expect(date, "3/4/2021 = 04/03/2021", {.to_pattern = "", .to_locale = "fr_FR"});
   // An instant is told by the clocks of the zone.
   expect(decision_of(Kind::datetime, "en_US", {"%Y-%m-%dT%H:%M:%S", "%Y-%m-%dT%H:%M:%S%z"}),
-         "2021-07-04T23:20:30Z = 05.07.2021 01:20 | 2021-07-04T23:20:30 = 04.07.2021 23:20",
-         {.to_pattern = "%d.%m.%Y %H:%M", .to_locale = ""});
+         "2021-07-04T23:20:30Z = 05.07.2021 01:20 +0200 | 2021-07-04T23:20:30 = 04.07.2021 23:20 +0200 | "
+         "2021-10-31T01:30:00Z = 31.10.2021 02:30 +0100 | 1582-01-01T00:00:00+01:00 = !1582-01-01T00:00:00+01:00 | "
+         "9999-12-31T23:30:00Z = !9999-12-31T23:30:00Z: the year is 10000",
+         {.to_pattern = "%d.%m.%Y %H:%M %z", .to_locale = ""});
   for (const char* wrong : {"%d.%Q", "%H:%M", "%"}) {
     EXPECT_THROW(Reader(locale_maker(), date, {.to_pattern = wrong, .to_locale = ""}), vxcli::Failure) << wrong;
   }
