@@ -673,8 +673,8 @@ class locale {
       status = read_whole(text);
       if (how.prefix && status == VX_E_NOTNUMBER) {
         // The number is what stands before the first unit that cannot belong to it, where that holds a digit.
-        constexpr Unit digits[] = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B',
-                                   'C', 'D', 'E', 'F', 'a', 'b', 'c', 'd', 'e', 'f', '\0'};
+        constexpr Unit digits[] = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A',
+                                   'B', 'C', 'D', 'E', 'F', 'a', 'b', 'c', 'd', 'e', 'f'};
         const View number = text.substr(0, consumed);
         if (number.find_first_of(digits, 0, how.hex ? 22 : 10) != View::npos) status = read_whole(number);
       }
