@@ -176,9 +176,11 @@ constexpr Command zone_list{.name = "list",
                             .run = run_list};
 
 constexpr Argument zone_arguments[] = {
-    {.name = "ZONE", .help = "its name, in any letter case; else that of --zone", .completes = Completes::zones},
+    {.name = "ZONE",
+     .help = "its name, in any letter case; without one, that of --zone now",
+     .completes = Completes::zones},
     {.name = "MOMENT",
-     .help = "2026-07-01T00:00, ...Z, ...+02:00, @1782856800 or now, which is the default",
+     .help = "behind ZONE: 2026-07-01T00:00, ...Z, ...+02:00, @1782856800 or now, which is the default",
      .repeats = true}};
 constexpr const Option* zone_options[] = {&options::json};
 constexpr const Command* zone_commands[] = {&zone_list};

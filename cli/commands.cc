@@ -86,7 +86,9 @@ constexpr Definition variables[] = {
     {"VXHOST_PATH", "folders with extensions of the host, separated by colons, besides the one it lies in"}};
 
 constexpr Definition codes[] = {{"0", "done"},
-                                {"1", "finished, but some values could not be read"},
+                                {"1",
+                                 "finished, but some values could not be read; of values of the command line none is "
+                                 "printed then"},
                                 {"2", "wrong usage, locale, zone or pattern"},
                                 {"3", "reading or writing failed"},
                                 {"4", "the host failed, or memory is exhausted"}};

@@ -303,9 +303,10 @@ $ # Refused, and nothing beside it: by usage, for a value, by the system.
 > for w in 'help calendar x' 'format integer 1 --hex --octal' 'format number 1 --exponent --integer' \
 >   'normalise --profile p -l C orders' 'format date -x' 'format date --pattern' 'calendar --json=maybe' 'compare a' \
 >   'format number 1 --fixed' 'parse date 21/11 --pattern %d/%m' 'format number 1 --width 513' \
->   'parse date 1 --pattern %Q' 'parse date 1 --pattern %d --as month' 'format date 0 --pattern %Y%#H' 'locale show ../de' 'locale list qqq' \
->   'zone list tokio' 'recognise -c id twice' 'recognise -c id,1 orders' 'recognise --no-header -c when orders' \
->   'recognise --separator ;; orders' 'normalise orders' 'normalise -c wen orders' 'calendar --from julian 2001366' \
+>   'parse date 1 --pattern %Q' 'parse date 1 --pattern %d --as month' 'format date 0 --pattern %Y%#H' 'locale show ../de' \
+>   'locale list qqq' 'zone list tokio' 'recognise -c id twice' 'recognise -c id,1 orders' \
+>   'recognise --no-header -c when orders' 'recognise --separator ;; orders' 'normalise orders' \
+>   'normalise -c wen orders' 'calendar --from julian 2001366' \
 >   'format date today' 'format date 20261121' 'format date 4000-02-29' 'format time 2026-11-21' \
 >   'format time 10:00Z' 'parse time 13PM --pattern %H%p' 'format datetime 99999999999999999999999999' \
 >   'format datetime 1582-01-01T00:30+01' 'format datetime @x' 'parse integer 1.5' 'format number abc' \
