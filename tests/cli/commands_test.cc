@@ -139,7 +139,6 @@ TEST(Commands, ParseAndNumbers) {
   expect(R"~(
 $ vxnls parse date 'Dec 31, 2021' --style medium --to-locale ja_JP; vxnls parse time 1:2.250 --pattern '%#H:%#M.%s'
 > vxnls parse date 31.12. -l de_DE; vxnls parse time '13:00 pm' -l en_US --lenient
-> vxnls parse date 'Q0 2021' --as quarter; vxnls parse date '100%' --pattern '%d%%'
 > vxnls parse datetime '1582-01-01 00:30 +0200' --pattern '%Y-%m-%d %H:%M %z'
 2021/12/31
 01:02:00.250
