@@ -1,5 +1,6 @@
 #include "cli/columns.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -121,6 +122,48 @@ Input::Input(Invocation& invocation)
   wanted_ = wanted_of(invocation, reader_->head());
 }
 
+namespace {
+
+/// Something that is read or written.
+struct Place {
+  std::string name;  // in messages
+  std::string path;  // of an option; empty: open already
+  struct stat status {};
+  bool regular = false;
+
+  bool same(const Place& other) const {
+    if (!path.empty() && path == other.path) return true;
+    return regular && other.regular && status.st_dev == other.status.st_dev && status.st_ino == other.status.st_ino;
+  }
+};
+
+Place open_place(std::string name, int descriptor) {
+  Place place{.name = std::move(name), .path = ""};
+  place.regular = fstat(descriptor, &place.status) == 0 && S_ISREG(place.status.st_mode);
+  return place;
+}
+
+}  // namespace
+
+void Input::refuse_to_overwrite(const Arguments& arguments, std::initializer_list<const Option*> options) const {
+  std::vector<Place> places{open_place("the input", file_.descriptor()), open_place("the output", STDOUT_FILENO)};
+  for (const Option* option : options) {
+    const auto path = arguments.value(*option);
+    if (!path) continue;
+    Place place{.name = fmt::format("the file of {}", spelled(*option)), .path = *path};
+    place.regular = stat(path->c_str(), &place.status) == 0 && S_ISREG(place.status.st_mode);
+    places.push_back(std::move(place));
+  }
+  for (size_t i = 0; i < places.size(); ++i) {
+    for (size_t j = i + 1; j < places.size(); ++j) {
+      // What is written to an output that is open already does not take its place.
+      const bool through = i == 1 && open_already(places[j].path);
+      if (through || !places[i].same(places[j])) continue;
+      fail(ExitCode::usage, "{} is both {} and {}", i == 0 ? name() : places[j].path, places[i].name, places[j].name);
+    }
+  }
+}
+
 void Input::rewind() {
   file_.rewind();
   reader_ = std::make_unique<table::BlockReader>(file_.descriptor(), file_.name(), dialect_);
@@ -199,9 +242,7 @@ column::ProfilerOptions profiler_options(Invocation& invocation) {
   if (arguments.has(month_first)) options.order = column::Order::month_first;
   if (const auto mark = arguments.value(decimal)) options.decimal_point = std::string(1, *mark == "comma" ? ',' : '.');
   if (const auto year = arguments.value(first_year)) {
-    constexpr int32_t earliest = 1582;
-    constexpr int32_t latest = 19901;
-    options.first_year = option_number("--first-year", *year, earliest, latest);
+    options.first_year = option_number("--first-year", *year, column::earliest_first_year, column::latest_first_year);
   }
   options.strict = arguments.has(strict);
   return options;

@@ -2,6 +2,7 @@
 #ifndef VXNLS_CLI_COLUMNS_H
 #define VXNLS_CLI_COLUMNS_H
 
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -47,6 +48,9 @@ class Input {
   const File& file() const { return file_; }
   const table::Dialect& dialect() const { return dialect_; }
   table::BlockReader& reader() { return *reader_; }
+  /// What is written anew while it is read would be lost, and so would one of two things that go into one file.
+  /// `options` name files that are written. Throws Failure (ExitCode::usage).
+  void refuse_to_overwrite(const Arguments& arguments, std::initializer_list<const Option*> options) const;
   /// Goes back to the start, for another pass over a file that can_rewind().
   void rewind();
 

@@ -1,12 +1,7 @@
 // vxnls normalise
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -270,23 +265,6 @@ class Rejects {
   const Plan& plan_;
 };
 
-bool same_regular_file(int left, const struct stat& right) {
-  struct stat status {};
-  return fstat(left, &status) == 0 && S_ISREG(status.st_mode) && status.st_dev == right.st_dev &&
-         status.st_ino == right.st_ino;
-}
-
-/// A file that is read while it is written anew would be lost.
-void refuse_own_input(const columns::Input& input, const std::optional<std::string>& rejects_path) {
-  struct stat own {};
-  if (fstat(input.file().descriptor(), &own) != 0 || !S_ISREG(own.st_mode)) return;
-  if (same_regular_file(STDOUT_FILENO, own)) fail(ExitCode::io, "{} is both the input and the output", input.name());
-  struct stat other {};
-  if (rejects_path && stat(rejects_path->c_str(), &other) == 0 && same_regular_file(input.file().descriptor(), other)) {
-    fail(ExitCode::io, "{} is both the input and the file of --rejects", input.name());
-  }
-}
-
 std::vector<column::Decision> decisions_of_profile(const std::string& path) {
   const File file(&path);
   std::string text;
@@ -321,7 +299,7 @@ class Normaliser {
     if (const auto name = arguments.value(to_locale)) {
       plan_.output.to_locale = invocation.session.resolve_locale(*name, spelled(to_locale));
     }
-    refuse_own_input(input_, arguments.value(rejects));
+    input_.refuse_to_overwrite(arguments, {&profile_file, &rejects});
     plan_.expected_cells = input_.expected_cells();
     if (const auto path = arguments.value(profile_file)) use_profile(*path);
     else decide();

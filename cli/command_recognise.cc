@@ -32,6 +32,7 @@ void write_file(const std::string& path, const std::string& text) {
 ExitCode run(Invocation& invocation) {
   const Arguments& arguments = invocation.arguments;
   columns::Input input(invocation);
+  input.refuse_to_overwrite(arguments, {&emit_profile, &html});
   const std::vector<table::Column> chosen = input.choose(columns::names_of(input.wanted()));
   std::vector<column::ProfilerOptions> options(chosen.size(), columns::profiler_options(invocation));
   constexpr int32_t usual_examples = 5;

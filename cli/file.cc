@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -23,7 +24,6 @@ constexpr mode_t all_modes = 0777;
 
 /// The file that another can take the place of; empty: there is none.
 std::string replaceable_file(const std::string& path) {
-  // "/dev/stderr" may lead to a file that others write to, too.
   if (path.starts_with("/dev/") || path.starts_with("/proc/")) return "";
   struct stat status {};
   if (lstat(path.c_str(), &status) != 0) return errno == ENOENT ? path : "";
@@ -34,7 +34,22 @@ std::string replaceable_file(const std::string& path) {
 
 std::atomic<const char*> unfinished = nullptr;
 
+/// The descriptor that a path names, as "/dev/stdout" does; less than 0: it names a file.
+int descriptor_named(std::string_view path) {
+  if (path == "/dev/stdout") return STDOUT_FILENO;
+  if (path == "/dev/stderr") return STDERR_FILENO;
+  for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+    if (!path.starts_with(folder)) continue;
+    int number = -1;
+    const auto [end, error] = std::from_chars(path.data() + folder.size(), path.data() + path.size(), number);
+    if (error == std::errc() && end == path.data() + path.size()) return number;
+  }
+  return -1;
+}
+
 }  // namespace
+
+bool open_already(std::string_view path) { return descriptor_named(path) >= 0; }
 
 File::File(const std::string* path) : name_(path == nullptr ? "standard input" : *path), descriptor_(STDIN_FILENO) {
   if (path != nullptr) descriptor_ = open(path->c_str(), O_RDONLY | O_CLOEXEC);
@@ -55,8 +70,11 @@ NewFile::NewFile(const std::string& path, std::string target) : path_(path), tar
 
 // Whatever is thrown from the body on, the destructor runs: the object is there when the other constructor has ended.
 NewFile::NewFile(const std::string& path) : NewFile(path, replaceable_file(path)) {
-  int descriptor = open_beside();
-  if (descriptor < 0) descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, usual_mode);
+  // Opened anew, a file that others write to would be emptied, or written over from its start.
+  const int named = descriptor_named(path);
+  int descriptor = named < 0 ? open_beside() : fcntl(named, F_DUPFD_CLOEXEC, 0);
+  if (descriptor < 0 && named < 0)
+    descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, usual_mode);
   if (descriptor < 0) fail(ExitCode::io, "{}: {}", path, std::strerror(errno));
   out_.emplace(descriptor, path);
 }

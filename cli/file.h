@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/output.h"
@@ -32,6 +33,9 @@ class File {
   int descriptor_ = 0;
   off_t start_ = -1;  // where reading began, of a regular file
 };
+
+/// Whether the path names an output of this process, as "/dev/stdout" does, and not a file of its own.
+bool open_already(std::string_view path);
 
 /// A file that is written: it is whole, or what was there before stays. What is put goes to a file beside it that takes
 /// its place in the end. What is no regular file, or lies in a folder that takes no new file, is written where it is.

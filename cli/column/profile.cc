@@ -94,9 +94,8 @@ constexpr Member members[] = {
      }},
     {"first-year", [](const Decision& d) { return Json(d.first_year); },
      [](Decision& d, const Json& json) {
-       constexpr int32_t least = 1582, most = 9900;
-       if (!json.is_number_integer() || json < least || json > most)
-         refuse("a year from {} to {} is wanted", least, most);
+       if (!json.is_number_integer() || json < earliest_first_year || json > latest_first_year)
+         refuse("a year from {} to {} is wanted", earliest_first_year, latest_first_year);
        d.first_year = json.get<int32_t>();
      }},
     {"decimal-point", get_text<&Decision::decimal_point>,

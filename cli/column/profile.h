@@ -12,6 +12,9 @@
 
 namespace vxcli::column {
 
+/// Limits of Decision::first_year: the last of the hundred years has four digits.
+inline constexpr int32_t earliest_first_year = 1582, latest_first_year = 9900;
+
 /// How every value of a column is read: decided once, held for all of them. This is all that a Reader needs.
 struct Decision {
   std::string column;
