@@ -74,7 +74,7 @@ void run_commands(const std::filesystem::path& document, size_t& count) {
   }
   const vxtest::TemporaryFolder folder;
   folder.link(VXNLS_SOURCE_DIR "/examples", "examples");
-  const std::string frame = fmt::format("export HERE={0} HOME={0} LIB={1} PERL_BADLANG=0; cd {0}; exec 2>&1\n",
+  const std::string frame = fmt::format("export HERE='{0}' HOME='{0}' LIB='{1}' PERL_BADLANG=0; cd '{0}'; exec 2>&1\n",
                                         folder.path(), VXNLS_LIBRARIES);  // LANG's locale need not be installed
   for (const auto& [command, output] : steps) {
     const char* const extension = VXNLS_LIBRARIES "/vxnls_sqlite.so";  // which not every build has

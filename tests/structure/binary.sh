@@ -14,7 +14,7 @@ complain() { sed "s|^|$1: |"; }
 check() {
   symbols --defined-only "$library" | diff "$exports" - | complain 'exports'
   # The list decides what the linker lets out; this finds a function that is declared public and was not put on it.
-  xargs readelf -sW <"$objects" |
+  xargs -d '\n' readelf -sW <"$objects" |
     awk '$5 ~ /GLOBAL|WEAK/ && $6 == "DEFAULT" && $7 != "UND" && $8 !~ /^(_Z|DW\.|__odr_asan)/ { print $8 }' | sort -u |
     comm -13 "$exports" - | complain 'not on the list'
 
@@ -33,7 +33,7 @@ check() {
     /(INIT|FINI)_ARRAYSZ/ && !/ 8 \(bytes\)/' | complain 'needed or run'  # 8: what the start files bring along
   symbols --undefined-only "$library" | comm -23 - <(sed '/^#/d; s/^? //' "$undefined" | sort) | complain 'needed'
   if [ "$(uname -m)" = x86_64 ]; then  # the marks of the compiler: in the objects, for the start files have none
-    xargs readelf -nW <"$shipped" | grep -c 'IBT, SHSTK' | diff - <(grep -c . "$shipped") | complain 'jumps unchecked'
+    xargs -d '\n' readelf -nW <"$shipped" | grep -c 'IBT, SHSTK' | diff - <(grep -c . "$shipped") | complain 'jumps unchecked'
     objdump -d "$library" | awk '/^[0-9a-f]+ <.*>:$/ { gsub(/[<>:]/, "", $2); name = $2; getline; print name, $NF }' |
       sort | join "$exports" - | awk '$2 != "endbr64"' | complain 'no mark'
   fi
