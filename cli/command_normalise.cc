@@ -372,7 +372,10 @@ class Normaliser {
       }
     }
     if (plan_.decisions.empty()) fail(ExitCode::usage, "{} has no column of dates, times or numbers", path);
-    for (const column::Decision& decision : plan_.decisions) names.push_back(decision.column);
+    for (column::Decision& decision : plan_.decisions) {
+      decision.locale = invocation_.session.resolve_locale(decision.locale, path);
+      names.push_back(decision.column);
+    }
     plan_.columns = input_.choose(names);
   }
 

@@ -222,6 +222,7 @@ $ vxnls normalise -c when:date,amount:number --rejects rejects -q < orders > out
 > vxnls normalise --format lines -c 1:date --sample 1 -q f | paste -sd,
 > head -n 1 f | vxnls recognise --format lines --emit-profile p > out
 > tail -n 2 f | vxnls normalise --format lines --profile p --rejects q -q | paste -sd,
+> sed -i 's/"locale": ".*"/"locale": "xx"/' p; vxnls normalise --format lines --profile p f
 > (echo 12/25/21; head -n 2 f; echo 03/04/21) | vxnls normalise --format lines -c 1:date --rejects r -q > out
 > grep -ho '"value[^,]*,"outcome[^,]*' q r
 > (tail -n 1 f; head -n 1 f) > g; vxnls normalise --format lines --sample all -q g | paste -sd,
@@ -240,7 +241,8 @@ nread","position":0,"length":2,"expected":"\"32\" is not a day of a month (1 to 
 2021-04-03,2021-12-25
 1.234,1’234
 locale ko_KR
-= 1 0 0 1 1 0 1 1 0 0 0 0
+! vxnls: p: there is no locale "xx"; "vxnls locale list" lists them
+= 1 0 0 1 1 0 1 2 1 0 0 0 0
 $ printf 'note\nhello\nworld\n' | vxnls normalise -c note; printf 'a\n1\n' > f; vxnls normalise -c a f >> f; wc -l < f
 > for o in '--html f' '--emit-profile p --html p'; do vxnls recognise $o f; done; cp f log
 > vxnls normalise -qc a:date --rejects /dev/stderr f > out 2>> log; wc -l < log
