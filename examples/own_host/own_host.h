@@ -30,9 +30,12 @@ auto guarded(Do act) noexcept -> decltype(act()) try {
 
 /// Memory comes back all at once, with its pool.
 struct Pool : VXPool {
-  std::pmr::synchronized_pool_resource memory;
+  std::mutex guard;
+  std::pmr::monotonic_buffer_resource memory;
   static void* allocate(VXPool* self, int64_t bytes, uint32_t flags) {
-    void* const block = guarded([&] { return static_cast<Pool*>(self)->memory.allocate(static_cast<size_t>(bytes)); });
+    auto* const pool = static_cast<Pool*>(self);
+    const std::lock_guard lock(pool->guard);
+    void* const block = guarded([&] { return pool->memory.allocate(static_cast<size_t>(bytes)); });
     return block != nullptr && (flags & VX_ZERO_FILL) != 0 ? std::memset(block, 0, static_cast<size_t>(bytes)) : block;
   }
   static VXStatus free(VXPool*, void*) { return 0; }

@@ -15,6 +15,13 @@ TEST(OwnHost, HasTwoHundredLines) {
   EXPECT_TRUE(lines > 100 && lines <= 200) << lines;
 }
 
+TEST(OwnHost, GivesBlocksForAnyType) {
+  own::Pool pool;
+  for (const int64_t bytes : {24, 24, 1, 1016, 49248}) {
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(own::Pool::allocate(&pool, bytes, 0)) % alignof(std::max_align_t), 0u);
+  }
+}
+
 TEST(OwnHost, SharesLocalesAmongThreads) {
   own::Host host(VXNLS_OWN_HOST "/locales.txt");
   VXLocale* const one = host.locale("hi_IN", "Asia/Kolkata");
