@@ -100,8 +100,8 @@ bool move_into_century(Day& day, int32_t first_year) {
 }
 
 int weekday_of(const Day& day) {
-  constexpr int64_t friday = 5, earlier_weeks = 7 * 20'000;  // day 0; so that nothing is below 0
-  return static_cast<int>((number_of(day) + friday + earlier_weeks) % 7);
+  constexpr int64_t friday = 5, whole_weeks = 140'000;  // of day 0; so that nothing is below 0
+  return static_cast<int>((number_of(day) + friday + whole_weeks) % 7);
 }
 
 Week week_of(const Day& day) {
