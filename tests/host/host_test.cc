@@ -98,19 +98,6 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
   EXPECT_EQ(vxhostLocale(host, "de_DE", "UTC", 0, nullptr), VX_E_NULL);
 }
 
-TEST_F(Host, WantsDescriptorsOnlyForAMoment) {
-  rlimit limit{};
-  getrlimit(RLIMIT_NOFILE, &limit);
-  for (const auto& [descriptors, wanted] : {std::pair(rlim_t{0}, VX_E_MEMORY), {limit.rlim_cur, VXStatus{0}}}) {
-    limit.rlim_cur = descriptors;
-    setrlimit(RLIMIT_NOFILE, &limit);
-    VXLocale* made = nullptr;
-    VXHostZoneInfo info;
-    EXPECT_EQ(vxhostZoneInfo(host, "Asia/Pyongyang", VX_ZONE_FROM_UTC, 0, &info), wanted);
-    EXPECT_EQ(vxhostLocale(host, "de_DE", "Asia/Pyongyang", 0, &made), wanted);
-  }
-}
-
 void keep(void* user, uint32_t level, double time, const char* text) {
   EXPECT_NEAR(time, static_cast<double>(::time(nullptr)), 60);
   *static_cast<std::string*>(user) += std::to_string(level) + ' ' + text + '\n';
@@ -263,6 +250,21 @@ TEST_F(Host, EveryLocaleIsCreatedOnceAndServes32Threads) {
   EXPECT_EQ(entries, of_their_own);
   unsetenv("TZ");
   database->ops = real_database;
+}
+
+TEST(HostOpening, WantsDescriptorsOnlyForAMoment) {
+  VXHost* const host = open();
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  for (const auto& [descriptors, wanted] : {std::pair(rlim_t{0}, VX_E_MEMORY), {limit.rlim_cur, VXStatus{0}}}) {
+    limit.rlim_cur = descriptors;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    VXLocale* made = nullptr;
+    VXHostZoneInfo info;
+    EXPECT_EQ(vxhostZoneInfo(host, "Asia/Pyongyang", VX_ZONE_FROM_UTC, 0, &info), wanted);
+    EXPECT_EQ(vxhostLocale(host, "de_DE", "Asia/Pyongyang", 0, &made), wanted);
+  }
+  vxhostClose(host);
 }
 
 TEST(HostOpening, JournalsToStandardErrorWhenTheEnvironmentSaysSo) {
