@@ -113,7 +113,7 @@ const std::vector<std::string_view>& available_locales() {
 }
 
 ResolvedLocale resolve_locale(std::string_view name) {
-  const ResolvedLocale none{"", VX_E_NOMATCH};
+  ResolvedLocale none{"", VX_E_NOMATCH};
   if (name.size() >= ULOC_FULLNAME_CAPACITY) return none;
 
   // POSIX: language_region.charset@modifier. A modifier with "=" is a list of keywords.

@@ -82,7 +82,8 @@ TEST_F(Host, RefusesWhatIsNoLocaleAndNoZone) {
     EXPECT_EQ(status, VX_E_ZONE);
     EXPECT_EQ(NLSLocaleCreate(vxhostContext(host), units.data(), n, &status, nullptr), nullptr);
     EXPECT_EQ(status, VX_E_NOMATCH);
-    const std::string bytes = std::string(units.begin(), units.end()).c_str();  // up to a NUL
+    std::string bytes(units.begin(), units.end());
+    bytes.resize(std::min(bytes.find('\0'), bytes.size()));
     VXLocale* made = own;
     EXPECT_EQ(vxhostLocale(host, bytes.c_str(), "UTC", 0, &made), bytes == "de" ? 0 : VX_E_NOMATCH);
     EXPECT_EQ(vxhostLocale(host, "de_DE", bytes.c_str(), 0, &made), bytes == "Asia/Tokyo" ? 0 : VX_E_ZONE);
@@ -124,7 +125,7 @@ TEST_F(Host, JournalsMessagesAndStatuses) {
   EXPECT_EQ(vxlMessageToBuf(to, word(message.data()), word(buffer), 8, word(&length), 0, insert, 42, 1, 1, int64_t{1},
                             uint64_t{1}, uint64_t{1}),
             VX_E_TRUNCATED);
-  EXPECT_EQ(std::string(buffer, buffer + 9), std::string("in=42, 1", 9));
+  EXPECT_EQ(std::string(buffer, buffer + 9), std::string("in=42, 1").append(1, '\0'));
   // One line when the system's zone is unknown: a stand-in for locales, and for nothing else.
   VXHostZoneInfo info;
   for (const char* const tz : {"CET-1CEST,M3.5.0,M10.5.0/3", "/nowhere", "japan"}) {
