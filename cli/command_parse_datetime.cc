@@ -388,9 +388,8 @@ const Command parse_date{
         "A date is read by the locale's main date pattern, by another with --style or --pattern; its fields are as "
         "wide as the pattern wants. --lenient tries the locale's three patterns and 17 common forms, day first or "
         "month first as the locale has it; the first that matches wins, and --explain tells when another would give "
-        "another date. --as reads a month, a quarter or a week of a year, and gives its first day. What the locale's "
-        "own "
-        "pattern of weeks reads, as 2021-W09, begins as the locale's weeks do, whichever week --as asks for.\n"
+        "another date. --as reads a month, a quarter or a week of a year, and gives its first day; what the locale's "
+        "own pattern of weeks reads, as 2021-W09, begins as its weeks do, whichever week --as asks for.\n"
         "\n"
         "The result is ISO 8601, unless --to or --to-locale says otherwise. A day that does not exist is refused.",
     .arguments = arguments,
