@@ -82,8 +82,8 @@ TEST(Calendar, EveryDayThroughEveryFunction) {
     const auto second = static_cast<int32_t>((d - vxnls::first_day) * int64_t{7919} % 86400);
     const double t = date * 86400 + second + 0.25;
     ASSERT_TRUE(NLSdatprt(t) == date && NLStimprt(t) == second + 0.25) << t;
-    ASSERT_TRUE(NLShour(t) == second / 3600 && NLSminute(t) == second / 60 % 60 && NLSsecond(t) == second % 60 + 0.25)
-        << t;
+    const int32_t hour = second / 3600, minute = second / 60 % 60;
+    ASSERT_TRUE(NLShour(t) == hour && NLSminute(t) == minute && NLSsecond(t) == second % 60 + 0.25) << t;
     const vxnls::DayAndSecond split = vxnls::day_and_second(t);
     ASSERT_TRUE(split.day == d && split.second == second) << t;
     ASSERT_TRUE(NLSdatprt(date * 86400) == date && NLSdatprt(date * 86400 + 86399) == date) << d;

@@ -155,7 +155,7 @@ TEST(Splitter, ObjectsAreWhatAJsonReaderTakes) {
   // Without nested values, of which only brackets and strings are looked at.
   static constexpr std::string_view parts[] = {"",  "}", "]",  "\"a\":", "\"\\n\"", "\"\t\"", ",",   "1",
                                                "-", "e", ".0", "null",   " ",       "+",      "\"\\"};
-  for (size_t number = 0; number < 15 * 15 * 15 * 15 * 15; ++number) {  // up to five of them
+  for (size_t number = 0; number < size_t{15} * 15 * 15 * 15 * 15; ++number) {  // up to five of them
     std::string line = "{";
     for (size_t left = number; left > 0; left /= 15) line += parts[left % 15];
     const bool taken = described(Dialect::of(Format::json_lines), line).find(" 4@") == std::string::npos;

@@ -85,8 +85,8 @@ struct Expander {
       const char32_t c = pattern[i];
       const bool small = c >= 'a' && c <= 'z', capital = c >= 'A' && c <= 'Z';
       if (!directive || c == '%') text += c;
-      else if (!small && !capital) return {};
-      else if (!one(small ? c : c + 32, question || (small && !hash), hash ? 0 : U'0')) return {};
+      else if (!(small || capital) || !one(small ? c : c + 32, question || (small && !hash), hash ? 0 : U'0'))
+        return {};
     }
     while (text.ends_with(U' ')) text.pop_back();
     return text;

@@ -33,8 +33,8 @@ enum Readers { strict = 1, lenient, both };
 /// Directives of a number: width and range, where the value goes, and what becomes of it first.
 struct Number {
   Readers readers;
+  uint32_t width;
   const char* letters;
-  size_t width;
   int32_t minimum, maximum;
   int32_t F::*field = nullptr;
   int32_t (*stored)(int32_t) = [](int32_t v) { return v; };
@@ -44,25 +44,25 @@ struct Number {
 int32_t midnight_is_0(int32_t v) { return v % 24; }
 
 constexpr Number numbers[] = {
-    {both, "mo", 2, 1, 12, &F::month},
-    {both, "de", 2, 1, 31, &F::day},
-    {both, "M", 2, 0, 59, &F::minute},
-    {both, "S", 2, 0, 59, &F::second},
-    {both, "s", 3, 0, 999, &F::milliseconds},
-    {both, "u", 1, 1, 7},
-    {both, "w", 1, 0, 6},
-    {strict, "Yy", 4, 1582, 20000, &F::year},
-    {strict, "H", 2, 0, 23, &F::hour},
-    {strict, "I", 2, 1, 12, &F::hour, [](int32_t v) { return v % 12; }},
-    {strict, "k", 2, 0, 23, &F::hour, midnight_is_0, 24},
-    {strict, "l", 2, 0, 11, &F::hour},
-    {lenient, "YyG", 4, 1582, 20000, &F::year, [](int32_t v) { return v > 99 ? v : v + (v < 60 ? 2000 : 1900); }},
-    {lenient, "HI", 2, 0, 23, &F::hour},  // the hour of %I stays as it is, kept on purpose: 12 is 12
-    {lenient, "k", 2, 0, 24, &F::hour, midnight_is_0},
-    {lenient, "l", 2, 0, 24, &F::hour, [](int32_t v) { return v % 24 == 0 ? 12 : v; }},
-    {lenient, "U", 2, 0, 53, &F::week, [](int32_t v) { return 100 + v; }},
-    {lenient, "V", 2, 0, 53, &F::week, [](int32_t v) { return 200 + v; }},
-    {lenient, "W", 2, 0, 53, &F::week, [](int32_t v) { return 300 + v; }},
+    {both, 2, "mo", 1, 12, &F::month},
+    {both, 2, "de", 1, 31, &F::day},
+    {both, 2, "M", 0, 59, &F::minute},
+    {both, 2, "S", 0, 59, &F::second},
+    {both, 3, "s", 0, 999, &F::milliseconds},
+    {both, 1, "u", 1, 7},
+    {both, 1, "w", 0, 6},
+    {strict, 4, "Yy", 1582, 20000, &F::year},
+    {strict, 2, "H", 0, 23, &F::hour},
+    {strict, 2, "I", 1, 12, &F::hour, [](int32_t v) { return v % 12; }},
+    {strict, 2, "k", 0, 23, &F::hour, midnight_is_0, 24},
+    {strict, 2, "l", 0, 11, &F::hour},
+    {lenient, 4, "YyG", 1582, 20000, &F::year, [](int32_t v) { return v > 99 ? v : v + (v < 60 ? 2000 : 1900); }},
+    {lenient, 2, "HI", 0, 23, &F::hour},  // the hour of %I stays as it is, kept on purpose: 12 is 12
+    {lenient, 2, "k", 0, 24, &F::hour, midnight_is_0},
+    {lenient, 2, "l", 0, 24, &F::hour, [](int32_t v) { return v % 24 == 0 ? 12 : v; }},
+    {lenient, 2, "U", 0, 53, &F::week, [](int32_t v) { return 100 + v; }},
+    {lenient, 2, "V", 0, 53, &F::week, [](int32_t v) { return 200 + v; }},
+    {lenient, 2, "W", 0, 53, &F::week, [](int32_t v) { return 300 + v; }},
 };
 
 void expect_number(const Number& d, const std::string& directive, bool leniently, const std::string& text) {

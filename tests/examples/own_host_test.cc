@@ -28,6 +28,7 @@ TEST(OwnHost, SharesLocalesAmongThreads) {
   std::atomic<int> texts = 0;
   {
     std::vector<std::jthread> threads;
+    threads.reserve(8);
     for (int i = 0; i < 8; ++i) {
       threads.emplace_back([&, i] {
         for (int round = 0; round < 200; ++round) {

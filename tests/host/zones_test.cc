@@ -23,7 +23,7 @@ using vxhost::ZoneService;
 using vxhost::ZoneTable;
 
 const ZoneTable zones(ZoneTable::system_folder());
-constexpr int day = 86400;
+constexpr int day = 86400, two_days = 2 * day;
 
 std::string canonical(const ZoneTable& table, std::string_view name) {
   const auto* const found = table.find(name);
@@ -145,7 +145,7 @@ TEST(Zones, AgreeWithTheCLibraryAroundEveryChangeOfEveryZone) {
       // would want a third offset.
       const int64_t start = change + std::min(before, after), end = change + std::max(before, after);
       for (const int64_t local : {start - 3600, start - 1, start, (start + end) / 2, end - 1, end, end + 3600}) {
-        if (offset(change - 2 * day) != before || offset(change + 2 * day) != after) break;
+        if (offset(change - two_days) != before || offset(change + two_days) != after) break;
         const auto found = at(*zone, VX_ZONE_FROM_LOCAL, local);
         ASSERT_TRUE(found && found->offset == (local < end ? before : after)) << local;
       }

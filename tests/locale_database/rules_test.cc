@@ -70,7 +70,8 @@ struct Walk {
         expect(value, {static_cast<uint32_t>(flag), lenient}, NLSTimeFormat(locale, flag, wide, 512, &units, value),
                NLSTimeFormatU(locale, flag, bytes, 512, &octets, value), NLSBufToTime, NLSBufToTimeU);
       }
-      const auto moment = static_cast<double>((at - sys_days{1960y / January / 1}).count() * 86400 + i * 60 + i % 60);
+      const auto moment =
+          static_cast<double>((at - sys_days{1960y / January / 1}).count() * 86400 + int64_t{i} * 60 + i % 60);
       expect(moment, {0, lenient}, NLSDatetimeFormat(locale, 0, wide, 512, &units, moment),
              NLSDatetimeFormatU(locale, 0, bytes, 512, &octets, moment), NLSBufToDatetime, NLSBufToDatetimeU);
     }

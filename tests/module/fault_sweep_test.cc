@@ -189,7 +189,7 @@ Outcome read_in_zone(Stage& stage) {
   const VXStatus status = NLSBufToDatetime(stage.locale, units(U"Asia/Kolkata 2020-01-01"), 23, 0, &value, &consumed);
   return {status == 0, status != 0 ? status : static_cast<int64_t>(value)};
 }
-constexpr int64_t midnight = 21915 * 86400;
+constexpr int64_t midnight = int64_t{21915} * 86400;
 const Rules no_match = {{zone_calls, {false, VX_E_NOMATCH}}, {"zone_offset*Asia/Kolkata*", {true, midnight}}};
 
 /// One thing that a host has the library do.

@@ -286,7 +286,7 @@ class DoubleModel {
 template <class Integer>
 Written integer_model(const Marks& marks, Integer value, int width, int precision, uint32_t flags, int64_t size) {
   const int64_t least = precision < 0 ? 6 : precision, field = std::abs(static_cast<int64_t>(width));
-  const Written refused{VX_E_TRUNCATED, untouched};
+  Written refused{VX_E_TRUNCATED, untouched};
   if (least > size || field > size) return refused;
   const auto magnitude = value < 0 ? 0 - static_cast<uint64_t>(value) : static_cast<uint64_t>(value);
   constexpr bool other_bases = std::is_unsigned_v<Integer>;

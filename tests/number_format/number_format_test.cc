@@ -90,7 +90,7 @@ class Writer {
   /// Both flavours of a double, as the model says; gives what that says of UTF-32.
   Written check(const Call& c) const {
     const auto as_modelled = [&]<class Unit>(Unit) {
-      const Written expected =
+      Written expected =
           DoubleModel(marks<Unit>(convention_.groups)).format(c.value, c.width, c.decimals, c.flags, c.size);
       EXPECT_EQ(write<Unit>(c), expected)
           << fmt::format("{:a} width {} decimals {} flags {:x} size {}", c.value, c.width, c.decimals, c.flags, c.size);

@@ -390,7 +390,7 @@ TEST(SoftExtended, AgreesWithTheProcessor) {
 TEST(Ebcdic, TablesAreCodePage1047) {
   std::string latin, ebcdic(256, '\0');
   for (int c = 0; c < 256; ++c) latin += static_cast<char>(c);
-  const iconv_t converter = iconv_open("IBM1047", "LATIN1");
+  iconv_t converter = iconv_open("IBM1047", "LATIN1");
   char *from = latin.data(), *to = ebcdic.data();
   size_t from_left = 256, to_left = 256;
   ASSERT_EQ(iconv(converter, &from, &from_left, &to, &to_left), 0u);
