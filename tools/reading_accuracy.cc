@@ -19,7 +19,7 @@ double read(const char* text, size_t length) {
   int64_t consumed = 0;
   const auto bytes = reinterpret_cast<const uint8_t*>(text);
   if (NLSBufToDoubleU(nullptr, bytes, static_cast<int32_t>(length), &value, &consumed) == 0) return value;
-  std::fprintf(stderr, "refused: %s\n", text);
+  (void)std::fprintf(stderr, "refused: %s\n", text);
   std::exit(1);
 }
 
@@ -50,7 +50,7 @@ class Texts {
       if (i + 1 == point && point < digits) *at++ = '.';
     }
     if (spelling.has_exponent) {
-      const auto span = static_cast<uint64_t>(spelling.most_exponent - spelling.least_exponent + 1);
+      const auto span = static_cast<uint64_t>(int64_t{spelling.most_exponent} - spelling.least_exponent + 1);
       at += std::snprintf(at, 8, "E%d", spelling.least_exponent + static_cast<int>(random_() % span));
     }
     *at = 0;
@@ -71,7 +71,7 @@ void print_rate(int64_t differences, int64_t texts) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  const int64_t texts = (count > 1 ? std::atoll(arguments[1]) : 10) * 1'000'000;
+  const int64_t texts = (count > 1 ? std::strtoll(arguments[1], nullptr, 10) : 10) * 1'000'000;
   Texts source(count > 2 ? std::strtoull(arguments[2], nullptr, 10) : 1);
   double farthest = 0;
 
@@ -94,7 +94,7 @@ int main(int count, char** arguments) {
       print_rate(differences, texts);
     }
     std::printf("\n");
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
   }
   std::printf("\nThe farthest difference: %g units in the last place\n", farthest);
 

@@ -40,7 +40,7 @@ class Values {
       text[at++] = static_cast<char>('0' + (i == 1 ? 1 + random_() % 9 : random_() % 10));
     *others = units_of(text, static_cast<size_t>(at));
     text[at++] = '5';
-    std::snprintf(text + at, sizeof text - static_cast<size_t>(at), "e%d", e - digits + 1);
+    (void)std::snprintf(text + at, sizeof text - static_cast<size_t>(at), "e%d", e - digits + 1);
     return std::strtod(text, nullptr);
   }
 
@@ -53,7 +53,7 @@ int64_t shown(double value, int32_t field, int32_t decimals, uint32_t flags) {
   uint8_t text[64];
   int64_t length = 0;
   if (NLSDoubleFormatUWithExOpts(nullptr, field, decimals, flags, text, sizeof text, &length, nullptr, value) != 0) {
-    std::fprintf(stderr, "refused: %.17g with %d decimals\n", value, decimals);
+    (void)std::fprintf(stderr, "refused: %.17g with %d decimals\n", value, decimals);
     std::exit(1);
   }
   return units_of(reinterpret_cast<const char*>(text), static_cast<size_t>(length));
@@ -63,7 +63,7 @@ int64_t shown(double value, int32_t field, int32_t decimals, uint32_t flags) {
 int64_t correct(double value, int32_t decimals) {
   char text[128];
   const int length = std::snprintf(text, sizeof text, "%.70f", value);
-  const auto kept = static_cast<size_t>(length - 70 + decimals);
+  const auto kept = static_cast<size_t>(int64_t{length} - 70 + decimals);
   return units_of(text, kept) + (text[kept] >= '5');
 }
 
@@ -87,7 +87,7 @@ struct Rate {
 }  // namespace
 
 int main(int count, char** arguments) {
-  const int64_t values = (count > 1 ? std::atoll(arguments[1]) : 1) * 1'000'000;
+  const int64_t values = (count > 1 ? std::strtoll(arguments[1], nullptr, 10) : 1) * 1'000'000;
   Values source(count > 2 ? std::strtoull(arguments[2], nullptr, 10) : 1);
 
   std::printf("Differences in %lld values each:\n\n", static_cast<long long>(values));
@@ -125,7 +125,7 @@ int main(int count, char** arguments) {
     own.print();
     free_mode.print();
     std::printf("\n");
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
   }
   std::printf("\nUp to 15 digits no more than %lld in the last digit shown\n", static_cast<long long>(farthest));
 
