@@ -60,7 +60,7 @@ class Texts {
 
  private:
   std::mt19937_64 random_;
-  char text_[96];
+  char text_[96] = {};
 };
 
 void print_rate(int64_t differences, int64_t texts) {

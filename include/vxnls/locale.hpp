@@ -621,8 +621,8 @@ class locale {
       if (!detail::exists(date)) return {VX_E_RANGE, T{}, consumed, {"the month has no such day", 0, consumed}};
       moment = static_cast<T>(date);
     } else if (!moment) {
-      constexpr const char* too_large[] = {"the type cannot hold it", "no time of a day"};
-      return {VX_E_RANGE, T{}, consumed, {too_large[detail::time_of_day<T> && seconds >= 86400], 0, consumed}};
+      const bool too_late = what == VX_EXPLAIN_TIME && seconds >= 86400;
+      return {VX_E_RANGE, T{}, consumed, {too_late ? "no time of a day" : "the type cannot hold it", 0, consumed}};
     }
     if (!how.prefix && !only_blanks(text, consumed)) {
       return {VX_E_NOMATCH, T{}, consumed, {"more text follows", consumed, text.size() - consumed}};
@@ -662,7 +662,7 @@ class locale {
     } else {
       flags |= (how.prefix ? 0u : NLS_READ_TRAILING_BLANKS) | (how.fraction ? NLS_READ_FRACTION : 0u) |
                (how.hex ? NLS_READ_HEXADECIMAL : 0u);
-      kind = std::is_signed_v<T> ? VX_NUMBER_INT64 : VX_NUMBER_UINT64;
+      kind = std::is_signed<T>::value ? VX_NUMBER_INT64 : VX_NUMBER_UINT64;
       const auto read_whole = [&](View part) {
         if constexpr (std::is_signed_v<T>) {
           return call(pick<Unit>(ops.NLSBufToIntmaxU, ops.NLSBufToIntmax), detail::length(part), std::uint64_t{0});

@@ -213,6 +213,7 @@ class Faults : public testing::Test {
       words.push_back(word);
     }
     std::vector<char*> pointers;
+    pointers.reserve(words.size());
     for (std::string& word : words) pointers.push_back(word.data());
     int ends[2];
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");

@@ -44,6 +44,7 @@ check() {
   # copies is its own, which no checked function knows better.
   for file in "${@:6}"; do
     name=${file##*/}
+    # shellcheck disable=SC2046  # a word each
     echo "${name%%.*}" $(symbols --undefined-only "$file" |
       sed -n 's/__stack_chk_fail/stack/p; s/.*_chk$/calls/p' | sort -u)
   done | diff - <(printf '%s\n' 'libvxnlsloc stack' 'libvxhost calls stack' 'vxnlsldb stack' vxnlsudb vxemsg \

@@ -118,7 +118,7 @@ void fail(Argument out, VXStatus status, bool rubbish) {
   } else if constexpr (std::is_same_v<Argument, int64_t*> || std::is_same_v<Argument, int32_t*> ||
                        std::is_same_v<Argument, uint64_t*> || std::is_same_v<Argument, const VXLocaleRecord**> ||
                        std::is_same_v<Argument, VXLocaleData*>) {
-    if (rubbish) std::memset(out, 0xA5, sizeof(std::remove_pointer_t<Argument>));
+    if (rubbish) std::memset(out, 0xA5, sizeof *out);  // NOLINT(bugprone-sizeof-expression): pointers, too
   }
 }
 
