@@ -62,6 +62,17 @@ struct Spelled {
   std::vector<int64_t> starts;  // the byte at which each begins, and the end
 };
 
+/// What is told of a text is what its reader gave, and its places lie in the text.
+inline VXNumberReading require_told(VXLocale* locale, const uint8_t* text, int64_t length, uint32_t kind,
+                                    uint32_t flags, const vxtest::Reading& got) {
+  VXNumberReading told{};
+  vxnlsExplainNumber(locale, text, length, kind, flags, &told);
+  require(got == vxtest::Reading(told.status, told.value.unsigned_integer, told.consumed));
+  require((told.fault == VX_FAULT_NONE) == (told.status == 0) && told.consumed >= 0 && told.consumed <= length);
+  require(told.fault_offset >= 0 && told.fault_length >= 0 && told.fault_offset + told.fault_length <= length);
+  return told;
+}
+
 }  // namespace vxfuzz
 
 #endif

@@ -46,11 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   const Reading got =
       reading_of([&](auto... to) { return NLSBufToDoubleUWithOpts(locale, text, length, flags, to...); });
-  VXNumberReading told{};
-  vxnlsExplainNumber(locale, text, length, VX_NUMBER_DOUBLE, flags, &told);
-  require(got == Reading(told.status, told.value.unsigned_integer, told.consumed));
-  require((told.fault == VX_FAULT_NONE) == (told.status == 0) && told.consumed >= 0 && told.consumed <= length);
-  require(told.fault_offset >= 0 && told.fault_length >= 0 && told.fault_offset + told.fault_length <= length);
+  const VXNumberReading told = vxfuzz::require_told(locale, text, length, VX_NUMBER_DOUBLE, flags, got);
 
   const vxfuzz::Spelled spelled(text, length);
   if (!spelled.is_utf8 || signs.point > 0x10FFFF) return 0;

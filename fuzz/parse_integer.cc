@@ -36,11 +36,7 @@ struct Text {
   template <class Integer>
   void check(Reader<VXChar, Integer> plain, Reader<uint8_t, Integer> utf8, uint32_t kind) const {
     const Reading got = read(utf8, bytes, length);
-    VXNumberReading told{};
-    vxnlsExplainNumber(locale.get(), bytes, length, kind, flags, &told);
-    require(got == Reading(told.status, told.value.unsigned_integer, told.consumed));
-    require((told.fault == VX_FAULT_NONE) == (told.status == 0) && told.consumed >= 0 && told.consumed <= length);
-    require(told.fault_offset >= 0 && told.fault_length >= 0 && told.fault_offset + told.fault_length <= length);
+    vxfuzz::require_told(locale.get(), bytes, length, kind, flags, got);
     if (!spelled.is_utf8) return;
     const Reading expected = vxtest::read_integer<Integer>(spelled.units, signs, flags);
     require(read(plain, vxtest::units(spelled.units), spelled.size()) == expected);
